@@ -1,0 +1,9 @@
+#!/usr/bin/env bash
+# Configures and builds Telvane into build/ (clang, so the fuzz targets build too).
+set -euo pipefail
+cd "$(dirname "$0")/.."
+if [ ! -f build/CMakeCache.txt ]; then
+  cmake -S . -B build -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
+    -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++
+fi
+cmake --build build -j2

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QString>
+#include <optional>
+
+namespace telvane {
+
+// Numbers as they stand in the program's files. Files always use "." as the decimal
+// separator; files edited by hand or written by the original program on an Italian
+// machine carry ",", so every reader accepts both.
+
+// The whole trimmed text as a number ("21.5", "21,5", "-3", " 7 "), or nothing.
+std::optional<double> parseNumber(const QString &text);
+
+// The number at the start of the text, stopping at the first character that cannot
+// continue it ("12abc" is 12, "abc" is 0, "" is 0). Either separator is accepted once.
+double leadingNumber(const QString &text);
+
+// An integer setting: the leading number rounded half to even, as the original's
+// integer conversion did; `fallback` when the text holds no number at all.
+int leadingInteger(const QString &text, int fallback = 0);
+
+// Fixed-point text with "." as separator, rounded half away from zero and with at
+// least `minIntegerDigits` integer digits: formatFixed(5, 1, 2) is "05.0".
+QString formatFixed(double value, int decimals, int minIntegerDigits = 1);
+
+} // namespace telvane
