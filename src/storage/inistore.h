@@ -1,0 +1,44 @@
+#pragma once
+
+#include "storage/programfolder.h"
+
+#include <QString>
+
+namespace telvane {
+
+// Single keys of the program's settings files, with the semantics of the Windows
+// profile functions the files were made for. Every read goes to the file, so an edit
+// made by another program is seen at once; every write replaces the file atomically.
+class IniStore
+{
+public:
+    // The mode selector, always in the program folder.
+    static inline const QString ModeFileName = QStringLiteral("Telvane0.ini");
+
+    // Until LoadSettings runs, the current settings file is the industrial one.
+    explicit IniStore(ProgramFolder folder);
+
+    const ProgramFolder &folder() const { return m_folder; }
+    const QString &currentIniName() const { return m_currentIniName; }
+    void setCurrentIniName(const QString &fileName) { m_currentIniName = fileName; }
+
+    // Values are at most 254 characters; an absent key reads as `defaultValue`.
+    QString ReadModeKey(const QString &section, const QString &key, const QString &defaultValue) const;
+    QString ReadIniKey(const QString &section, const QString &key, const QString &defaultValue) const;
+    QString ReadIniKeyFrom(const QString &section, const QString &key, const QString &defaultValue,
+                           const QString &fileName) const;
+
+    // True when the file was written. Callers may ignore it: a failed write leaves the
+    // previous file whole and is logged.
+    bool WriteModeKey(const QString &section, const QString &key, const QString &value);
+    bool WriteIniKey(const QString &section, const QString &key, const QString &value);
+
+    // Makes sure the sub-folder `name` of the program folder exists.
+    bool EnsureFolder(const QString &name);
+
+private:
+    ProgramFolder m_folder;
+    QString m_currentIniName = QStringLiteral("Telvane2.ini");
+};
+
+} // namespace telvane
