@@ -40,6 +40,11 @@ bool isWriteFunction(int functionCode);
 // instruments send for "over range" and "under range", so they come back unscaled.
 float DecodeValue(quint8 high, quint8 low, int decimals);
 
+// The register read as unsigned (0..65535) and scaled down by `decimals`: how a
+// write's echo is read back when the value written was not negative, so that a coil
+// written with 65280 echoes 65280.
+float decodeUnsignedValue(quint8 high, quint8 low, int decimals);
+
 // `value` (trimmed text, "." or "," as decimal separator, not both) as the register
 // integer for `decimals`: the integer part followed by the first `decimals` digits of
 // the fraction, padded with zeros and never rounded ("21,57" with 1 decimal is 215).

@@ -78,7 +78,7 @@ public:
     const QByteArray &replyBuffer() const { return m_reply; }
 
     // True while an operation is under way (also seen by handlers run during its wait).
-    bool busy() const { return m_busy; }
+    bool busy() const { return m_busy || m_waiting; }
 
     // --- Lower layers -----------------------------------------------------------
     // Public for the probe tool, the fuzzer and tests; the plant goes through the
@@ -102,9 +102,13 @@ public:
                     int decimals, int slave);
 
 private:
+    bool refuseWhileBusy(const char *operation) const;
+    bool refuseWhileWaiting(const char *operation) const;
+    bool acceptRequest(const char *operation, bool knownFunction, int functionCode, int address,
+                       int slave) const;
     qint32 simulatedRead(int functionCode);
-    void clearFailure();
-    void logFailure(const char *operation, int functionCode, int slave) const;
+    float exceptionOrInvalid(const char *operation, int functionCode, int slave) const;
+    void logFailure(const char *operation, int functionCode, int slave, const QString &reason) const;
 
     SerialLine &m_line;
     const Clock &m_clock;
@@ -120,7 +124,9 @@ private:
     QString m_failureDescription;
     QByteArray m_reply;
 
-    bool m_busy = false;
+    bool m_busy = false;    // inside ReadRegister, WriteRegister or TestPort
+    bool m_waiting = false; // inside Transact's wait for the reply
+    bool m_lastOpenFailed = false;
 };
 
 } // namespace telvane
