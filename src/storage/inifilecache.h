@@ -7,6 +7,7 @@
 #include <QString>
 
 #include <memory>
+#include <optional>
 
 namespace telvane {
 
@@ -36,10 +37,12 @@ private:
     struct Stamp
     {
         qint64 size = -1;
-        qint64 modifiedMs = 0;
-        qint64 changedMs = 0;
+        qint64 modifiedNs = 0; // since the epoch
+        qint64 changedNs = 0;
         bool operator==(const Stamp &) const = default;
     };
+    // Nothing when `path` is not a regular file.
+    static std::optional<Stamp> stampOf(const QString &path);
     struct Entry
     {
         Stamp stamp;
