@@ -1,6 +1,6 @@
 #pragma once
 
-#include "config_editor/registertables.h"
+#include "storage/plantlimits.h"
 
 #include <QObject>
 #include <QString>
