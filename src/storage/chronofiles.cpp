@@ -58,7 +58,7 @@ bool writeScheduleFile(const ProgramFolder &folder, const ChronoSchedule &schedu
 // written in the Windows code page.
 QString decodeHolidayLine(const QByteArray &line)
 {
-    QStringDecoder utf8(QStringDecoder::Utf8);
+    QStringDecoder utf8(QStringDecoder::Utf8, QStringConverter::Flag::Stateless);
     const QString text = utf8(line);
     return utf8.hasError() ? QString::fromLatin1(line) : text;
 }
