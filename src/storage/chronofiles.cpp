@@ -1,7 +1,9 @@
 #include "storage/chronofiles.h"
 
+#include "storage/atomicfile.h"
 #include "storage/holidaylist.h"
 #include "storage/inistore.h"
+#include "storage/legacytext.h"
 #include "storage/numbertext.h"
 #include "storage/programfolder.h"
 #include "storage/storagelog.h"
@@ -10,8 +12,6 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
-#include <QStringDecoder>
 
 namespace telvane {
 
@@ -24,23 +24,14 @@ constexpr qsizetype MaxHolidayLineLength = 1024;
 
 const QByteArray LineEnd = QByteArrayLiteral("\r\n");
 
+// The folder "Crono" is made at start-up; make it again if it went missing since.
 bool writeWholeFile(const QString &path, const QByteArray &content)
 {
     if (!QDir().mkpath(QFileInfo(path).absolutePath())) {
-        qCWarning(lcStorage) << "Cannot create the folder of" << path;
+        qCWarning(lcStorage).noquote() << "Cannot create the folder of" << path;
         return false;
     }
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly)) {
-        qCWarning(lcStorage) << "Cannot write" << path << ":" << file.errorString();
-        return false;
-    }
-    file.write(content);
-    if (!file.commit()) {
-        qCWarning(lcStorage) << "Cannot write" << path << ", the previous file is kept:" << file.errorString();
-        return false;
-    }
-    return true;
+    return writeFileAtomically(path, content);
 }
 
 bool writeScheduleFile(const ProgramFolder &folder, const ChronoSchedule &schedule)
@@ -54,51 +45,51 @@ bool writeScheduleFile(const ProgramFolder &folder, const ChronoSchedule &schedu
     return writeWholeFile(folder.filePath(QLatin1String(ChronoScheduleFileName)), content);
 }
 
-// Holiday texts come from our own editor (UTF-8) or from files of the original program
-// written in the Windows code page.
-QString decodeHolidayLine(const QByteArray &line)
-{
-    QStringDecoder utf8(QStringDecoder::Utf8, QStringConverter::Flag::Stateless);
-    const QString text = utf8(line);
-    return utf8.hasError() ? QString::fromLatin1(line) : text;
-}
-
 bool loadSchedule(const QString &path, ChronoSchedule &schedule)
 {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
-        qCWarning(lcStorage) << "Cannot read" << path << ":" << file.errorString();
+        qCWarning(lcStorage).noquote() << "Cannot read" << path << ":" << file.errorString();
         return false;
     }
     TextLineReader reader(file, MaxScheduleLineLength);
     QByteArray line;
-    // What the last successful read left; a file that ends early hands it on to every
-    // later set point, as the original reader did.
-    QString lastLine;
+    // The value of the last line read. A file that ends early hands it on to every later
+    // set point; when that line was no number, they keep their values.
+    std::optional<float> lastValue;
+    bool ended = false;
     int linesRead = 0;
     int badLines = 0;
     for (float &setPoint : schedule.entries()) {
-        const TextLineReader::Result result = reader.readLine(line);
-        if (result == TextLineReader::Result::Line) {
-            lastLine = QString::fromLatin1(line);
-            ++linesRead;
-        } else if (result == TextLineReader::Result::TooLong) {
-            lastLine.clear();
-            ++linesRead;
+        if (!ended) {
+            switch (reader.readLine(line)) {
+            case TextLineReader::Result::Line:
+                lastValue = parseSingle(QString::fromLatin1(line));
+                break;
+            case TextLineReader::Result::TooLong:
+                lastValue.reset();
+                break;
+            case TextLineReader::Result::End:
+                ended = true;
+                break;
+            }
+            if (!ended) {
+                ++linesRead;
+                badLines += lastValue ? 0 : 1;
+            }
         }
-        if (const std::optional<float> value = parseSingle(lastLine))
-            setPoint = *value;
-        else if (result != TextLineReader::Result::End)
-            ++badLines;
+        if (lastValue)
+            setPoint = *lastValue;
     }
     bool complete = true;
     if (linesRead < ChronoSchedule::EntryCount) {
-        qCWarning(lcStorage) << path << "holds" << linesRead << "set points instead of"
-                             << ChronoSchedule::EntryCount << "; the last one fills the rest";
+        qCWarning(lcStorage).noquote() << path << "holds" << linesRead << "set points instead of"
+                                       << ChronoSchedule::EntryCount << "; the last one fills the rest";
         complete = false;
     }
     if (badLines > 0) {
-        qCWarning(lcStorage) << path << ":" << badLines << "lines are not numbers; their set points are unchanged";
+        qCWarning(lcStorage).noquote() << path << ":" << badLines
+                                       << "lines are not numbers; their set points are unchanged";
         complete = false;
     }
     return complete;
@@ -108,7 +99,7 @@ bool loadHolidays(const QString &path, HolidayList &holidays)
 {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
-        qCWarning(lcStorage) << "Cannot read" << path << ":" << file.errorString();
+        qCWarning(lcStorage).noquote() << "Cannot read" << path << ":" << file.errorString();
         holidays.setEntries({});
         return false;
     }
@@ -121,11 +112,11 @@ bool loadHolidays(const QString &path, HolidayList &holidays)
         if (result == TextLineReader::Result::End)
             break;
         if (result == TextLineReader::Result::TooLong) {
-            qCWarning(lcStorage) << path << ": a line too long for a holiday is skipped";
+            qCWarning(lcStorage).noquote() << path << ": a line too long for a holiday is skipped";
             complete = false;
             continue;
         }
-        const QString entry = decodeHolidayLine(line).trimmed();
+        const QString entry = decodeLegacyText(line).trimmed();
         if (!entry.isEmpty())
             entries.append(entry);
     }

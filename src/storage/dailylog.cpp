@@ -76,18 +76,18 @@ bool DailyLog::AppendDailyLogLine(const QString &text)
     // The folder is made at start-up; should someone remove it while we run, make it again
     // rather than lose every line until the next start.
     if (!QDir().mkpath(m_folder.filePath(QLatin1String(DailyLogFolderName)))) {
-        qCWarning(lcStorage) << "Cannot create the folder of" << path << "; a log line is lost";
+        qCWarning(lcStorage).noquote() << "Cannot create the folder of" << path << "; a log line is lost";
         return false;
     }
     QFile file(path);
     if (!file.open(QIODevice::WriteOnly | QIODevice::Append)) {
-        qCWarning(lcStorage) << "Cannot open" << path << ":" << file.errorString() << "; a log line is lost";
+        qCWarning(lcStorage).noquote() << "Cannot open" << path << ":" << file.errorString() << "; a log line is lost";
         return false;
     }
     const QByteArray bytes = text.toUtf8() + QByteArrayLiteral("\r\n");
     const bool written = file.write(bytes) == bytes.size() && file.flush();
     if (!written)
-        qCWarning(lcStorage) << "Cannot write to" << path << ":" << file.errorString() << "; a log line is lost";
+        qCWarning(lcStorage).noquote() << "Cannot write to" << path << ":" << file.errorString() << "; a log line is lost";
     file.close();
     return written;
 }
@@ -97,7 +97,7 @@ bool DailyLog::ReadDailyLog(const QString &fileName, DailyLogSink &sink) const
     const QString path = dailyLogPath(m_folder, fileName);
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
-        qCWarning(lcStorage) << "Cannot read" << path << ":" << file.errorString();
+        qCWarning(lcStorage).noquote() << "Cannot read" << path << ":" << file.errorString();
         return false;
     }
     TextLineReader reader(file, MaxLineLength);
@@ -109,7 +109,7 @@ bool DailyLog::ReadDailyLog(const QString &fileName, DailyLogSink &sink) const
             break;
         ++lineNumber;
         if (result == TextLineReader::Result::TooLong || !readLine(QString::fromLatin1(line), sink)) {
-            qCWarning(lcStorage) << path << ": line" << lineNumber << "is damaged; reading stops there";
+            qCWarning(lcStorage).noquote() << path << ": line" << lineNumber << "is damaged; reading stops there";
             return false;
         }
     }

@@ -1,3 +1,4 @@
+#include "filesizelimit.h"
 #include "storage/chronofiles.h"
 #include "storage/holidaylist.h"
 #include "storage/inistore.h"
@@ -135,7 +136,8 @@ private slots:
     }
 
     // A damaged schedule file: the set points it holds are read, the rest are filled the
-    // way the original reader did. Every table starts at 7.0 so untouched entries show.
+    // way files from the field have always been read. Every table starts at 7.0 so
+    // untouched entries show.
     void damagedScheduleFiles_data()
     {
         QTest::addColumn<QByteArray>("content");
@@ -265,6 +267,32 @@ private slots:
         QCOMPARE(ini.ReadIniKey(QStringLiteral("Zona 03"), QStringLiteral("Nome"), QString()), QStringLiteral("Ufficio"));
         QVERIFY(readAll(schedulePath()).startsWith("16.5\r\n20.0\r\n"));
         QCOMPARE(readAll(holidayPath()), QByteArray("15/08/2026\r\n"));
+    }
+
+    void fullDiskKeepsTheOldSchedule()
+    {
+        IniStore ini{ProgramFolder(m_dir.path())};
+        ChronoSchedule schedule;
+        ChronoZoneEnabled enabled{};
+        HolidayList holidays;
+        QVERIFY(SaveChronoSchedule(ini, schedule, enabled, holidays));
+        const QByteArray before = readAll(schedulePath());
+
+        schedule.fill(16.5f);
+        holidays.setEntries({"15/08/2026"});
+        enabled.fill(true);
+        {
+            // Room for the holidays and the settings file, not for 20,370 set points.
+            const FileSizeLimit limit(4096);
+            QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("Cronotermostato.cts")));
+            QVERIFY(!SaveChronoSchedule(ini, schedule, enabled, holidays));
+        }
+        QCOMPARE(readAll(schedulePath()), before);
+        QCOMPARE(QDir(m_dir.path() + QStringLiteral("/Crono")).entryList(QDir::Files),
+                 (QStringList{"Cronotermostato.cts", "Festivita.cts"}));
+        QCOMPARE(readAll(holidayPath()), QByteArray("15/08/2026\r\n"));
+        QCOMPARE(ini.ReadIniKey(QStringLiteral("Zona 30"), QStringLiteral("Cronotermostato"), QString()),
+                 QStringLiteral("1"));
     }
 
     // A file that cannot be written is reported, and the rest of the save still happens.
