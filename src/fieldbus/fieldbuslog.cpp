@@ -1,0 +1,3 @@
+#include "fieldbus/fieldbuslog.h"
+
+Q_LOGGING_CATEGORY(lcFieldbus, "telvane.fieldbus")
