@@ -162,8 +162,12 @@ QString QSerialLine::lastError() const
 
 void QSerialLine::fail(const QString &reason)
 {
+    // A missing port fails again at every poll; the log says it once per new reason.
+    if (reason == m_lastError)
+        qCDebug(lcPlatform).noquote() << reason;
+    else
+        qCWarning(lcPlatform).noquote() << reason;
     m_lastError = reason;
-    qCWarning(lcPlatform).noquote() << reason;
 }
 
 } // namespace telvane
