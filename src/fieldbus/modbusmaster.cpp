@@ -264,7 +264,7 @@ bool ModbusMaster::Transact(int slave, int expectedLength, const QByteArray &fra
             m_reply.clear();
             return false;
         }
-        // Part of a reply: an exception answer is shorter than the data answer.
+        // A short reply: an exception answer is shorter than the data answer.
         m_exceptionFlag = true;
         m_failureDescription = ExceptionText;
     }

@@ -31,7 +31,8 @@ public:
     // --- Operations -------------------------------------------------------------
 
     // Function code 1 or 2 (one bit), 3 or 4 (one register); `address` 0..65535,
-    // `slave` 0..255 (0 is broadcast: nobody answers, so it always ends in -99999).
+    // `slave` 0..255 (0 is broadcast: sent once, and since nobody answers it ends in
+    // -99999 with " Broadcast" after one time-out).
     // Returns the value or -99999. An exception reply gives its exception code as the
     // value: callers have always seen it that way and rely on it.
     qint32 ReadRegister(int functionCode, int address, int slave);

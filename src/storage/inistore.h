@@ -1,5 +1,6 @@
 #pragma once
 
+#include "storage/inifilecache.h"
 #include "storage/programfolder.h"
 
 #include <QString>
@@ -37,7 +38,16 @@ public:
     bool EnsureFolder(const QString &name);
 
 private:
+    // `fileName` is relative to the program folder unless it is an absolute path.
+    QString pathOf(const QString &fileName) const;
+    QString readKey(const QString &fileName, const QString &section, const QString &key,
+                    const QString &defaultValue) const;
+    bool writeKey(const QString &fileName, const QString &section, const QString &key,
+                  const QString &value);
+
     ProgramFolder m_folder;
+    // Reads stay cheap during a full reload; the cache checks the file on every read.
+    mutable IniFileCache m_cache;
     QString m_currentIniName = QStringLiteral("Telvane2.ini");
 };
 

@@ -1,0 +1,138 @@
+#include "fieldbus/scriptedline.h"
+
+#include "fieldbus/modbusframe.h"
+
+#include <algorithm>
+
+namespace telvane {
+
+ScriptedLine::Reply &ScriptedLine::Reply::at(qint64 afterMs, const QByteArray &bytes)
+{
+    m_chunks.append({afterMs, bytes});
+    return *this;
+}
+
+ScriptedLine::Reply ScriptedLine::Reply::split(const QByteArray &bytes, int pieceSize, qint64 firstMs,
+                                               qint64 stepMs)
+{
+    Reply reply;
+    qint64 atMs = firstMs;
+    for (qsizetype from = 0; from < bytes.size(); from += pieceSize, atMs += stepMs)
+        reply.at(atMs, bytes.mid(from, pieceSize));
+    return reply;
+}
+
+ScriptedLine::ScriptedLine(ManualClock &clock)
+    : m_clock(clock)
+{
+}
+
+QByteArray ScriptedLine::withCrc(const QByteArray &payload)
+{
+    const quint16 crc = modbusCrc(payload);
+    QByteArray frame = payload;
+    frame.append(static_cast<char>(crc & 0xFF));
+    frame.append(static_cast<char>(crc >> 8));
+    return frame;
+}
+
+void ScriptedLine::setOpenRefused(bool refused, const QString &error)
+{
+    m_openRefused = refused;
+    m_refusal = error;
+}
+
+bool ScriptedLine::setFormat(const QString &format)
+{
+    m_format = format;
+    return true;
+}
+
+bool ScriptedLine::open()
+{
+    ++m_openCalls;
+    deliverDue();
+    if (m_openRefused) {
+        m_lastError = m_refusal;
+        return false;
+    }
+    m_lastError.clear();
+    m_open = true;
+    return true;
+}
+
+void ScriptedLine::close()
+{
+    ++m_closeCalls;
+    deliverDue();
+    m_bytesLeftAtClose = int(m_input.size());
+    m_input.clear();
+    m_open = false;
+}
+
+void ScriptedLine::write(const QByteArray &bytes)
+{
+    if (!m_open) {
+        ++m_writesWhileClosed;
+        return;
+    }
+    deliverDue();
+    m_requests.append(bytes);
+    Reply reply;
+    if (!m_script.isEmpty())
+        reply = m_script.takeFirst();
+    else if (m_responder)
+        reply = m_responder(bytes);
+    const qint64 now = m_clock.monotonicMs();
+    for (const Chunk &chunk : reply.chunks())
+        m_inFlight.append({now + chunk.afterMs, chunk.bytes});
+    std::stable_sort(m_inFlight.begin(), m_inFlight.end(),
+                     [](const Arrival &a, const Arrival &b) { return a.atMs < b.atMs; });
+    deliverDue();
+}
+
+qint64 ScriptedLine::bytesAvailable()
+{
+    deliverDue();
+    return m_input.size();
+}
+
+QByteArray ScriptedLine::readAll()
+{
+    deliverDue();
+    const qsizetype count = m_readLimit > 0 ? qMin<qsizetype>(m_readLimit, m_input.size()) : m_input.size();
+    const QByteArray bytes = m_input.left(count);
+    m_input.remove(0, count);
+    return bytes;
+}
+
+void ScriptedLine::clearInput()
+{
+    deliverDue();
+    m_input.clear();
+}
+
+void ScriptedLine::yield(int ms)
+{
+    ++m_yieldCalls;
+    if (m_duringYield)
+        m_duringYield();
+    const qint64 now = m_clock.monotonicMs();
+    qint64 until = now + qMax(0, ms);
+    if (!m_inFlight.isEmpty())
+        until = qMin(until, qMax(now, m_inFlight.first().atMs));
+    m_clock.advance(until - now);
+    deliverDue();
+}
+
+void ScriptedLine::deliverDue()
+{
+    const qint64 now = m_clock.monotonicMs();
+    while (!m_inFlight.isEmpty() && m_inFlight.first().atMs <= now) {
+        const Arrival arrival = m_inFlight.takeFirst();
+        if (m_open)
+            m_input.append(arrival.bytes);
+    }
+}
+
+} // namespace telvane

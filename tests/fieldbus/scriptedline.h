@@ -1,0 +1,124 @@
+#pragma once
+
+#include "base/clock.h"
+#include "fieldbus/serialline.h"
+
+#include <QList>
+
+#include <functional>
+
+namespace telvane {
+
+// A serial line with a scripted slave behind it, on a ManualClock.
+//
+// Each request written gets a reply: the next one queued with `script()`, else the
+// responder's answer, else silence. A reply is a list of chunks, each arriving a given
+// number of milliseconds after the request; chunks of earlier requests that are still on
+// their way keep arriving, as on a real line. `yield(ms)` moves the clock to the next
+// arrival or by `ms`, whichever comes first, so a test runs through a time-out without
+// sleeping. Bytes that arrive while the port is closed are lost.
+class ScriptedLine final : public SerialLine
+{
+public:
+    struct Chunk
+    {
+        qint64 afterMs = 0;
+        QByteArray bytes;
+    };
+
+    class Reply
+    {
+    public:
+        // Silence.
+        Reply() = default;
+        // The whole reply at once, as soon as the request is out.
+        // Implicit, so a responder may simply return the bytes.
+        Reply(const QByteArray &bytes) { at(0, bytes); }
+
+        // Adds bytes arriving `afterMs` after the request (noise, a piece of a reply).
+        Reply &at(qint64 afterMs, const QByteArray &bytes);
+        // `bytes` cut into pieces of `pieceSize`, the first at `firstMs`, the next ones
+        // `stepMs` apart.
+        static Reply split(const QByteArray &bytes, int pieceSize, qint64 firstMs, qint64 stepMs);
+
+        const QList<Chunk> &chunks() const { return m_chunks; }
+
+    private:
+        QList<Chunk> m_chunks;
+    };
+
+    using Responder = std::function<Reply(const QByteArray &request)>;
+
+    explicit ScriptedLine(ManualClock &clock);
+
+    // --- Script -----------------------------------------------------------------
+    void script(const Reply &reply) { m_script.append(reply); }
+    void setResponder(Responder responder) { m_responder = std::move(responder); }
+    void setOpenRefused(bool refused, const QString &error = QStringLiteral("Permission denied"));
+    // At most `bytes` per readAll, as a driver handing data over in pieces (0: all).
+    void setReadLimit(int bytes) { m_readLimit = bytes; }
+    // Runs at the start of every yield: the event handlers a real event loop would run.
+    void setDuringYield(std::function<void()> handler) { m_duringYield = std::move(handler); }
+
+    // `payload` followed by its CRC-16/MODBUS, low byte first.
+    static QByteArray withCrc(const QByteArray &payload);
+
+    // --- Record -----------------------------------------------------------------
+    const QList<QByteArray> &requests() const { return m_requests; }
+    int scriptLeft() const { return int(m_script.size()); }
+    int openCalls() const { return m_openCalls; }
+    int closeCalls() const { return m_closeCalls; }
+    int writesWhileClosed() const { return m_writesWhileClosed; }
+    int yieldCalls() const { return m_yieldCalls; }
+    // Bytes still waiting in the input when the port was last closed.
+    int bytesLeftAtClose() const { return m_bytesLeftAtClose; }
+    const QString &port() const { return m_port; }
+    const QString &format() const { return m_format; }
+
+    // --- SerialLine -------------------------------------------------------------
+    void setPort(const QString &port) override { m_port = port; }
+    bool setFormat(const QString &format) override;
+    bool open() override;
+    void close() override;
+    bool isOpen() const override { return m_open; }
+    void write(const QByteArray &bytes) override;
+    qint64 bytesAvailable() override;
+    QByteArray readAll() override;
+    void clearInput() override;
+    void yield(int ms) override;
+    QString lastError() const override { return m_lastError; }
+
+private:
+    struct Arrival
+    {
+        qint64 atMs;
+        QByteArray bytes;
+    };
+
+    // Moves every arrival that is due into the input, or drops it if the port is closed.
+    void deliverDue();
+
+    ManualClock &m_clock;
+    QList<Reply> m_script;
+    Responder m_responder;
+    std::function<void()> m_duringYield;
+    QList<Arrival> m_inFlight; // kept in arrival order
+    QByteArray m_input;
+
+    bool m_open = false;
+    bool m_openRefused = false;
+    QString m_refusal;
+    QString m_lastError;
+    int m_readLimit = 0;
+    QString m_port;
+    QString m_format = QStringLiteral("9600,N,8,1");
+
+    QList<QByteArray> m_requests;
+    int m_openCalls = 0;
+    int m_closeCalls = 0;
+    int m_writesWhileClosed = 0;
+    int m_yieldCalls = 0;
+    int m_bytesLeftAtClose = 0;
+};
+
+} // namespace telvane
