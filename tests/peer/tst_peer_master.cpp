@@ -41,6 +41,7 @@ private slots:
     void missingSlaveTimesOutAfterEveryAttempt();
     void broadcastIsCarriedOutButNotAnswered();
     void portThatDoesNotExist();
+    void slaveWithWireTimingAnswersAsLateAsARealLine();
 
 private:
     std::unique_ptr<PeerSlave> m_peer;
@@ -227,6 +228,23 @@ void TestPeerMaster::portThatDoesNotExist()
     QVERIFY(m_master.TimeOutFlag());
     QCOMPARE(m_master.failureDescription(), QStringLiteral(" Time out"));
     QVERIFY(!m_line.isOpen());
+}
+
+void TestPeerMaster::slaveWithWireTimingAnswersAsLateAsARealLine()
+{
+    // What the bench relies on: at 9600 baud a one-register read is 8 + 7 bytes of ten
+    // bits plus 3.5 characters of silence, 19.3 ms, however fast the pty is.
+    PeerSlave timed({QStringLiteral("1 hr:0=42")}, 9600);
+    QVERIFY2(timed.start(), qPrintable(timed.error()));
+    m_line.setPort(timed.port());
+    constexpr int Reads = 20;
+    constexpr double LineMs = (8 + 7 + 3.5) * 10 * 1000.0 / 9600;
+    QElapsedTimer took;
+    took.start();
+    for (int i = 0; i < Reads; ++i)
+        QCOMPARE(m_master.ReadRegister(3, 0, 1), 42);
+    const double perRead = double(took.elapsed()) / Reads;
+    QVERIFY2(perRead >= LineMs - 0.5 && perRead < 2 * LineMs, qPrintable(QStringLiteral("%1 ms per read").arg(perRead)));
 }
 
 QTEST_GUILESS_MAIN(TestPeerMaster)
