@@ -43,7 +43,7 @@ void Supervisor::MonitorCycle()
         ReadAllLedLamps(m_rt);
         busy = true;
     }
-    if (!busy && m_rt.comm.activity) {
+    if (!busy && m_rt.comm.lineActivity) {
         m_rt.statusBar.setPanel(StatusBar::ActivityPanel, QStringLiteral("Attivita..."));
         ActivityPoll(m_rt);
         m_rt.statusBar.setPanel(StatusBar::ActivityPanel, QString());
@@ -102,7 +102,7 @@ void Supervisor::runPendingCommands(bool &busy)
 // register is read, otherwise the supervisor's state is written to it.
 void Supervisor::pollInstruments()
 {
-    const bool remote = m_rt.comm.remote;
+    const bool remote = m_rt.comm.remoteEnabled;
     const int supervisorState = m_acquisitionRunning ? 1 : 0;
     m_rt.statusBar.setPanel(StatusBar::ActivityPanel,
                             remote ? QStringLiteral("Remoto...") : QStringLiteral("Locale..."));

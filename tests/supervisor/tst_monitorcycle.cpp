@@ -118,8 +118,8 @@ private slots:
         PlantRig rig;
         setUpPlant(rig);
         setPeriods(rig.rt, 1, 1, 1);
-        rig.rt.comm.remote = remote;
-        rig.rt.comm.activity = true;
+        rig.rt.comm.remoteEnabled = remote;
+        rig.rt.comm.lineActivity = true;
         RecordingCommands commands(rig.rt.master);
         rig.rt.operatorCommands = &commands;
         Supervisor supervisor(rig.rt);
@@ -226,8 +226,8 @@ private slots:
         rig.rt.plant.switches.resize(0);
         rig.rt.plant.apriporta.present = false;
         setPeriods(rig.rt, periods[0], periods[1], periods[2]);
-        rig.rt.comm.remote = true;
-        rig.rt.comm.activity = activity;
+        rig.rt.comm.remoteEnabled = true;
+        rig.rt.comm.lineActivity = activity;
         Supervisor supervisor(rig.rt);
         supervisor.SetAcquisitionState(true);
 
@@ -268,7 +268,7 @@ private slots:
         PlantRig rig;
         setUpPlant(rig);
         setPeriods(rig.rt, 1, 1, 1);
-        rig.rt.comm.remote = true;
+        rig.rt.comm.remoteEnabled = true;
         Supervisor supervisor(rig.rt);
         supervisor.SetAcquisitionState(true);
         bool stopped = false;
@@ -306,7 +306,7 @@ private slots:
         PlantRig rig;
         setUpPlant(rig);
         setPeriods(rig.rt, 1, 1, 1);
-        rig.rt.comm.remote = true;
+        rig.rt.comm.remoteEnabled = true;
         Supervisor supervisor(rig.rt);
         supervisor.SetAcquisitionState(true);
         bool clicked = false;
@@ -448,7 +448,7 @@ private slots:
         PlantRig rig;
         setUpPlant(rig);
         setPeriods(rig.rt, 1, 0, 0);
-        rig.rt.comm.remote = remote;
+        rig.rt.comm.remoteEnabled = remote;
         for (int slave : {1, 2, 3, 4})
             if (!answers)
                 rig.removeSlave(slave);
