@@ -26,7 +26,8 @@ QString itemName(const PlantConfig &plant, AlarmItemKind kind, int index)
 } // namespace
 
 Runtime::Runtime(const ProgramFolder &folder, SerialLine &line, const Clock &clock, Pause &pause, SoundPlayer &sound)
-    : clock(clock)
+    : line(line)
+    , clock(clock)
     , pause(pause)
     , sound(sound)
     , ini(folder)

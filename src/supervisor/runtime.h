@@ -36,6 +36,7 @@ struct Runtime
     Runtime(const Runtime &) = delete;
     Runtime &operator=(const Runtime &) = delete;
 
+    SerialLine &line;
     const Clock &clock;
     Pause &pause;
     SoundPlayer &sound;
