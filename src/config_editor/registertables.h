@@ -1,14 +1,11 @@
 #pragma once
 
+#include "storage/plantlimits.h"
+
 #include <QtGlobal>
 #include <array>
 
 namespace telvane {
-
-// The plant's item limits: every table has a row for each possible item.
-inline constexpr int MaxZones = 30;
-inline constexpr int MaxSwitches = 10;
-inline constexpr int MaxLeds = 10;
 
 // A slot or a whole row not in use.
 inline constexpr qint16 UnusedSlot = -1;

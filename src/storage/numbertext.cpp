@@ -1,6 +1,7 @@
 #include "storage/numbertext.h"
 
 #include <cmath>
+#include <limits>
 
 namespace telvane {
 
@@ -33,7 +34,8 @@ qsizetype scanNumber(const QString &text, qsizetype from, bool *sawDigit)
     return i;
 }
 
-double toDouble(QString digits)
+// Nothing when the digits overflow a double; an underflow is 0.
+std::optional<double> toDouble(QString digits)
 {
     for (QChar &c : digits) {
         if (c == QLatin1Char(','))
@@ -43,7 +45,11 @@ double toDouble(QString digits)
         digits.chop(1);
     bool ok = false;
     const double value = digits.toDouble(&ok);
-    return ok ? value : 0.0;
+    if (ok)
+        return value;
+    if (std::isinf(value))
+        return std::nullopt;
+    return 0.0;
 }
 
 } // namespace
@@ -58,12 +64,20 @@ std::optional<double> parseNumber(const QString &text)
     return toDouble(trimmed);
 }
 
+std::optional<float> parseSingle(const QString &text)
+{
+    const std::optional<double> value = parseNumber(text);
+    if (!value || std::fabs(*value) > std::numeric_limits<float>::max())
+        return std::nullopt;
+    return static_cast<float>(*value);
+}
+
 double leadingNumber(const QString &text)
 {
     const QString trimmed = text.trimmed();
     bool sawDigit = false;
     const qsizetype end = scanNumber(trimmed, 0, &sawDigit);
-    return sawDigit ? toDouble(trimmed.left(end)) : 0.0;
+    return sawDigit ? toDouble(trimmed.left(end)).value_or(0.0) : 0.0;
 }
 
 int leadingInteger(const QString &text, int fallback)
@@ -73,7 +87,10 @@ int leadingInteger(const QString &text, int fallback)
     const qsizetype end = scanNumber(trimmed, 0, &sawDigit);
     if (!sawDigit)
         return fallback;
-    const double value = std::nearbyint(toDouble(trimmed.left(end)));
+    const std::optional<double> scanned = toDouble(trimmed.left(end));
+    if (!scanned)
+        return trimmed.startsWith(QLatin1Char('-')) ? -2147483647 - 1 : 2147483647;
+    const double value = std::nearbyint(*scanned);
     if (value > 2147483647.0)
         return 2147483647;
     if (value < -2147483648.0)

@@ -9,15 +9,22 @@ namespace telvane {
 // separator; files edited by hand or written by the original program on an Italian
 // machine carry ",", so every reader accepts both.
 
-// The whole trimmed text as a number ("21.5", "21,5", "-3", " 7 "), or nothing.
+// The whole trimmed text as a number ("21.5", "21,5", "-3", " 7 "), or nothing; so is
+// a number too large for a double.
 std::optional<double> parseNumber(const QString &text);
+
+// As parseNumber, for single-precision tables: a number beyond the range of a float is
+// no number, so a stored value is always finite.
+std::optional<float> parseSingle(const QString &text);
 
 // The number at the start of the text, stopping at the first character that cannot
 // continue it ("12abc" is 12, "abc" is 0, "" is 0). Either separator is accepted once.
+// Digits too many for a double count as no number (0).
 double leadingNumber(const QString &text);
 
 // An integer setting: the leading number rounded half to even, as the original's
-// integer conversion did; `fallback` when the text holds no number at all.
+// integer conversion did, clamped to the int range; `fallback` when the text holds no
+// number at all.
 int leadingInteger(const QString &text, int fallback = 0);
 
 // Fixed-point text with "." as separator, rounded half away from zero and with at

@@ -1,3 +1,4 @@
+#include "filesizelimit.h"
 #include "storage/inifilecache.h"
 #include "storage/inistore.h"
 #include "storage/modesettings.h"
@@ -7,9 +8,6 @@
 #include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTest>
-
-#include <csignal>
-#include <sys/resource.h>
 
 using namespace telvane;
 
@@ -39,29 +37,6 @@ QDateTime modified(const QString &path)
 {
     return QFileInfo(path).fileTime(QFileDevice::FileModificationTime);
 }
-
-// Makes every write beyond `bytes` fail with "file too large", as a full disk would.
-class FileSizeLimit
-{
-public:
-    explicit FileSizeLimit(rlim_t bytes)
-    {
-        getrlimit(RLIMIT_FSIZE, &m_saved);
-        m_savedHandler = std::signal(SIGXFSZ, SIG_IGN);
-        rlimit limit = m_saved;
-        limit.rlim_cur = bytes;
-        setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~FileSizeLimit()
-    {
-        setrlimit(RLIMIT_FSIZE, &m_saved);
-        std::signal(SIGXFSZ, m_savedHandler);
-    }
-
-private:
-    rlimit m_saved{};
-    void (*m_savedHandler)(int) = nullptr;
-};
 
 enum class Failure { FolderIsAFile, FolderMissing, DiskFull, SettingsFileIsAFolder };
 

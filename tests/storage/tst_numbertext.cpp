@@ -2,6 +2,8 @@
 
 #include <QTest>
 
+#include <limits>
+
 using namespace telvane;
 
 class TestNumberText : public QObject
@@ -24,6 +26,9 @@ private slots:
         QTest::newRow("empty") << "" << false << 0.0;
         QTest::newRow("sign only") << "-" << false << 0.0;
         QTest::newRow("arabic-indic digits are not ours") << QString::fromUtf8("\u0661\u0662") << false << 0.0;
+        QTest::newRow("too large for a double") << QString(400, QLatin1Char('9')) << false << 0.0;
+        QTest::newRow("underflow is zero") << QStringLiteral("0.%1").arg(QString(400, QLatin1Char('0')) + QLatin1Char('1'))
+                                           << true << 0.0;
     }
     void parseNumber()
     {
@@ -31,6 +36,29 @@ private slots:
         QFETCH(bool, valid);
         QFETCH(double, value);
         const auto parsed = telvane::parseNumber(text);
+        QCOMPARE(parsed.has_value(), valid);
+        if (valid)
+            QCOMPARE(*parsed, value);
+    }
+
+    void parseSingleKeepsTablesFinite_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<bool>("valid");
+        QTest::addColumn<float>("value");
+        QTest::newRow("set point") << "20,5" << true << 20.5f;
+        QTest::newRow("largest float") << "340282346638528859811704183484516925440" << true
+                                       << std::numeric_limits<float>::max();
+        QTest::newRow("beyond a float") << "1" + QString(39, QLatin1Char('0')) << false << 0.0f;
+        QTest::newRow("beyond a float, negative") << "-1" + QString(39, QLatin1Char('0')) << false << 0.0f;
+        QTest::newRow("not a number") << "nan" << false << 0.0f;
+    }
+    void parseSingleKeepsTablesFinite()
+    {
+        QFETCH(QString, text);
+        QFETCH(bool, valid);
+        QFETCH(float, value);
+        const auto parsed = parseSingle(text);
         QCOMPARE(parsed.has_value(), valid);
         if (valid)
             QCOMPARE(*parsed, value);
@@ -47,6 +75,9 @@ private slots:
         QTest::newRow("comma") << "-2,5" << -2.5 << -2;
         QTest::newRow("half to even") << "3.5" << 3.5 << 4;
         QTest::newRow("huge is clamped") << "99999999999" << 99999999999.0 << 2147483647;
+        QTest::newRow("beyond a double") << QString(400, QLatin1Char('9')) << 0.0 << 2147483647;
+        QTest::newRow("beyond a double, negative") << QLatin1Char('-') + QString(400, QLatin1Char('9')) << 0.0
+                                                   << -2147483647 - 1;
     }
     void leadingNumberStopsAtTheFirstStrangeCharacter()
     {

@@ -1,0 +1,85 @@
+#include "storage/valueconversion.h"
+
+#include "storage/numbertext.h"
+#include "storage/valuetables.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <optional>
+
+namespace telvane {
+
+namespace {
+
+// The operator's number with its decimal separator taken out and the fraction padded or
+// cut to `decimals` digits: "21,5" with 2 decimals is "2150". A "," anywhere wins over
+// a ".". Without a separator only three zeros are ever added, whatever `decimals` says; values
+// written with more decimals have always been scaled that way.
+QString scaledDigits(const QString &text, int decimals)
+{
+    const int fractionDigits = std::max(decimals, 0);
+    qsizetype separator = text.indexOf(QLatin1Char(','));
+    if (separator < 0)
+        separator = text.indexOf(QLatin1Char('.'));
+    if (separator < 0)
+        return text + QStringLiteral("000").left(fractionDigits);
+    const QString fraction = (text.mid(separator + 1) + QStringLiteral("000")).left(fractionDigits);
+    return text.left(separator) + fraction;
+}
+
+struct Pattern
+{
+    int minIntegerDigits = 1;
+    int decimals = 0;
+};
+
+// "###0.000": the zeros before the point are digits always shown, those after it the
+// decimals.
+Pattern parsePattern(QLatin1String pattern)
+{
+    Pattern result;
+    const qsizetype point = pattern.indexOf(QLatin1Char('.'));
+    const QLatin1String integerPart = point < 0 ? pattern : pattern.left(point);
+    result.minIntegerDigits = static_cast<int>(integerPart.count(QLatin1Char('0')));
+    result.decimals = point < 0 ? 0 : static_cast<int>(pattern.size() - point - 1);
+    return result;
+}
+
+} // namespace
+
+qint16 TextToRegister(const QString &text, int decimals)
+{
+    const std::optional<double> value = parseNumber(scaledDigits(text, decimals));
+    if (!value)
+        return 0;
+    const double rounded = std::nearbyint(*value);
+    if (rounded < -32768.0 || rounded > 32767.0)
+        return 0;
+    return static_cast<qint16>(rounded);
+}
+
+float TextToValue(const QString &text, int decimals)
+{
+    const double value = leadingNumber(scaledDigits(text, decimals)) / std::pow(10.0, std::max(decimals, 0));
+    // Like a register that overflows, a value no float can hold is passed over as 0.
+    if (std::fabs(value) > std::numeric_limits<float>::max())
+        return 0.0f;
+    return static_cast<float>(value);
+}
+
+QString FormatDecimal(float value, int decimals)
+{
+    const int index = std::clamp(decimals, 0, static_cast<int>(DecimalFormats.size()) - 1);
+    const Pattern pattern = parsePattern(DecimalFormats[index]);
+    return formatFixed(value, pattern.decimals, pattern.minIntegerDigits);
+}
+
+QString FormatZoneValue(float value, int decimals, const QString &unit)
+{
+    if (value == InvalidValue)
+        return StateTexts[InvalidStateText];
+    return FormatDecimal(value, decimals) + QLatin1Char(' ') + unit;
+}
+
+} // namespace telvane

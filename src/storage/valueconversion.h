@@ -1,0 +1,23 @@
+#pragma once
+
+#include <QString>
+#include <QtGlobal>
+
+namespace telvane {
+
+// Operator text to the register integer of an instrument with `decimals` implied decimals:
+// "21,5" with 1 decimal is 215. Extra decimals are cut, never rounded. Text that is not a
+// number, or a result outside the 16-bit range, gives 0.
+qint16 TextToRegister(const QString &text, int decimals);
+
+// The same text as the value the instrument will hold: "21.57" with 1 decimal is 21.5.
+float TextToValue(const QString &text, int decimals);
+
+// `value` with the display pattern of DecimalFormats for `decimals` ("." as separator).
+// Decimals below 0 show as 0, above 3 as 3.
+QString FormatDecimal(float value, int decimals);
+
+// A zone quantity as the synoptic shows it: "21.5 °C", or "--.-" for the invalid marker.
+QString FormatZoneValue(float value, int decimals, const QString &unit);
+
+} // namespace telvane
