@@ -1,7 +1,7 @@
 #include "config_editor/commlistbuilder.h"
 
-#include "config_editor/editorlog.h"
 #include "storage/inistore.h"
+#include "storage/numberkeys.h"
 #include "storage/numbertext.h"
 #include "storage/sectionnames.h"
 #include "storage/valueconversion.h"
@@ -119,8 +119,7 @@ std::optional<int> wholeNumber(const QString &text, int min, int max)
 
 void warn(const QString &section, const char *key, const QString &text, const char *consequence)
 {
-    qCWarning(lcConfigEditor).nospace().noquote()
-        << "[" << section << "] " << key << " = \"" << text << "\" " << consequence;
+    logBadSetting(section, QLatin1String(key), text, QLatin1String(consequence));
 }
 
 struct Decimals

@@ -2,7 +2,6 @@
 
 #include <QLoggingCategory>
 
-// Warnings about plant settings the editor could not use as they stand: an instrument
-// address out of range, a register key that is not "function,register", and the like.
-// The object or register is left out of the lists, and this log says why.
+// Warnings of the configuration editor's own work, such as a reading line that gives no
+// line probe. Settings that cannot be used as they stand are logged by the storage.
 Q_DECLARE_LOGGING_CATEGORY(lcConfigEditor)

@@ -31,12 +31,12 @@ LineOptions LoadLineOptions(const IniStore &ini)
     return {optionOn(ini, "Remoto"), optionOn(ini, "Attivita")};
 }
 
-LineProbe ParseLineProbe(LineOptions &options, const QStringList &readingList)
+LineProbe ParseLineProbe(bool &lineActivity, const QStringList &readingList)
 {
-    if (!options.lineActivity)
+    if (!lineActivity)
         return {};
     if (readingList.isEmpty()) {
-        options.lineActivity = false;
+        lineActivity = false;
         return {};
     }
 

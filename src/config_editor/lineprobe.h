@@ -28,8 +28,8 @@ LineOptions LoadLineOptions(const IniStore &ini);
 
 // The probe from the first line of `readingList` (Lst_Letture), for example
 // "100>5:3,40001 [1]" or "300>7:3,40010 @ >=25 [0]". With the check off the probe is
-// all -1; with nothing to read the check is switched off. A line that does not parse
-// gives an all -1 probe and a warning.
-LineProbe ParseLineProbe(LineOptions &options, const QStringList &readingList);
+// all -1; with nothing to read the check is switched off (`lineActivity` false). A line
+// that does not parse gives an all -1 probe and a warning.
+LineProbe ParseLineProbe(bool &lineActivity, const QStringList &readingList);
 
 } // namespace telvane

@@ -41,11 +41,9 @@ private slots:
         QFETCH(QList<int>, probe);
         QFETCH(bool, activityAfter);
 
-        LineOptions options{true, activity};
-        const LineProbe result = ParseLineProbe(options, readingList);
+        const LineProbe result = ParseLineProbe(activity, readingList);
         QCOMPARE((QList<int>{result.address, result.functionCode, result.registerNumber}), probe);
-        QCOMPARE(options.lineActivity, activityAfter);
-        QVERIFY(options.remote);
+        QCOMPARE(activity, activityAfter);
     }
 
     void garbageLine_data()
@@ -64,9 +62,10 @@ private slots:
     {
         QFETCH(QString, line);
         QTest::ignoreMessage(QtWarningMsg, QRegularExpression("No line probe"));
-        LineOptions options{false, true};
-        const LineProbe result = ParseLineProbe(options, {line});
+        bool activity = true;
+        const LineProbe result = ParseLineProbe(activity, {line});
         QCOMPARE((QList<int>{result.address, result.functionCode, result.registerNumber}), (QList<int>{-1, -1, -1}));
+        QVERIFY(activity);
     }
 
     void options_data()
