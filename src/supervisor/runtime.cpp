@@ -37,4 +37,12 @@ Runtime::Runtime(const ProgramFolder &folder, SerialLine &line, const Clock &clo
 {
 }
 
+void ReloadEditor(Runtime &rt)
+{
+    ReloadEditor(EditorServices{rt.ini, rt.plant, rt.displayResets, rt.master, rt.line, rt.values, rt.chrono},
+                 rt.editor);
+    rt.statusBar.setPanel(StatusBar::PortPanel, rt.editor.comm.statusText);
+    rt.ChartLoggingOption = rt.editor.options.chart;
+}
+
 } // namespace telvane

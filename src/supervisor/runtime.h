@@ -1,9 +1,7 @@
 #pragma once
 
 #include "alarms/alarmbook.h"
-#include "config_editor/commsettings.h"
-#include "config_editor/lineprobe.h"
-#include "config_editor/registertables.h"
+#include "config_editor/reloadeditor.h"
 #include "fieldbus/modbusmaster.h"
 #include "storage/chronoschedule.h"
 #include "storage/dailylog.h"
@@ -46,9 +44,8 @@ struct Runtime
     PlantConfig plant;
     ValueTables values;
     ChronoSchedule chrono;
-    RegisterTables registers;
-    CommSettings comm;
-    LineProbe lineProbe;
+    // The register tables, serial settings, line probe and options the editor built.
+    EditorState editor;
     ModbusMaster master;
     DailyLog dailyLog;
     AlarmBook alarms;
@@ -63,7 +60,8 @@ struct Runtime
 
     // The configuration editor is loaded.
     bool EditorOpen = false;
-    // Measurement rounds add chart points and write the daily log.
+    // Measurement rounds add chart points and write the daily log. Each reload sets it
+    // from the option "Grafico"; the editor's menu entry toggles it in between.
     bool ChartLoggingOption = false;
     // The activity poll's last answer, so that a silent line is logged once.
     bool lineAnswering = true;
@@ -73,5 +71,10 @@ struct Runtime
     ChartSink *chart = nullptr;
     OperatorCommands *operatorCommands = nullptr;
 };
+
+// The editor's full rebuild over this runtime: plant, lists, tables, serial settings
+// and options. The port's text goes to the first status-bar panel, and measurement
+// rounds log as the option "Grafico" says.
+void ReloadEditor(Runtime &rt);
 
 } // namespace telvane
