@@ -3,6 +3,7 @@
 #include "supervisor/supervisor.h"
 
 #include <QDir>
+#include <QFile>
 #include <QLoggingCategory>
 #include <QSignalSpy>
 #include <QTest>
@@ -430,6 +431,41 @@ private slots:
         QVERIFY(!supervisor.Timer_Lampeggio().isActive());
         QCOMPARE(supervisor.acquisitionButtonImage(), Supervisor::AcquiringImage);
         QCOMPARE(rig.sound.played().size(), plays);
+    }
+
+    // The demo plant, simulated for ten minutes: the start's round and one round a
+    // minute reach the day's file, each with a field per zone.
+    void demoPlantInSimulation()
+    {
+        PlantRig rig;
+        const QDir demo(QStringLiteral(TELVANE_SOURCE_DIR "/demo/plant"));
+        for (const QString &name : demo.entryList({QStringLiteral("*.ini")}, QDir::Files))
+            QVERIFY(QFile::copy(demo.filePath(name), rig.dir.filePath(name)));
+        Supervisor supervisor(rig.rt);
+        supervisor.setCommunicateWithInstruments(false);
+        supervisor.startUp();
+        QVERIFY(rig.rt.plant.zoneCount() > 0);
+        const int zones = rig.rt.plant.zoneCount();
+
+        supervisor.MenuStart();
+        QVERIFY(supervisor.AcquisitionRunning());
+        for (int tick = 0; tick < 600; ++tick) {
+            rig.clock.advance(1000);
+            supervisor.MonitorCycle();
+        }
+        QVERIFY(supervisor.Timer_Monitor().isActive());
+        QVERIFY(rig.line.requests().isEmpty());
+        QCOMPARE(rig.pause.pauses(), QList<int>(11, 250));
+
+        QFile log(rig.dir.filePath(QStringLiteral("Dati/2026_11_14.csv")));
+        QVERIFY(log.open(QIODevice::ReadOnly));
+        const QList<QByteArray> lines = log.readAll().split('\n');
+        QCOMPARE(lines.size(), 11 + 1);
+        QVERIFY(lines.last().isEmpty());
+        for (int i = 0; i < 11; ++i) {
+            QVERIFY(lines[i].endsWith(";\r"));
+            QCOMPARE(lines[i].count(';'), 1 + zones);
+        }
     }
 
     void blinkStopsInStandby()
