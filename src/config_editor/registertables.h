@@ -86,7 +86,8 @@ public:
     }
 
     static constexpr int rows() { return Rows; }
-    static constexpr int slots() { return static_cast<int>(Slot::Count); }
+    // Not "slots": Qt defines that word away in every file that includes QObject.
+    static constexpr int slotCount() { return static_cast<int>(Slot::Count); }
 
 private:
     std::array<std::array<qint16, static_cast<int>(Slot::Count)>, Rows> m_rows;

@@ -1,0 +1,27 @@
+#include "supervisor/activitypoll.h"
+
+#include "fieldbus/modbusmaster.h"
+#include "supervisor/runtime.h"
+#include "supervisor/supervisorlog.h"
+
+namespace telvane {
+
+bool ActivityPoll(Runtime &rt)
+{
+    const LineProbe &probe = rt.lineProbe;
+    if (probe.address < 1 || probe.address > 255 || probe.functionCode < 1 || probe.functionCode > 4)
+        return false;
+    const bool answered = rt.master.ReadRegister(probe.functionCode, quint16(probe.registerNumber), probe.address)
+                          != ModbusMaster::InvalidValue;
+    if (answered != rt.lineAnswering) {
+        rt.lineAnswering = answered;
+        if (answered)
+            qCInfo(lcSupervisor, "The line answers again (instrument %d)", probe.address);
+        else
+            qCWarning(lcSupervisor, "The line is silent: instrument %d did not answer the activity poll",
+                      probe.address);
+    }
+    return answered;
+}
+
+} // namespace telvane

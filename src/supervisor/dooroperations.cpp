@@ -1,0 +1,20 @@
+#include "supervisor/dooroperations.h"
+
+#include "supervisor/itemexchange.h"
+
+namespace telvane {
+
+bool DoorRemoteRead(Runtime &rt)
+{
+    if (remoteRead(rt, rt.registers.DoorReadTable, 0, rt.items.doorRemote, {}))
+        return true;
+    forgetRemoteState(rt, rt.items.doorRemote);
+    return false;
+}
+
+bool DoorLocalWrite(Runtime &rt, int supervisorState)
+{
+    return localWrite(rt, rt.registers.DoorWriteTable, 0, supervisorState, {});
+}
+
+} // namespace telvane

@@ -1,0 +1,83 @@
+#include "supervisor/ledoperations.h"
+
+#include "alarms/alarmbook.h"
+#include "fieldbus/modbusmaster.h"
+#include "supervisor/itemexchange.h"
+#include "supervisor/registerreading.h"
+
+namespace telvane {
+
+namespace {
+
+bool ledValid(int led)
+{
+    return itemIndexValid("LED", led, MaxLeds);
+}
+
+void readLamp(Runtime &rt, int led)
+{
+    const LedTable &table = rt.registers.LedReadTable;
+    LedLamp lamp;
+    const int slave = table.at(led, LedSlot::Address);
+    const int functionCode = table.at(led, LedSlot::P1Function);
+    if (slave >= 1 && slave <= 255 && functionCode >= 1 && functionCode <= 4) {
+        const qint32 raw =
+            rt.master.ReadRegister(functionCode, quint16(table.at(led, LedSlot::P1Register)), slave);
+        if (raw == ModbusMaster::InvalidValue) {
+            rt.alarms.ReportLedFailure(led);
+        } else {
+            rt.alarms.clearFailCount(AlarmItemKind::Led, led);
+            lamp.value = scaledReading(functionCode, raw, table.at(led, LedSlot::Decimals));
+            lamp.lit = LedConditionHolds(table.at(led, LedSlot::Condition), raw, table.at(led, LedSlot::Threshold));
+        }
+    }
+    rt.items.leds[led] = lamp;
+}
+
+} // namespace
+
+bool LedRemoteRead(Runtime &rt, int led)
+{
+    if (!ledValid(led))
+        return false;
+    if (remoteRead(rt, rt.registers.LedReadTable, led, rt.items.ledRemote[led],
+                   [&] { rt.alarms.ReportLedFailure(led); }))
+        return true;
+    forgetRemoteState(rt, rt.items.ledRemote[led]);
+    return false;
+}
+
+bool LedLocalWrite(Runtime &rt, int led, int supervisorState)
+{
+    return ledValid(led)
+           && localWrite(rt, rt.registers.LedWriteTable, led, supervisorState,
+                         [&] { rt.alarms.ReportLedFailure(led); });
+}
+
+bool LedConditionHolds(int condition, qint32 reading, qint32 threshold)
+{
+    switch (condition) {
+    case 2:
+        return reading <= threshold;
+    case 3:
+        return reading == threshold;
+    case 4:
+        return reading > threshold;
+    case 5:
+        return reading < threshold;
+    case 6:
+        return reading != threshold;
+    default:
+        return reading >= threshold;
+    }
+}
+
+void ReadAllLedLamps(Runtime &rt)
+{
+    const int leds = std::clamp(rt.plant.ledCount(), 0, MaxLeds);
+    for (int led = 0; led < leds; ++led)
+        readLamp(rt, led);
+    emit rt.synoptic.ledLampsChanged();
+}
+
+} // namespace telvane

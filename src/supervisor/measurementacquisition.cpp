@@ -1,0 +1,104 @@
+#include "supervisor/measurementacquisition.h"
+
+#include "alarms/alarmbook.h"
+#include "base/clock.h"
+#include "base/pause.h"
+#include "fieldbus/modbusmaster.h"
+#include "storage/dailylog.h"
+#include "storage/inistore.h"
+#include "supervisor/chartsink.h"
+#include "supervisor/registerreading.h"
+#include "supervisor/runtime.h"
+#include "supervisor/statusbar.h"
+#include "supervisor/supervisorlog.h"
+#include "supervisor/synopticrefresh.h"
+
+#include <QVarLengthArray>
+
+namespace telvane {
+
+namespace {
+
+// A simulated round takes about as long as a real one.
+constexpr int SimulatedRoundMs = 250;
+
+// Decimals the log and the chart formats know.
+bool hasDecimalFormat(int decimals)
+{
+    return decimals >= 0 && decimals < int(DecimalFormats.size());
+}
+
+// Reads quantity `k` of zone `zone` into `ZoneValues` and counts it toward the zone's
+// alarm. The order matters: it decides at which read a zone reaches its sixth failure.
+void readQuantity(Runtime &rt, int zone, int k)
+{
+    const ZoneTable &table = rt.registers.ZoneReadTable;
+
+    const std::optional<float> reading =
+        readScaledRegister(rt.master, table.at(zone, ZoneSlot::Address), table.at(zone, zoneQuantityFunctionSlot(k)),
+                           table.at(zone, zoneQuantityRegisterSlot(k)), table.at(zone, ZoneSlot::Decimals));
+    const float stored = reading.value_or(InvalidValue);
+    if (!reading && k >= int(ZoneQuantity::AL1)) {
+        // An alarm quantity that is not read counts against the zone here and again
+        // below; plants are set up knowing that a zone without its alarm registers is
+        // listed after its first round.
+        rt.alarms.ReportZoneFailure(zone);
+    }
+    rt.values.ZoneValues[zone][k] = stored;
+
+    if (stored == InvalidValue)
+        rt.alarms.ReportZoneFailure(zone);
+    else
+        rt.alarms.clearFailCount(AlarmItemKind::Zone, zone);
+}
+
+} // namespace
+
+bool ReadChartLoggingOption(const IniStore &ini)
+{
+    return ini.ReadIniKey(QStringLiteral("Generale"), QStringLiteral("Grafico"), QStringLiteral("0")).trimmed()
+           != QLatin1String("0");
+}
+
+void ReadAllMeasurements(Runtime &rt)
+{
+    rt.statusBar.setPanel(StatusBar::ActivityPanel, QStringLiteral("Lettura..."));
+
+    const QDateTime lineTime = rt.clock.now();
+    QVarLengthArray<LoggedValue, MaxZones> logged;
+
+    const int zones = std::clamp(rt.plant.zoneCount(), 0, MaxZones);
+    const int chartQuantity = rt.plant.zoneDisplay.chartQuantity;
+    const bool chartQuantityKnown = chartQuantity >= 0 && chartQuantity < ValueTables::Quantities;
+    if (rt.ChartLoggingOption && !chartQuantityKnown)
+        qCWarning(lcSupervisor, "\"Zone Grafico\" is %d, not a zone quantity (0..4): nothing charted or logged",
+                  chartQuantity);
+
+    for (int zone = 0; zone < zones; ++zone) {
+        for (int k = 0; k < ValueTables::Quantities; ++k)
+            readQuantity(rt, zone, k);
+
+        if (rt.ChartLoggingOption && chartQuantityKnown) {
+            const float value = rt.values.ZoneValues[zone][chartQuantity];
+            if (rt.chart)
+                rt.chart->addPoint(zone + 1, rt.clock.now(), value);
+            const int decimals = rt.registers.ZoneReadTable.at(zone, ZoneSlot::Decimals);
+            if (hasDecimalFormat(decimals))
+                logged.append({value, decimals});
+        }
+    }
+
+    if (rt.chart)
+        rt.chart->roundFinished();
+    emit rt.synoptic.zoneTextsChanged();
+
+    if (rt.ChartLoggingOption)
+        rt.dailyLog.AppendDailyLogLine(dailyLogLine(lineTime, logged));
+
+    if (!rt.master.communicate())
+        rt.pause.pause(SimulatedRoundMs);
+
+    rt.statusBar.setPanel(StatusBar::ActivityPanel, QString());
+}
+
+} // namespace telvane

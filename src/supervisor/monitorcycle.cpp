@@ -1,0 +1,144 @@
+#include "supervisor/supervisor.h"
+
+#include "supervisor/activitypoll.h"
+#include "supervisor/dooroperations.h"
+#include "supervisor/ledoperations.h"
+#include "supervisor/measurementacquisition.h"
+#include "supervisor/operatorcommands.h"
+#include "supervisor/runtime.h"
+#include "supervisor/switchoperations.h"
+#include "supervisor/zoneoperations.h"
+
+#include <utility>
+
+namespace telvane {
+
+// One tick of `Timer_Monitor`. The timer is off for the length of the tick, so a
+// slow line never stacks ticks up, and comes back only if acquisition still runs at
+// the end: a Stop given while a poll waited for its reply ends the cycle.
+void Supervisor::MonitorCycle()
+{
+    // A Start given during a poll restarts the timer, which may then fire while this
+    // tick still waits for a reply; that tick is simply skipped.
+    if (m_inTick)
+        return;
+    m_inTick = true;
+
+    m_monitorTimer.stop();
+    ++m_cycleCounter;
+    bool busy = false;
+
+    runPendingCommands(busy);
+
+    if (isDue(m_rt.comm.remotePeriod)) {
+        pollInstruments();
+        busy = true;
+    }
+    if (isDue(m_rt.comm.measurementPeriod)) {
+        busy = true;
+        ReadAllMeasurements(m_rt);
+        ReadAllSwitchStates(m_rt);
+    }
+    if (isDue(m_rt.comm.ledPeriod)) {
+        ReadAllLedLamps(m_rt);
+        busy = true;
+    }
+    if (!busy && m_rt.comm.activity) {
+        m_rt.statusBar.setPanel(StatusBar::ActivityPanel, QStringLiteral("Attivita..."));
+        ActivityPoll(m_rt);
+        m_rt.statusBar.setPanel(StatusBar::ActivityPanel, QString());
+    }
+
+    if (m_cycleCounter >= CycleWrap)
+        m_cycleCounter = 0;
+    if (m_acquisitionRunning)
+        m_monitorTimer.start(m_monitorIntervalMs);
+    m_inTick = false;
+
+    const DeferredRead deferred = std::exchange(m_deferredRead, DeferredRead::None);
+    if (deferred == DeferredRead::Start)
+        MenuStart();
+    else if (deferred == DeferredRead::Reload)
+        MenuRileggi();
+}
+
+// A period of 0 would divide by zero; that poll simply never runs.
+bool Supervisor::isDue(int period) const
+{
+    return period != 0 && m_cycleCounter % period == 0;
+}
+
+void Supervisor::runPendingCommands(bool &busy)
+{
+    CommandQueue &queue = m_rt.commands;
+    OperatorCommands *commands = m_rt.operatorCommands;
+
+    if (queue.PendingDoorOpen) {
+        if (commands)
+            commands->DoorOpenCommand();
+        queue.PendingDoorOpen = false;
+        busy = true;
+    }
+    if (queue.PendingSwitchOff >= 0) {
+        if (commands)
+            commands->SwitchCommand(queue.PendingSwitchOff, false);
+        queue.PendingSwitchOff = CommandQueue::NoSwitch;
+        busy = true;
+    }
+    if (queue.PendingSwitchOn >= 0) {
+        if (commands)
+            commands->SwitchCommand(queue.PendingSwitchOn, true);
+        queue.PendingSwitchOn = CommandQueue::NoSwitch;
+        busy = true;
+    }
+    if (queue.PendingSetValue) {
+        if (commands)
+            commands->runPendingSetValue();
+        queue.PendingSetValue = false;
+    }
+}
+
+// Every zone, switch, the door opener and every LED: in remote mode their remote/local
+// register is read, otherwise the supervisor's state is written to it.
+void Supervisor::pollInstruments()
+{
+    const bool remote = m_rt.comm.remote;
+    const int supervisorState = m_acquisitionRunning ? 1 : 0;
+    m_rt.statusBar.setPanel(StatusBar::ActivityPanel,
+                            remote ? QStringLiteral("Remoto...") : QStringLiteral("Locale..."));
+
+    const int zones = std::clamp(m_rt.plant.zoneCount(), 0, MaxZones);
+    for (int zone = 0; zone < zones; ++zone) {
+        if (remote ? ZoneRemoteRead(m_rt, zone) : ZoneLocalWrite(m_rt, zone, supervisorState))
+            m_rt.alarms.clearFailCount(AlarmItemKind::Zone, zone);
+        else
+            ZoneStatusText(m_rt, zone);
+    }
+
+    const int switches = std::clamp(m_rt.plant.switchCount(), 0, MaxSwitches);
+    for (int sw = 0; sw < switches; ++sw) {
+        if (remote ? SwitchRemoteRead(m_rt, sw) : SwitchLocalWrite(m_rt, sw, supervisorState))
+            m_rt.alarms.clearFailCount(AlarmItemKind::Switch, sw);
+        else
+            SwitchStatusText(m_rt, sw);
+    }
+
+    if (m_rt.plant.apriporta.present) {
+        if (remote)
+            DoorRemoteRead(m_rt);
+        else
+            DoorLocalWrite(m_rt, supervisorState);
+    }
+
+    const int leds = std::clamp(m_rt.plant.ledCount(), 0, MaxLeds);
+    for (int led = 0; led < leds; ++led) {
+        if (remote)
+            LedRemoteRead(m_rt, led);
+        else
+            LedLocalWrite(m_rt, led, supervisorState);
+    }
+
+    m_rt.statusBar.setPanel(StatusBar::ActivityPanel, QString());
+}
+
+} // namespace telvane

@@ -1,0 +1,76 @@
+#pragma once
+
+#include "alarms/alarmbook.h"
+#include "config_editor/commsettings.h"
+#include "config_editor/lineprobe.h"
+#include "config_editor/registertables.h"
+#include "fieldbus/modbusmaster.h"
+#include "storage/chronoschedule.h"
+#include "storage/dailylog.h"
+#include "storage/displayresets.h"
+#include "storage/inistore.h"
+#include "storage/modesettings.h"
+#include "storage/plantconfig.h"
+#include "storage/valuetables.h"
+#include "supervisor/commandqueue.h"
+#include "supervisor/itemstates.h"
+#include "supervisor/statusbar.h"
+#include "supervisor/synopticrefresh.h"
+#include "supervisor/userlevel.h"
+
+namespace telvane {
+
+class ChartSink;
+class Clock;
+class OperatorCommands;
+class Pause;
+class SerialLine;
+class SoundPlayer;
+
+// Everything the supervisor knows about the plant and itself, made once by main and
+// handed by reference to whoever needs it; a test makes a fresh one. The devices come
+// in through their seams and stay owned by the caller.
+struct Runtime
+{
+    Runtime(const ProgramFolder &folder, SerialLine &line, const Clock &clock, Pause &pause, SoundPlayer &sound);
+    Runtime(const Runtime &) = delete;
+    Runtime &operator=(const Runtime &) = delete;
+
+    const Clock &clock;
+    Pause &pause;
+    SoundPlayer &sound;
+
+    IniStore ini;
+    ModeSettings mode;
+    PlantConfig plant;
+    ValueTables values;
+    ChronoSchedule chrono;
+    RegisterTables registers;
+    CommSettings comm;
+    LineProbe lineProbe;
+    ModbusMaster master;
+    DailyLog dailyLog;
+    AlarmBook alarms;
+    CommandQueue commands;
+    ItemStates items;
+    UserLevel user;
+
+    // The main window's status bar and the synoptic's refreshes, as the core sees them.
+    StatusBar statusBar;
+    SynopticRefresh synoptic;
+    DisplayResets displayResets;
+
+    // The configuration editor is loaded.
+    bool EditorOpen = false;
+    // Measurement rounds add chart points and write the daily log.
+    bool ChartLoggingOption = false;
+    // The activity poll's last answer, so that a silent line is logged once.
+    bool lineAnswering = true;
+
+    // Plugged in by the window when it exists; without them a round feeds no chart and
+    // the queued commands are dropped.
+    ChartSink *chart = nullptr;
+    OperatorCommands *operatorCommands = nullptr;
+};
+
+} // namespace telvane

@@ -1,0 +1,260 @@
+#include "supervisor/supervisor.h"
+
+#include "supervisor/measurementacquisition.h"
+#include "supervisor/runtime.h"
+#include "supervisor/switchoperations.h"
+
+#include "base/pause.h"
+#include "base/soundplayer.h"
+
+namespace telvane {
+
+Supervisor::Supervisor(Runtime &rt, QObject *parent)
+    : QObject(parent)
+    , m_rt(rt)
+{
+    m_autoStartTimer.setSingleShot(true);
+    connect(&m_monitorTimer, &QTimer::timeout, this, &Supervisor::MonitorCycle);
+    connect(&m_blinkTimer, &QTimer::timeout, this, &Supervisor::Timer_LampeggioTick);
+    connect(&m_autoStartTimer, &QTimer::timeout, this, &Supervisor::TimerAutoStartTick);
+    connect(&m_rt.alarms, &AlarmBook::alarmBlinkRequested, this, &Supervisor::SetAlarmBlink);
+}
+
+void Supervisor::load()
+{
+    m_cycleCounter = 0;
+    m_acquisitionRunning = false;
+    m_rt.commands.PendingDoorOpen = false;
+    m_autoStartPending = true;
+
+    m_monitorTimer.stop();
+    m_monitorTimer.setInterval(m_monitorIntervalMs);
+    m_blinkTimer.stop();
+    m_blinkTimer.setInterval(BlinkIntervalMs);
+    m_autoStartTimer.stop();
+    m_autoStartTimer.setInterval(AutoStartDelayMs);
+
+    m_rt.statusBar.setPanel(StatusBar::StatePanel, QStringLiteral("Standby"));
+    m_rt.statusBar.setPanel(StatusBar::ActivityPanel, QString());
+    m_rt.statusBar.setPanel(StatusBar::MessagePanel, QString());
+    SetAlarmBlink(false);
+
+    ResetAlarms();
+
+    for (const char *folder : {"Dati", "Crono", "Ricetta"})
+        m_rt.ini.EnsureFolder(QLatin1String(folder));
+    m_rt.mode = LoadSettings(m_rt.ini);
+    m_rt.ChartLoggingOption = ReadChartLoggingOption(m_rt.ini);
+
+    setButtonImage(StandbyImage);
+}
+
+void Supervisor::armAutoStart(bool autoAvvio)
+{
+    if (!autoAvvio)
+        return;
+    m_autoStartTimer.start(AutoStartDelayMs);
+    if (m_autoStartPending) {
+        m_blinkTimer.setInterval(AutoStartBlinkIntervalMs);
+        SetAlarmBlink(true);
+        m_rt.statusBar.setPanel(StatusBar::MessagePanel, QStringLiteral("Avvio in corso..."));
+    }
+}
+
+void Supervisor::SetAcquisitionState(bool on)
+{
+    const bool changed = m_acquisitionRunning != on;
+    m_acquisitionRunning = on;
+    if (on) {
+        setButtonImage(AcquiringImage);
+        m_rt.statusBar.setPanel(StatusBar::StatePanel, QStringLiteral("Acquisizione"));
+        m_monitorTimer.start(m_monitorIntervalMs);
+    } else {
+        setButtonImage(StandbyImage);
+        m_rt.statusBar.setPanel(StatusBar::StatePanel, QStringLiteral("Standby"));
+        m_monitorTimer.stop();
+        m_blinkTimer.stop();
+    }
+    m_rt.statusBar.setPanel(StatusBar::ActivityPanel, QString());
+    m_rt.statusBar.setPanel(StatusBar::MessagePanel, QString());
+    if (changed)
+        emit acquisitionStateChanged(on);
+}
+
+void Supervisor::SetAlarmBlink(bool on)
+{
+    m_alarmBlinkActive = on;
+    if (on) {
+        // Keeps the rhythm when several alarms arrive in one round.
+        if (!m_blinkTimer.isActive())
+            m_blinkTimer.start();
+    } else {
+        setButtonImage(m_acquisitionRunning ? AcquiringImage : StandbyImage);
+    }
+}
+
+void Supervisor::ResetAlarms()
+{
+    m_rt.alarms.ResetAlarms();
+}
+
+void Supervisor::MenuStart()
+{
+    if (deferDuringTick(DeferredRead::Start))
+        return;
+    m_cycleCounter = 0;
+    m_rt.commands.PendingDoorOpen = false;
+    m_rt.commands.PendingSwitchOff = CommandQueue::NoSwitch;
+    m_rt.commands.PendingSwitchOn = CommandQueue::NoSwitch;
+
+    if (CommunicateWithInstruments() && !SerialPortOpen())
+        return;
+
+    ReadAllMeasurements(m_rt);
+    ReadAllSwitchStates(m_rt);
+    SetAcquisitionState(true);
+    if (AlarmPending())
+        SetAlarmBlink(true);
+    if (EditorOpen())
+        emit editorFrameEnabledRequested(false);
+}
+
+void Supervisor::MenuStop()
+{
+    SetAcquisitionState(false);
+    m_rt.items.reset();
+    m_rt.displayResets.resetAll();
+    SetAlarmBlink(false);
+    if (EditorOpen() && IsAdministrator())
+        emit editorFrameEnabledRequested(true);
+}
+
+void Supervisor::MenuRileggi()
+{
+    if (deferDuringTick(DeferredRead::Reload))
+        return;
+    if (!m_acquisitionRunning)
+        return;
+    if (CommunicateWithInstruments() && !SerialPortOpen())
+        return;
+    SetAcquisitionState(false);
+    ReadAllMeasurements(m_rt);
+    ReadAllSwitchStates(m_rt);
+    SetAcquisitionState(true);
+}
+
+// A Start or Reload clicked while a tick waits for a reply would read every zone with
+// the line taken: each read refused, each zone a step nearer a false alarm. It runs when
+// the tick ends instead.
+bool Supervisor::deferDuringTick(DeferredRead read)
+{
+    if (!m_inTick)
+        return false;
+    if (m_deferredRead != DeferredRead::Start)
+        m_deferredRead = read;
+    return true;
+}
+
+bool Supervisor::refuseWhileAcquiring()
+{
+    if (!m_acquisitionRunning)
+        return false;
+    m_rt.statusBar.setPanel(StatusBar::MessagePanel, QStringLiteral("Operazione non permessa"));
+    m_rt.pause.pause(RefusalMs);
+    m_rt.statusBar.setPanel(StatusBar::MessagePanel, QString());
+    return true;
+}
+
+bool Supervisor::MenuFine()
+{
+    return !refuseWhileAcquiring();
+}
+
+bool Supervisor::MenuAbout()
+{
+    return !refuseWhileAcquiring();
+}
+
+bool Supervisor::MenuStagione()
+{
+    return !refuseWhileAcquiring();
+}
+
+void Supervisor::Timer_LampeggioTick()
+{
+    m_blinkTimer.stop();
+    if (!m_alarmBlinkActive)
+        return;
+    m_blinkPhase = !m_blinkPhase;
+    if (m_blinkPhase) {
+        setButtonImage(StandbyImage);
+        const QString sound = m_rt.plant.synoptic.alarmSound;
+        if (!sound.isEmpty())
+            m_rt.sound.play(m_rt.ini.folder().filePath(sound));
+    } else {
+        setButtonImage(AcquiringImage);
+    }
+    if (m_acquisitionRunning || m_autoStartPending)
+        m_blinkTimer.start();
+}
+
+void Supervisor::TimerAutoStartTick()
+{
+    m_autoStartTimer.stop();
+    m_blinkTimer.setInterval(BlinkIntervalMs);
+    SetAlarmBlink(false);
+    m_autoStartPending = false;
+    MenuStart();
+    m_rt.statusBar.setPanel(StatusBar::MessagePanel, QString());
+}
+
+bool Supervisor::CommunicateWithInstruments() const
+{
+    return m_rt.master.communicate();
+}
+
+void Supervisor::setCommunicateWithInstruments(bool communicate)
+{
+    m_rt.master.setCommunicate(communicate);
+}
+
+bool Supervisor::SerialPortOpen() const
+{
+    return m_rt.comm.portAvailable;
+}
+
+bool Supervisor::AlarmPending() const
+{
+    return m_rt.alarms.AlarmPending();
+}
+
+bool Supervisor::EditorOpen() const
+{
+    return m_rt.EditorOpen;
+}
+
+bool Supervisor::IsAdministrator() const
+{
+    return m_rt.user.IsAdministrator;
+}
+
+bool Supervisor::IsTechnician() const
+{
+    return m_rt.user.IsTechnician;
+}
+
+void Supervisor::setMonitorIntervalMs(int ms)
+{
+    m_monitorIntervalMs = std::max(1, ms);
+    m_monitorTimer.setInterval(m_monitorIntervalMs);
+}
+
+void Supervisor::setButtonImage(int image)
+{
+    if (m_buttonImage == image)
+        return;
+    m_buttonImage = image;
+    emit acquisitionButtonImageChanged(image);
+}
+
+} // namespace telvane

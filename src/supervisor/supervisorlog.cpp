@@ -1,0 +1,3 @@
+#include "supervisor/supervisorlog.h"
+
+Q_LOGGING_CATEGORY(lcSupervisor, "telvane.supervisor")

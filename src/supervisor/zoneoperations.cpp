@@ -1,0 +1,37 @@
+#include "supervisor/zoneoperations.h"
+
+#include "alarms/alarmbook.h"
+#include "supervisor/itemexchange.h"
+
+namespace telvane {
+
+namespace {
+
+bool zoneValid(int zone)
+{
+    return itemIndexValid("zone", zone, MaxZones);
+}
+
+} // namespace
+
+bool ZoneRemoteRead(Runtime &rt, int zone)
+{
+    return zoneValid(zone)
+           && remoteRead(rt, rt.registers.ZoneReadTable, zone, rt.items.zoneRemote[zone],
+                         [&] { rt.alarms.ReportZoneFailure(zone); });
+}
+
+bool ZoneLocalWrite(Runtime &rt, int zone, int supervisorState)
+{
+    return zoneValid(zone)
+           && localWrite(rt, rt.registers.ZoneWriteTable, zone, supervisorState,
+                         [&] { rt.alarms.ReportZoneFailure(zone); });
+}
+
+void ZoneStatusText(Runtime &rt, int zone)
+{
+    if (zoneValid(zone))
+        forgetRemoteState(rt, rt.items.zoneRemote[zone]);
+}
+
+} // namespace telvane
