@@ -2,6 +2,7 @@
 
 #include "alarms/alarmslog.h"
 #include "base/clock.h"
+#include "base/datetimetext.h"
 
 #include <limits>
 
@@ -91,7 +92,7 @@ void AlarmBook::reportFailure(AlarmItemKind kind, int index)
 
     const QString name = m_nameOf ? m_nameOf(kind, index) : QString();
     const QString text = name + QStringLiteral(" (")
-                         + m_clock.now().toString(QStringLiteral("dd/MM/yyyy HH:mm:ss")).trimmed()
+                         + m_clock.now().toString(QLatin1String(DateTimeTextFormat)).trimmed()
                          + QLatin1Char(')');
     QStringListModel &list = kind == AlarmItemKind::Zone ? m_zoneList : m_switchList;
     const int row = list.rowCount();
