@@ -8,6 +8,7 @@
 #include "storage/chronoschedule.h"
 #include "storage/dailylog.h"
 #include "storage/displayresets.h"
+#include "storage/holidaylist.h"
 #include "storage/inistore.h"
 #include "storage/modesettings.h"
 #include "storage/plantconfig.h"
@@ -22,6 +23,7 @@ namespace telvane {
 
 class ChartSink;
 class Clock;
+class CycleTask;
 class OperatorCommands;
 class Pause;
 class SerialLine;
@@ -45,6 +47,9 @@ struct Runtime
     PlantConfig plant;
     ValueTables values;
     ChronoSchedule chrono;
+    // The holiday dates (`Lst_Festa`), on which the chrono-thermostat runs Sunday's
+    // schedule; loaded with the schedule from the "Crono" files.
+    HolidayList holidays;
     RegisterTables registers;
     CommSettings comm;
     LineProbe lineProbe;
@@ -67,10 +72,20 @@ struct Runtime
     // The activity poll's last answer, so that a silent line is logged once.
     bool lineAnswering = true;
 
+    // Loaded by the editor's reload: the option "Cronotermostato" of "Generale", the
+    // zones that follow the chrono-thermostat (all off while the option is off) and the
+    // door opener's pulse "Tempo" in milliseconds.
+    bool chronoThermostatOn = false;
+    ChronoZoneEnabled chronoZoneEnabled{};
+    int doorPulseMs = 1000;
+
     // Plugged in by the window when it exists; without them a round feeds no chart and
     // the queued commands are dropped.
     ChartSink *chart = nullptr;
     OperatorCommands *operatorCommands = nullptr;
+    // Run by every monitoring tick, in this order (the chrono-thermostat, the clock
+    // alignment); owned by the caller.
+    QList<CycleTask *> cycleTasks;
 };
 
 } // namespace telvane
