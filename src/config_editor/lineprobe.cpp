@@ -1,7 +1,6 @@
 #include "config_editor/lineprobe.h"
 
 #include "config_editor/editorlog.h"
-#include "storage/inistore.h"
 #include "storage/numbertext.h"
 
 #include <cmath>
@@ -10,11 +9,6 @@
 namespace telvane {
 
 namespace {
-
-bool optionOn(const IniStore &ini, const char *key)
-{
-    return ini.ReadIniKey(QStringLiteral("COM"), QLatin1String(key), QStringLiteral("0")) != QLatin1String("0");
-}
 
 std::optional<qint32> integerOf(const QString &text)
 {
@@ -25,11 +19,6 @@ std::optional<qint32> integerOf(const QString &text)
 }
 
 } // namespace
-
-LineOptions LoadLineOptions(const IniStore &ini)
-{
-    return {optionOn(ini, "Remoto"), optionOn(ini, "Attivita")};
-}
 
 LineProbe ParseLineProbe(bool &lineActivity, const QStringList &readingList)
 {
@@ -49,11 +38,11 @@ LineProbe ParseLineProbe(bool &lineActivity, const QStringList &readingList)
         rest = rest.left(at).trimmed();
 
     const qsizetype colon = rest.indexOf(QLatin1Char(':'));
-    const QString spec = rest.mid(colon + 1).trimmed();
-    const qsizetype comma = spec.indexOf(QLatin1Char(','));
+    const QString registerText = rest.mid(colon + 1).trimmed();
+    const qsizetype comma = registerText.indexOf(QLatin1Char(','));
     const std::optional<qint32> address = colon >= 0 ? integerOf(rest.left(colon)) : std::nullopt;
-    const std::optional<qint32> function = comma >= 0 ? integerOf(spec.left(comma)) : std::nullopt;
-    const std::optional<qint32> number = comma >= 0 ? integerOf(spec.mid(comma + 1)) : std::nullopt;
+    const std::optional<qint32> function = comma >= 0 ? integerOf(registerText.left(comma)) : std::nullopt;
+    const std::optional<qint32> number = comma >= 0 ? integerOf(registerText.mid(comma + 1)) : std::nullopt;
     if (!address || !function || !number) {
         qCWarning(lcConfigEditor).noquote() << "No line probe in reading line" << line;
         return {};

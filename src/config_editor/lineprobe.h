@@ -5,8 +5,6 @@
 
 namespace telvane {
 
-class IniStore;
-
 // The one read the monitoring cycle makes on an idle tick to keep an eye on the line:
 // the first line of the reading list. All -1 when the line-activity check is off.
 struct LineProbe
@@ -15,16 +13,6 @@ struct LineProbe
     qint32 functionCode = -1;
     qint32 registerNumber = -1;
 };
-
-// The two line options of section "COM".
-struct LineOptions
-{
-    bool remote = false;       // "Remoto": remote commands enabled
-    bool lineActivity = false; // "Attivita": the idle-tick check of the line
-};
-
-// Each option is on unless its key reads "0" (absent keys read "0").
-LineOptions LoadLineOptions(const IniStore &ini);
 
 // The probe from the first line of `readingList` (Lst_Letture), for example
 // "100>5:3,40001 [1]" or "300>7:3,40010 @ >=25 [0]". With the check off the probe is

@@ -1,9 +1,6 @@
 #include "config_editor/lineprobe.h"
-#include "storage/inistore.h"
 
-#include <QFile>
 #include <QRegularExpression>
-#include <QTemporaryDir>
 #include <QTest>
 
 using namespace telvane;
@@ -66,38 +63,6 @@ private slots:
         const LineProbe result = ParseLineProbe(activity, {line});
         QCOMPARE((QList<int>{result.address, result.functionCode, result.registerNumber}), (QList<int>{-1, -1, -1}));
         QVERIFY(activity);
-    }
-
-    void options_data()
-    {
-        QTest::addColumn<QByteArray>("com"); // the section's keys
-        QTest::addColumn<bool>("remote");
-        QTest::addColumn<bool>("activity");
-
-        QTest::newRow("absent") << QByteArray() << false << false;
-        QTest::newRow("both on") << QByteArray("Remoto=1\nAttivita=1\n") << true << true;
-        QTest::newRow("both off") << QByteArray("Remoto=0\nAttivita=0\n") << false << false;
-        QTest::newRow("anything but 0") << QByteArray("Remoto=2\nAttivita=si\n") << true << true;
-        QTest::newRow("blank around 0") << QByteArray("Remoto= 0 \nAttivita=1\n") << false << true;
-        QTest::newRow("empty values") << QByteArray("Remoto=\nAttivita=\n") << true << true;
-    }
-
-    void options()
-    {
-        QFETCH(QByteArray, com);
-        QFETCH(bool, remote);
-        QFETCH(bool, activity);
-
-        QTemporaryDir dir;
-        IniStore ini{ProgramFolder(dir.path())};
-        QFile file(dir.filePath(ini.currentIniName()));
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write("[COM]\n" + com);
-        file.close();
-
-        const LineOptions options = LoadLineOptions(ini);
-        QCOMPARE(options.remote, remote);
-        QCOMPARE(options.lineActivity, activity);
     }
 };
 
