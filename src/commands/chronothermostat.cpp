@@ -25,7 +25,7 @@ ChronoThermostat::ChronoThermostat(Runtime &rt)
 
 bool ChronoThermostat::runTick()
 {
-    if (!m_rt.chronoThermostatOn) {
+    if (!m_rt.editor.chronoThermostat) {
         // Switching the option on later sends the slot of that moment at once.
         restart();
         return false;
@@ -46,12 +46,12 @@ bool ChronoThermostat::sendSlot(const QDate &date, int slot)
 {
     const int day = m_rt.holidays.containsDate(date) ? Sunday : date.dayOfWeek() - 1;
     const int quantity = m_rt.plant.zoneDisplay.chronoQuantity;
-    const ZoneTable &table = m_rt.registers.ZoneWriteTable;
+    const ZoneTable &table = m_rt.editor.tables.ZoneWriteTable;
     const int zones = std::clamp(m_rt.plant.zoneCount(), 0, ChronoSchedule::Zones);
     bool sent = false;
 
     for (int zone = 0; zone < zones; ++zone) {
-        if (!m_rt.chronoZoneEnabled[zone])
+        if (!m_rt.editor.chronoZoneEnabled[zone])
             continue;
         const std::optional<ZoneWriteRegister> target = zoneWriteRegister(table, zone, quantity);
         if (!target) {

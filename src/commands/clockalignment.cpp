@@ -72,7 +72,7 @@ ClockAlignment::Result ClockAlignment::alignNow()
 
 void ClockAlignment::alignZone(int zone, const QDateTime &now, Result &result)
 {
-    const int slave = m_rt.registers.ZoneWriteTable.at(zone, ZoneSlot::Address);
+    const int slave = m_rt.editor.tables.ZoneWriteTable.at(zone, ZoneSlot::Address);
     if (slave < 1 || slave > 255)
         return;
     writeClockValue(zone, slave, HourKey, now.time().hour(), result);

@@ -52,7 +52,7 @@ CommandOutcome DoorOpenCommand(Runtime &rt, Prompts &prompts)
     if (!checkCommandRights(rt))
         return CommandOutcome::Refused;
 
-    const DoorTable &table = rt.registers.DoorWriteTable;
+    const DoorTable &table = rt.editor.tables.DoorWriteTable;
     if (!configured(table)) {
         qCInfo(lcCommands, "The door opener has no On_w or Off_w: nothing sent");
         return CommandOutcome::NotConfigured;
@@ -62,7 +62,7 @@ CommandOutcome DoorOpenCommand(Runtime &rt, Prompts &prompts)
     const int slave = table.at(0, DoorSlot::Address);
     const bool opened = send(rt, slave, doorWrite(table, DoorSlot::OnFunction, DoorSlot::OnRegister, DoorSlot::ValOn),
                              "opening");
-    rt.pause.pause(std::max(rt.doorPulseMs, 0));
+    rt.pause.pause(std::max(rt.editor.doorPulseMs, 0));
     const bool released = send(
         rt, slave, doorWrite(table, DoorSlot::OffFunction, DoorSlot::OffRegister, DoorSlot::ValOff), "release");
 

@@ -26,7 +26,7 @@ CommandOutcome SetValueCommand(Runtime &rt, Prompts &prompts, int zone, const QS
         return CommandOutcome::NotConfigured;
 
     const int quantity = rt.plant.zoneDisplay.textQuantity;
-    const std::optional<ZoneWriteRegister> target = zoneWriteRegister(rt.registers.ZoneWriteTable, zone, quantity);
+    const std::optional<ZoneWriteRegister> target = zoneWriteRegister(rt.editor.tables.ZoneWriteTable, zone, quantity);
     if (!target) {
         qCWarning(lcCommands, "Zone %d has no write register for quantity %d: value not sent", zone + 1, quantity);
         prompts.warning(BoxTitle, QStringLiteral("La zona non ha un registro di scrittura per questo valore: "

@@ -58,7 +58,7 @@ CommandOutcome SwitchCommand(Runtime &rt, Prompts &prompts, int sw, bool on)
 
     rt.statusBar.setPanel(StatusBar::MessagePanel,
                           on ? QStringLiteral("Accensione...") : QStringLiteral("Spegnimento..."));
-    const std::optional<SwitchWrite> write = switchWrite(rt.registers.SwitchWriteTable, sw, on);
+    const std::optional<SwitchWrite> write = switchWrite(rt.editor.tables.SwitchWriteTable, sw, on);
     if (!write) {
         qCInfo(lcCommands, "Switch %d has no On_w or Off_w: nothing sent", sw + 1);
         rt.statusBar.setPanel(StatusBar::MessagePanel, QString());
@@ -67,9 +67,9 @@ CommandOutcome SwitchCommand(Runtime &rt, Prompts &prompts, int sw, bool on)
 
     // The command counts its own exchanges toward the alarm, so the exchanges themselves
     // report nothing.
-    countExchange(rt, sw, remoteRead(rt, rt.registers.SwitchReadTable, sw, rt.items.switchRemote[sw], {}));
+    countExchange(rt, sw, remoteRead(rt, rt.editor.tables.SwitchReadTable, sw, rt.items.switchRemote[sw], {}));
     const qint32 echo = rt.master.WriteRegister(write->functionCode, write->registerNumber, write->value, write->slave);
-    countExchange(rt, sw, localWrite(rt, rt.registers.SwitchWriteTable, sw, 0, {}));
+    countExchange(rt, sw, localWrite(rt, rt.editor.tables.SwitchWriteTable, sw, 0, {}));
 
     const bool confirmed = switchEchoConfirms(write->functionCode, write->value, echo);
     countExchange(rt, sw, confirmed);

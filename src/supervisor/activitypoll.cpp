@@ -8,7 +8,7 @@ namespace telvane {
 
 bool ActivityPoll(Runtime &rt)
 {
-    const LineProbe &probe = rt.lineProbe;
+    const LineProbe &probe = rt.editor.lineProbe;
     if (probe.address < 1 || probe.address > 255 || probe.functionCode < 1 || probe.functionCode > 4)
         return false;
     const bool answered = rt.master.ReadRegister(probe.functionCode, quint16(probe.registerNumber), probe.address)

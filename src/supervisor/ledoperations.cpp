@@ -16,7 +16,7 @@ bool ledValid(int led)
 
 void readLamp(Runtime &rt, int led)
 {
-    const LedTable &table = rt.registers.LedReadTable;
+    const LedTable &table = rt.editor.tables.LedReadTable;
     LedLamp lamp;
     const int slave = table.at(led, LedSlot::Address);
     const int functionCode = table.at(led, LedSlot::P1Function);
@@ -40,7 +40,7 @@ bool LedRemoteRead(Runtime &rt, int led)
 {
     if (!ledValid(led))
         return false;
-    if (remoteRead(rt, rt.registers.LedReadTable, led, rt.items.ledRemote[led],
+    if (remoteRead(rt, rt.editor.tables.LedReadTable, led, rt.items.ledRemote[led],
                    [&] { rt.alarms.ReportLedFailure(led); }))
         return true;
     forgetRemoteState(rt, rt.items.ledRemote[led]);
@@ -50,7 +50,7 @@ bool LedRemoteRead(Runtime &rt, int led)
 bool LedLocalWrite(Runtime &rt, int led, int supervisorState)
 {
     return ledValid(led)
-           && localWrite(rt, rt.registers.LedWriteTable, led, supervisorState,
+           && localWrite(rt, rt.editor.tables.LedWriteTable, led, supervisorState,
                          [&] { rt.alarms.ReportLedFailure(led); });
 }
 

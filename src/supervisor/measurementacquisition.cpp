@@ -5,7 +5,6 @@
 #include "base/pause.h"
 #include "fieldbus/modbusmaster.h"
 #include "storage/dailylog.h"
-#include "storage/inistore.h"
 #include "supervisor/chartsink.h"
 #include "supervisor/registerreading.h"
 #include "supervisor/runtime.h"
@@ -32,7 +31,7 @@ bool hasDecimalFormat(int decimals)
 // alarm. The order matters: it decides at which read a zone reaches its sixth failure.
 void readQuantity(Runtime &rt, int zone, int k)
 {
-    const ZoneTable &table = rt.registers.ZoneReadTable;
+    const ZoneTable &table = rt.editor.tables.ZoneReadTable;
 
     const std::optional<float> reading =
         readScaledRegister(rt.master, table.at(zone, ZoneSlot::Address), table.at(zone, zoneQuantityFunctionSlot(k)),
@@ -53,12 +52,6 @@ void readQuantity(Runtime &rt, int zone, int k)
 }
 
 } // namespace
-
-bool ReadChartLoggingOption(const IniStore &ini)
-{
-    return ini.ReadIniKey(QStringLiteral("Generale"), QStringLiteral("Grafico"), QStringLiteral("0")).trimmed()
-           != QLatin1String("0");
-}
 
 void ReadAllMeasurements(Runtime &rt)
 {
@@ -82,7 +75,7 @@ void ReadAllMeasurements(Runtime &rt)
             const float value = rt.values.ZoneValues[zone][chartQuantity];
             if (rt.chart)
                 rt.chart->addPoint(zone + 1, rt.clock.now(), value);
-            const int decimals = rt.registers.ZoneReadTable.at(zone, ZoneSlot::Decimals);
+            const int decimals = rt.editor.tables.ZoneReadTable.at(zone, ZoneSlot::Decimals);
             if (hasDecimalFormat(decimals))
                 logged.append({value, decimals});
         }

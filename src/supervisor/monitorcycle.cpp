@@ -33,20 +33,20 @@ void Supervisor::MonitorCycle()
     for (CycleTask *task : std::as_const(m_rt.cycleTasks))
         busy = task->runTick() || busy;
 
-    if (isDue(m_rt.comm.remotePeriod)) {
+    if (isDue(m_rt.editor.comm.remotePeriod)) {
         pollInstruments();
         busy = true;
     }
-    if (isDue(m_rt.comm.measurementPeriod)) {
+    if (isDue(m_rt.editor.comm.measurementPeriod)) {
         busy = true;
         ReadAllMeasurements(m_rt);
         ReadAllSwitchStates(m_rt);
     }
-    if (isDue(m_rt.comm.ledPeriod)) {
+    if (isDue(m_rt.editor.comm.ledPeriod)) {
         ReadAllLedLamps(m_rt);
         busy = true;
     }
-    if (!busy && m_rt.comm.activity) {
+    if (!busy && m_rt.editor.comm.lineActivity) {
         m_rt.statusBar.setPanel(StatusBar::ActivityPanel, QStringLiteral("Attivita..."));
         ActivityPoll(m_rt);
         m_rt.statusBar.setPanel(StatusBar::ActivityPanel, QString());
@@ -105,7 +105,7 @@ void Supervisor::runPendingCommands(bool &busy)
 // register is read, otherwise the supervisor's state is written to it.
 void Supervisor::pollInstruments()
 {
-    const bool remote = m_rt.comm.remote;
+    const bool remote = m_rt.editor.comm.remoteEnabled;
     const int supervisorState = m_acquisitionRunning ? 1 : 0;
     m_rt.statusBar.setPanel(StatusBar::ActivityPanel,
                             remote ? QStringLiteral("Remoto...") : QStringLiteral("Locale..."));

@@ -26,7 +26,8 @@ QString itemName(const PlantConfig &plant, AlarmItemKind kind, int index)
 } // namespace
 
 Runtime::Runtime(const ProgramFolder &folder, SerialLine &line, const Clock &clock, Pause &pause, SoundPlayer &sound)
-    : clock(clock)
+    : line(line)
+    , clock(clock)
     , pause(pause)
     , sound(sound)
     , ini(folder)
@@ -34,6 +35,14 @@ Runtime::Runtime(const ProgramFolder &folder, SerialLine &line, const Clock &clo
     , dailyLog(folder, clock)
     , alarms(clock, [this](AlarmItemKind kind, int index) { return itemName(plant, kind, index); })
 {
+}
+
+void ReloadEditor(Runtime &rt)
+{
+    ReloadEditor(EditorServices{rt.ini, rt.plant, rt.displayResets, rt.master, rt.line, rt.values, rt.chrono},
+                 rt.editor);
+    rt.statusBar.setPanel(StatusBar::PortPanel, rt.editor.comm.statusText);
+    rt.ChartLoggingOption = rt.editor.options.chart;
 }
 
 } // namespace telvane

@@ -1,9 +1,7 @@
 #pragma once
 
 #include "alarms/alarmbook.h"
-#include "config_editor/commsettings.h"
-#include "config_editor/lineprobe.h"
-#include "config_editor/registertables.h"
+#include "config_editor/reloadeditor.h"
 #include "fieldbus/modbusmaster.h"
 #include "storage/chronoschedule.h"
 #include "storage/dailylog.h"
@@ -38,6 +36,7 @@ struct Runtime
     Runtime(const Runtime &) = delete;
     Runtime &operator=(const Runtime &) = delete;
 
+    SerialLine &line;
     const Clock &clock;
     Pause &pause;
     SoundPlayer &sound;
@@ -50,9 +49,8 @@ struct Runtime
     // The holiday dates (`Lst_Festa`), on which the chrono-thermostat runs Sunday's
     // schedule; loaded with the schedule from the "Crono" files.
     HolidayList holidays;
-    RegisterTables registers;
-    CommSettings comm;
-    LineProbe lineProbe;
+    // The register tables, serial settings, line probe and options the editor built.
+    EditorState editor;
     ModbusMaster master;
     DailyLog dailyLog;
     AlarmBook alarms;
@@ -67,17 +65,11 @@ struct Runtime
 
     // The configuration editor is loaded.
     bool EditorOpen = false;
-    // Measurement rounds add chart points and write the daily log.
+    // Measurement rounds add chart points and write the daily log. Each reload sets it
+    // from the option "Grafico"; the editor's menu entry toggles it in between.
     bool ChartLoggingOption = false;
     // The activity poll's last answer, so that a silent line is logged once.
     bool lineAnswering = true;
-
-    // Loaded by the editor's reload: the option "Cronotermostato" of "Generale", the
-    // zones that follow the chrono-thermostat (all off while the option is off) and the
-    // door opener's pulse "Tempo" in milliseconds.
-    bool chronoThermostatOn = false;
-    ChronoZoneEnabled chronoZoneEnabled{};
-    int doorPulseMs = 1000;
 
     // Plugged in by the window when it exists; without them a round feeds no chart and
     // the queued commands are dropped.
@@ -87,5 +79,10 @@ struct Runtime
     // alignment); owned by the caller.
     QList<CycleTask *> cycleTasks;
 };
+
+// The editor's full rebuild over this runtime: plant, lists, tables, serial settings
+// and options. The port's text goes to the first status-bar panel, and measurement
+// rounds log as the option "Grafico" says.
+void ReloadEditor(Runtime &rt);
 
 } // namespace telvane

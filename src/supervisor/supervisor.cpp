@@ -45,9 +45,15 @@ void Supervisor::load()
     for (const char *folder : {"Dati", "Crono", "Ricetta"})
         m_rt.ini.EnsureFolder(QLatin1String(folder));
     m_rt.mode = LoadSettings(m_rt.ini);
-    m_rt.ChartLoggingOption = ReadChartLoggingOption(m_rt.ini);
 
     setButtonImage(StandbyImage);
+}
+
+void Supervisor::startUp()
+{
+    load();
+    ReloadEditor(m_rt);
+    armAutoStart(m_rt.editor.options.autoStart);
 }
 
 void Supervisor::armAutoStart(bool autoAvvio)
@@ -223,7 +229,7 @@ void Supervisor::setCommunicateWithInstruments(bool communicate)
 
 bool Supervisor::SerialPortOpen() const
 {
-    return m_rt.comm.portAvailable;
+    return m_rt.editor.comm.portAvailable;
 }
 
 bool Supervisor::AlarmPending() const

@@ -34,13 +34,16 @@ public:
     explicit Supervisor(Runtime &rt, QObject *parent = nullptr);
 
     // The start-up of the main window: flags cleared, timers set, "Standby", alarms
-    // acknowledged, the folders "Dati", "Crono" and "Ricetta" made, the mode and the
-    // chart-and-log option loaded.
+    // acknowledged, the folders "Dati", "Crono" and "Ricetta" made, the mode loaded.
     // The plant itself is loaded by the editor's reload, which runs after this.
     void load();
 
-    // Called once at start-up, after the editor's first reload read the option
-    // `AutoAvvio`: when it is on, acquisition starts by itself 10 s later, and until
+    // The whole start-up: load(), the editor's reload of the plant and the settings,
+    // and the automatic start armed as the plant's option `AutoAvvio` says.
+    void startUp();
+
+    // Called once at start-up with the option `AutoAvvio` as the editor's first reload
+    // read it: when it is on, acquisition starts by itself 10 s later, and until
     // then the acquisition button blinks fast and panel 4 says so.
     void armAutoStart(bool autoAvvio);
 

@@ -16,7 +16,7 @@ bool switchValid(int sw)
 // Reads one state register into `SwitchValues`; false when it is not configured.
 bool readStateRegister(Runtime &rt, int sw, SwitchSlot functionSlot, SwitchSlot registerSlot, float &value)
 {
-    const SwitchTable &table = rt.registers.SwitchReadTable;
+    const SwitchTable &table = rt.editor.tables.SwitchReadTable;
     const std::optional<float> reading =
         readScaledRegister(rt.master, table.at(sw, SwitchSlot::Address), table.at(sw, functionSlot),
                            table.at(sw, registerSlot), table.at(sw, SwitchSlot::Decimals));
@@ -37,14 +37,14 @@ bool readStateRegister(Runtime &rt, int sw, SwitchSlot functionSlot, SwitchSlot 
 bool SwitchRemoteRead(Runtime &rt, int sw)
 {
     return switchValid(sw)
-           && remoteRead(rt, rt.registers.SwitchReadTable, sw, rt.items.switchRemote[sw],
+           && remoteRead(rt, rt.editor.tables.SwitchReadTable, sw, rt.items.switchRemote[sw],
                          [&] { rt.alarms.ReportSwitchFailure(sw); });
 }
 
 bool SwitchLocalWrite(Runtime &rt, int sw, int supervisorState)
 {
     return switchValid(sw)
-           && localWrite(rt, rt.registers.SwitchWriteTable, sw, supervisorState,
+           && localWrite(rt, rt.editor.tables.SwitchWriteTable, sw, supervisorState,
                          [&] { rt.alarms.ReportSwitchFailure(sw); });
 }
 

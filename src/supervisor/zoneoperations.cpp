@@ -17,14 +17,14 @@ bool zoneValid(int zone)
 bool ZoneRemoteRead(Runtime &rt, int zone)
 {
     return zoneValid(zone)
-           && remoteRead(rt, rt.registers.ZoneReadTable, zone, rt.items.zoneRemote[zone],
+           && remoteRead(rt, rt.editor.tables.ZoneReadTable, zone, rt.items.zoneRemote[zone],
                          [&] { rt.alarms.ReportZoneFailure(zone); });
 }
 
 bool ZoneLocalWrite(Runtime &rt, int zone, int supervisorState)
 {
     return zoneValid(zone)
-           && localWrite(rt, rt.registers.ZoneWriteTable, zone, supervisorState,
+           && localWrite(rt, rt.editor.tables.ZoneWriteTable, zone, supervisorState,
                          [&] { rt.alarms.ReportZoneFailure(zone); });
 }
 

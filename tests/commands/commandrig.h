@@ -21,7 +21,7 @@ struct CommandRig : PlantRig
     void configureSwitchWrite(int sw, int slave, std::pair<int, int> on, std::pair<int, int> off, int valOn,
                               int valOff)
     {
-        SwitchTable &table = rt.registers.SwitchWriteTable;
+        SwitchTable &table = rt.editor.tables.SwitchWriteTable;
         table.clearRow(sw);
         table.set(sw, SwitchSlot::Address, qint16(slave));
         table.set(sw, SwitchSlot::Decimals, 0);
@@ -35,7 +35,7 @@ struct CommandRig : PlantRig
 
     void configureDoorWrite(int slave, std::pair<int, int> on, std::pair<int, int> off, int valOn, int valOff)
     {
-        DoorTable &table = rt.registers.DoorWriteTable;
+        DoorTable &table = rt.editor.tables.DoorWriteTable;
         table.clearRow(0);
         table.set(0, DoorSlot::Address, qint16(slave));
         table.set(0, DoorSlot::Decimals, 0);
@@ -52,7 +52,7 @@ struct CommandRig : PlantRig
     {
         if (rt.plant.zones.size() <= zone)
             rt.plant.zones.resize(zone + 1);
-        ZoneTable &table = rt.registers.ZoneWriteTable;
+        ZoneTable &table = rt.editor.tables.ZoneWriteTable;
         table.set(zone, ZoneSlot::Address, qint16(slave));
         table.set(zone, ZoneSlot::Decimals, qint16(decimals));
         table.set(zone, zoneQuantityFunctionSlot(quantity), qint16(functionCode));

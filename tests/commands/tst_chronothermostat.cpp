@@ -46,7 +46,7 @@ private:
     static void setUpPlant(CommandRig &rig, int quantity = 1)
     {
         Runtime &rt = rig.rt;
-        rt.chronoThermostatOn = true;
+        rt.editor.chronoThermostat = true;
         rt.plant.zoneDisplay.chronoQuantity = qint16(quantity);
         for (int zone = 0; zone < 4; ++zone) {
             const int decimals = zone == 2 ? 0 : 1;
@@ -58,9 +58,9 @@ private:
                     rt.chrono(slot, zone, day) = setPointOf(zone, slot, day);
         }
         rt.plant.zones.resize(3);
-        rt.chronoZoneEnabled[0] = true;
-        rt.chronoZoneEnabled[2] = true;
-        rt.chronoZoneEnabled[3] = true;
+        rt.editor.chronoZoneEnabled[0] = true;
+        rt.editor.chronoZoneEnabled[2] = true;
+        rt.editor.chronoZoneEnabled[3] = true;
     }
 
     static QList<QByteArray> slotWrites(int day, int slot, int quantity = 1)
@@ -158,7 +158,7 @@ private slots:
     {
         CommandRig rig;
         setUpPlant(rig);
-        rig.rt.chronoThermostatOn = false;
+        rig.rt.editor.chronoThermostat = false;
         ChronoThermostat chrono(rig.rt);
         rig.clock.setNow(at(QStringLiteral("2026-11-16 08:07:00")));
         QVERIFY(!chrono.runTick());
@@ -166,7 +166,7 @@ private slots:
         QVERIFY(!chrono.runTick());
         QVERIFY(rig.line.requests().isEmpty());
 
-        rig.rt.chronoThermostatOn = true;
+        rig.rt.editor.chronoThermostat = true;
         rig.clock.setNow(at(QStringLiteral("2026-11-16 08:16:00")));
         QVERIFY(chrono.runTick());
         QCOMPARE(rig.takeRequests(), slotWrites(0, 33));
@@ -191,7 +191,7 @@ private slots:
     {
         CommandRig rig;
         setUpPlant(rig);
-        rig.rt.registers.ZoneWriteTable.set(0, zoneQuantityFunctionSlot(1), UnusedSlot);
+        rig.rt.editor.tables.ZoneWriteTable.set(0, zoneQuantityFunctionSlot(1), UnusedSlot);
         ChronoThermostat chrono(rig.rt);
         rig.clock.setNow(at(QStringLiteral("2026-11-16 08:07:00")));
 
@@ -206,9 +206,9 @@ private slots:
     {
         CommandRig rig;
         setUpPlant(rig);
-        rig.rt.comm.remotePeriod = 0;
-        rig.rt.comm.measurementPeriod = 0;
-        rig.rt.comm.ledPeriod = 0;
+        rig.rt.editor.comm.remotePeriod = 0;
+        rig.rt.editor.comm.measurementPeriod = 0;
+        rig.rt.editor.comm.ledPeriod = 0;
         ChronoThermostat chrono(rig.rt);
         rig.rt.cycleTasks.append(&chrono);
         Supervisor supervisor(rig.rt);

@@ -37,7 +37,7 @@ private:
     {
         Runtime &rt = rig.rt;
         rt.plant.zones.resize(4);
-        ZoneTable &table = rt.registers.ZoneWriteTable;
+        ZoneTable &table = rt.editor.tables.ZoneWriteTable;
         for (int zone = 0; zone < 3; ++zone) {
             table.set(zone, ZoneSlot::Address, qint16(zone + 1));
             table.set(zone, ZoneSlot::Decimals, 2);

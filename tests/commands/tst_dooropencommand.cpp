@@ -51,7 +51,7 @@ private slots:
         CommandRig rig;
         rig.login(true, false);
         rig.configureDoorWrite(Slave, {functionCode, OnRegister}, {functionCode, OffRegister}, valOn, valOff);
-        rig.rt.doorPulseMs = pulseMs;
+        rig.rt.editor.doorPulseMs = pulseMs;
         rig.rt.plant.synoptic.doorSound = QStringLiteral("porta.wav");
         rig.addSlave(Slave);
         QList<qint64> sentAtMs;
@@ -144,7 +144,7 @@ private slots:
         rig.login(true, false);
         rig.rt.plant.synoptic.doorSound = QStringLiteral("porta.wav");
         rig.configureDoorWrite(Slave, {5, OnRegister}, {5, OffRegister}, 1, 0);
-        rig.rt.registers.DoorWriteTable.set(0, missingSlot, UnusedSlot);
+        rig.rt.editor.tables.DoorWriteTable.set(0, missingSlot, UnusedSlot);
 
         QCOMPARE(DoorOpenCommand(rig.rt, rig.prompts), CommandOutcome::NotConfigured);
         QVERIFY(rig.line.requests().isEmpty());

@@ -31,10 +31,10 @@ void setUpPlant(CommandRig &rig)
     rig.addSlave(SwitchSlave);
     rig.addSlave(DoorSlave);
     rig.addSlave(ZoneSlave);
-    rig.rt.comm.remotePeriod = 0;
-    rig.rt.comm.measurementPeriod = 0;
-    rig.rt.comm.ledPeriod = 0;
-    rig.rt.comm.activity = false;
+    rig.rt.editor.comm.remotePeriod = 0;
+    rig.rt.editor.comm.measurementPeriod = 0;
+    rig.rt.editor.comm.ledPeriod = 0;
+    rig.rt.editor.comm.lineActivity = false;
 }
 
 } // namespace

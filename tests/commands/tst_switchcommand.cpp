@@ -121,9 +121,9 @@ private slots:
         rig.login(false, true);
         rig.rt.plant.switches.resize(1);
         rig.configureSwitchWrite(0, Slave, {5, OnRegister}, {5, OffRegister}, 1, 0);
-        rig.rt.registers.SwitchWriteTable.set(0, SwitchSlot::RemFunction, 5);
-        rig.rt.registers.SwitchWriteTable.set(0, SwitchSlot::RemRegister, RemWriteRegister);
-        SwitchTable &read = rig.rt.registers.SwitchReadTable;
+        rig.rt.editor.tables.SwitchWriteTable.set(0, SwitchSlot::RemFunction, 5);
+        rig.rt.editor.tables.SwitchWriteTable.set(0, SwitchSlot::RemRegister, RemWriteRegister);
+        SwitchTable &read = rig.rt.editor.tables.SwitchReadTable;
         read.set(0, SwitchSlot::Address, Slave);
         read.set(0, SwitchSlot::RemFunction, 1);
         read.set(0, SwitchSlot::RemRegister, RemReadRegister);
@@ -168,14 +168,14 @@ private slots:
         rig.rt.plant.switches.resize(1);
         rig.configureSwitchWrite(0, Slave, {6, OnRegister}, {6, OffRegister}, 1, 0);
         if (remote != NotConfigured) {
-            SwitchTable &read = rig.rt.registers.SwitchReadTable;
+            SwitchTable &read = rig.rt.editor.tables.SwitchReadTable;
             read.set(0, SwitchSlot::Address, Slave);
             read.set(0, SwitchSlot::RemFunction, 3);
             read.set(0, SwitchSlot::RemRegister, RemReadRegister);
         }
         if (local != NotConfigured) {
-            rig.rt.registers.SwitchWriteTable.set(0, SwitchSlot::RemFunction, 6);
-            rig.rt.registers.SwitchWriteTable.set(0, SwitchSlot::RemRegister, RemWriteRegister);
+            rig.rt.editor.tables.SwitchWriteTable.set(0, SwitchSlot::RemFunction, 6);
+            rig.rt.editor.tables.SwitchWriteTable.set(0, SwitchSlot::RemRegister, RemWriteRegister);
         }
         rig.line.setResponder([&](const QByteArray &request) -> ScriptedLine::Reply {
             const int address = quint8(request[2]) << 8 | quint8(request[3]);
@@ -212,7 +212,7 @@ private slots:
             rig.login(true, false);
             rig.rt.plant.switches.resize(1);
             rig.configureSwitchWrite(0, Slave, {5, OnRegister}, {5, OffRegister}, 1, 0);
-            rig.rt.registers.SwitchWriteTable.set(0, missingSlot, UnusedSlot);
+            rig.rt.editor.tables.SwitchWriteTable.set(0, missingSlot, UnusedSlot);
 
             QCOMPARE(SwitchCommand(rig.rt, rig.prompts, 0, on), CommandOutcome::NotConfigured);
             QVERIFY(rig.line.requests().isEmpty());

@@ -25,7 +25,7 @@ PlantRig::PlantRig()
     rt.master.setAttempts(1);
     rt.master.setReplyTimeout(0.1f);
     rt.master.setCommunicate(true);
-    rt.comm.portAvailable = true;
+    rt.editor.comm.portAvailable = true;
     line.setResponder([this](const QByteArray &request) { return answer(request); });
 }
 
@@ -76,7 +76,7 @@ ScriptedLine::Reply PlantRig::answer(const QByteArray &request)
 void configureZone(Runtime &rt, int zone, int slave, int decimals, QList<std::pair<int, int>> quantities,
                    std::pair<int, int> rem)
 {
-    ZoneTable &table = rt.registers.ZoneReadTable;
+    ZoneTable &table = rt.editor.tables.ZoneReadTable;
     table.clearRow(zone);
     table.set(zone, ZoneSlot::Address, qint16(slave));
     table.set(zone, ZoneSlot::Decimals, qint16(decimals));

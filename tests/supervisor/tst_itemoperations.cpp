@@ -33,7 +33,7 @@ void setRem(RegisterTable<Slot, Rows> &table, int row, int slave, int functionCo
 void setSwitchStateRegisters(Runtime &rt, int sw, int slave, int decimals, std::pair<int, int> on,
                              std::pair<int, int> off)
 {
-    SwitchTable &table = rt.registers.SwitchReadTable;
+    SwitchTable &table = rt.editor.tables.SwitchReadTable;
     table.set(sw, SwitchSlot::Address, qint16(slave));
     table.set(sw, SwitchSlot::Decimals, qint16(decimals));
     table.set(sw, SwitchSlot::OnFunction, qint16(on.first));
@@ -45,7 +45,7 @@ void setSwitchStateRegisters(Runtime &rt, int sw, int slave, int decimals, std::
 void setLed(Runtime &rt, int led, int slave, int decimals, int functionCode, int address, int threshold,
             int condition)
 {
-    LedTable &table = rt.registers.LedReadTable;
+    LedTable &table = rt.editor.tables.LedReadTable;
     table.set(led, LedSlot::Address, qint16(slave));
     table.set(led, LedSlot::Decimals, qint16(decimals));
     table.set(led, LedSlot::P1Function, qint16(functionCode));
@@ -94,7 +94,7 @@ private:
 
     static void configureRem(Runtime &rt, Kind kind, int slave, int readCode, int writeCode)
     {
-        RegisterTables &t = rt.registers;
+        RegisterTables &t = rt.editor.tables;
         switch (kind) {
         case Kind::Zone:
             setRem(t.ZoneReadTable, 2, slave, readCode, 40100);
@@ -429,7 +429,7 @@ private slots:
         QFETCH(int, requests);
 
         PlantRig rig;
-        rig.rt.lineProbe = {probe[0], probe[1], probe[2]};
+        rig.rt.editor.lineProbe = {probe[0], probe[1], probe[2]};
         if (present)
             rig.setValue(5, 3, 40001, 7);
         if (!answered && requests)

@@ -314,26 +314,6 @@ private slots:
         QCOMPARE(panels[0], (QList<QVariant>{3, QStringLiteral("Lettura...")}));
         QCOMPARE(panels[1], (QList<QVariant>{3, QString()}));
     }
-
-    void chartLoggingOptionFromSettings_data()
-    {
-        QTest::addColumn<QString>("value");
-        QTest::addColumn<bool>("on");
-        QTest::newRow("absent") << QString() << false;
-        QTest::newRow("0") << "0" << false;
-        QTest::newRow("1") << "1" << true;
-        QTest::newRow("blank around 0") << " 0 " << false;
-    }
-
-    void chartLoggingOptionFromSettings()
-    {
-        QFETCH(QString, value);
-        QFETCH(bool, on);
-        PlantRig rig;
-        if (!value.isNull())
-            QVERIFY(rig.rt.ini.WriteIniKey(QStringLiteral("Generale"), QStringLiteral("Grafico"), value));
-        QCOMPARE(ReadChartLoggingOption(rig.rt.ini), on);
-    }
 };
 
 QTEST_GUILESS_MAIN(TestMeasurementAcquisition)

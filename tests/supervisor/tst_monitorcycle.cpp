@@ -27,14 +27,14 @@ private:
         rt.plant.apriporta.present = true;
 
         configureZone(rt, 0, 1, 1, {{3, 0}, {3, 1}}, {3, 100});
-        rt.registers.ZoneWriteTable.set(0, ZoneSlot::Address, 1);
-        rt.registers.ZoneWriteTable.set(0, ZoneSlot::RemFunction, 6);
-        rt.registers.ZoneWriteTable.set(0, ZoneSlot::RemRegister, 101);
+        rt.editor.tables.ZoneWriteTable.set(0, ZoneSlot::Address, 1);
+        rt.editor.tables.ZoneWriteTable.set(0, ZoneSlot::RemFunction, 6);
+        rt.editor.tables.ZoneWriteTable.set(0, ZoneSlot::RemRegister, 101);
         rig.setValue(1, 3, 100, 1);
         rig.setValue(1, 3, 0, 205);
         rig.setValue(1, 3, 1, 210);
 
-        SwitchTable &sr = rt.registers.SwitchReadTable;
+        SwitchTable &sr = rt.editor.tables.SwitchReadTable;
         sr.set(0, SwitchSlot::Address, 2);
         sr.set(0, SwitchSlot::Decimals, 0);
         sr.set(0, SwitchSlot::RemFunction, 1);
@@ -43,22 +43,22 @@ private:
         sr.set(0, SwitchSlot::OnRegister, 20);
         sr.set(0, SwitchSlot::OffFunction, 1);
         sr.set(0, SwitchSlot::OffRegister, 21);
-        rt.registers.SwitchWriteTable.set(0, SwitchSlot::Address, 2);
-        rt.registers.SwitchWriteTable.set(0, SwitchSlot::RemFunction, 5);
-        rt.registers.SwitchWriteTable.set(0, SwitchSlot::RemRegister, 11);
+        rt.editor.tables.SwitchWriteTable.set(0, SwitchSlot::Address, 2);
+        rt.editor.tables.SwitchWriteTable.set(0, SwitchSlot::RemFunction, 5);
+        rt.editor.tables.SwitchWriteTable.set(0, SwitchSlot::RemRegister, 11);
         rig.setValue(2, 1, 10, 0);
         rig.setValue(2, 1, 20, 1);
         rig.setValue(2, 1, 21, 0);
 
-        rt.registers.DoorReadTable.set(0, DoorSlot::Address, 3);
-        rt.registers.DoorReadTable.set(0, DoorSlot::RemFunction, 2);
-        rt.registers.DoorReadTable.set(0, DoorSlot::RemRegister, 5);
-        rt.registers.DoorWriteTable.set(0, DoorSlot::Address, 3);
-        rt.registers.DoorWriteTable.set(0, DoorSlot::RemFunction, 6);
-        rt.registers.DoorWriteTable.set(0, DoorSlot::RemRegister, 6);
+        rt.editor.tables.DoorReadTable.set(0, DoorSlot::Address, 3);
+        rt.editor.tables.DoorReadTable.set(0, DoorSlot::RemFunction, 2);
+        rt.editor.tables.DoorReadTable.set(0, DoorSlot::RemRegister, 5);
+        rt.editor.tables.DoorWriteTable.set(0, DoorSlot::Address, 3);
+        rt.editor.tables.DoorWriteTable.set(0, DoorSlot::RemFunction, 6);
+        rt.editor.tables.DoorWriteTable.set(0, DoorSlot::RemRegister, 6);
         rig.setValue(3, 2, 5, 1);
 
-        LedTable &lr = rt.registers.LedReadTable;
+        LedTable &lr = rt.editor.tables.LedReadTable;
         lr.set(0, LedSlot::Address, 4);
         lr.set(0, LedSlot::Decimals, 0);
         lr.set(0, LedSlot::RemFunction, 1);
@@ -67,22 +67,22 @@ private:
         lr.set(0, LedSlot::P1Register, 30);
         lr.set(0, LedSlot::Threshold, 25);
         lr.set(0, LedSlot::Condition, 1);
-        rt.registers.LedWriteTable.set(0, LedSlot::Address, 4);
-        rt.registers.LedWriteTable.set(0, LedSlot::RemFunction, 5);
-        rt.registers.LedWriteTable.set(0, LedSlot::RemRegister, 8);
+        rt.editor.tables.LedWriteTable.set(0, LedSlot::Address, 4);
+        rt.editor.tables.LedWriteTable.set(0, LedSlot::RemFunction, 5);
+        rt.editor.tables.LedWriteTable.set(0, LedSlot::RemRegister, 8);
         rig.setValue(4, 1, 7, 1);
         rig.setValue(4, 4, 30, 30);
 
-        rt.lineProbe = {5, 3, 77};
+        rt.editor.lineProbe = {5, 3, 77};
         rig.setValue(5, 3, 77, 1);
         rig.addSlave(99);
     }
 
     static void setPeriods(Runtime &rt, int remote, int measurement, int led)
     {
-        rt.comm.remotePeriod = remote;
-        rt.comm.measurementPeriod = measurement;
-        rt.comm.ledPeriod = led;
+        rt.editor.comm.remotePeriod = remote;
+        rt.editor.comm.measurementPeriod = measurement;
+        rt.editor.comm.ledPeriod = led;
     }
 
 private slots:
@@ -118,8 +118,8 @@ private slots:
         PlantRig rig;
         setUpPlant(rig);
         setPeriods(rig.rt, 1, 1, 1);
-        rig.rt.comm.remote = remote;
-        rig.rt.comm.activity = true;
+        rig.rt.editor.comm.remoteEnabled = remote;
+        rig.rt.editor.comm.lineActivity = true;
         RecordingCommands commands(rig.rt.master);
         rig.rt.operatorCommands = &commands;
         Supervisor supervisor(rig.rt);
@@ -226,8 +226,8 @@ private slots:
         rig.rt.plant.switches.resize(0);
         rig.rt.plant.apriporta.present = false;
         setPeriods(rig.rt, periods[0], periods[1], periods[2]);
-        rig.rt.comm.remote = true;
-        rig.rt.comm.activity = activity;
+        rig.rt.editor.comm.remoteEnabled = true;
+        rig.rt.editor.comm.lineActivity = activity;
         Supervisor supervisor(rig.rt);
         supervisor.SetAcquisitionState(true);
 
@@ -268,7 +268,7 @@ private slots:
         PlantRig rig;
         setUpPlant(rig);
         setPeriods(rig.rt, 1, 1, 1);
-        rig.rt.comm.remote = true;
+        rig.rt.editor.comm.remoteEnabled = true;
         Supervisor supervisor(rig.rt);
         supervisor.SetAcquisitionState(true);
         bool stopped = false;
@@ -306,7 +306,7 @@ private slots:
         PlantRig rig;
         setUpPlant(rig);
         setPeriods(rig.rt, 1, 1, 1);
-        rig.rt.comm.remote = true;
+        rig.rt.editor.comm.remoteEnabled = true;
         Supervisor supervisor(rig.rt);
         supervisor.SetAcquisitionState(true);
         bool clicked = false;
@@ -448,7 +448,7 @@ private slots:
         PlantRig rig;
         setUpPlant(rig);
         setPeriods(rig.rt, 1, 0, 0);
-        rig.rt.comm.remote = remote;
+        rig.rt.editor.comm.remoteEnabled = remote;
         for (int slave : {1, 2, 3, 4})
             if (!answers)
                 rig.removeSlave(slave);

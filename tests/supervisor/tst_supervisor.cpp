@@ -3,6 +3,7 @@
 #include "supervisor/supervisor.h"
 
 #include <QDir>
+#include <QFile>
 #include <QLoggingCategory>
 #include <QSignalSpy>
 #include <QTest>
@@ -42,7 +43,6 @@ private slots:
     void loadPreparesStandby()
     {
         PlantRig rig;
-        QVERIFY(rig.rt.ini.WriteIniKey(QStringLiteral("Generale"), QStringLiteral("Grafico"), QStringLiteral("1")));
         rig.rt.alarms.ReportSwitchFailure(0);
         Supervisor supervisor(rig.rt);
         supervisor.load();
@@ -67,7 +67,6 @@ private slots:
         for (const char *folder : {"Dati", "Crono", "Ricetta"})
             QVERIFY2(QDir(rig.dir.filePath(QLatin1String(folder))).exists(), folder);
         QCOMPARE(rig.rt.mode.CurrentIniName, QStringLiteral("Telvane2.ini"));
-        QVERIFY(rig.rt.ChartLoggingOption);
     }
 
     void loadReadsTheCivilMode()
@@ -78,7 +77,48 @@ private slots:
         supervisor.load();
         QVERIFY(rig.rt.mode.CivilMode);
         QCOMPARE(rig.rt.ini.currentIniName(), QStringLiteral("Telvane1.ini"));
-        QVERIFY(!rig.rt.ChartLoggingOption);
+    }
+
+    void startUpLoadsThePlantAndArmsTheStart_data()
+    {
+        QTest::addColumn<QString>("autoAvvio");
+        QTest::addColumn<QString>("grafico");
+        QTest::addColumn<bool>("portOpens");
+        QTest::newRow("both options on") << "1" << "1" << true;
+        QTest::newRow("both options off") << "0" << "0" << true;
+        QTest::newRow("no port") << "0" << "1" << false;
+    }
+
+    void startUpLoadsThePlantAndArmsTheStart()
+    {
+        QFETCH(QString, autoAvvio);
+        QFETCH(QString, grafico);
+        QFETCH(bool, portOpens);
+
+        PlantRig rig;
+        rig.line.setOpenRefused(!portOpens);
+        const QString general = QStringLiteral("Generale");
+        const QString zone = QStringLiteral("Zona 01");
+        IniStore &ini = rig.rt.ini;
+        QVERIFY(ini.WriteIniKey(general, QStringLiteral("Zone"), QStringLiteral("1")));
+        QVERIFY(ini.WriteIniKey(general, QStringLiteral("AutoAvvio"), autoAvvio));
+        QVERIFY(ini.WriteIniKey(general, QStringLiteral("Grafico"), grafico));
+        QVERIFY(ini.WriteIniKey(zone, QStringLiteral("Nome"), QStringLiteral("Soggiorno")));
+        QVERIFY(ini.WriteIniKey(zone, QStringLiteral("Indirizzo"), QStringLiteral("5")));
+        QVERIFY(ini.WriteIniKey(zone, QStringLiteral("PV_r"), QStringLiteral("3,40001")));
+        QVERIFY(ini.WriteIniKey(QStringLiteral("COM"), QStringLiteral("Porta"), QStringLiteral("2")));
+        Supervisor supervisor(rig.rt);
+
+        supervisor.startUp();
+        QCOMPARE(rig.rt.plant.zoneCount(), 1);
+        QCOMPARE(rig.rt.editor.tables.ZoneReadTable.at(0, ZoneSlot::Address), 5);
+        QCOMPARE(rig.rt.ChartLoggingOption, grafico == QLatin1String("1"));
+        QCOMPARE(supervisor.TimerAutoStart().isActive(), autoAvvio == QLatin1String("1"));
+        QCOMPARE(supervisor.SerialPortOpen(), portOpens);
+        QCOMPARE(rig.rt.statusBar.panel(StatusBar::PortPanel),
+                 portOpens ? QStringLiteral("COM2:9600,N,8,1") : QStringLiteral("Nessuna COM"));
+        QCOMPARE(rig.rt.statusBar.panel(StatusBar::MessagePanel),
+                 autoAvvio == QLatin1String("1") ? QStringLiteral("Avvio in corso...") : QString());
     }
 
     void acquisitionState_data()
@@ -135,7 +175,7 @@ private slots:
 
         PlantRig rig;
         setUpZone(rig);
-        rig.rt.comm.portAvailable = portOpen;
+        rig.rt.editor.comm.portAvailable = portOpen;
         Supervisor supervisor(rig.rt);
         supervisor.load();
         supervisor.setCommunicateWithInstruments(communicate);
@@ -235,7 +275,7 @@ private slots:
         if (acquiring)
             supervisor.MenuStart();
         rig.takeRequests();
-        rig.rt.comm.portAvailable = portOpen;
+        rig.rt.editor.comm.portAvailable = portOpen;
         QSignalSpy changed(&supervisor, &Supervisor::acquisitionStateChanged);
 
         supervisor.MenuRileggi();
@@ -393,10 +433,45 @@ private slots:
         QCOMPARE(rig.sound.played().size(), plays);
     }
 
+    // The demo plant, simulated for ten minutes: the start's round and one round a
+    // minute reach the day's file, each with a field per zone.
+    void demoPlantInSimulation()
+    {
+        PlantRig rig;
+        const QDir demo(QStringLiteral(TELVANE_SOURCE_DIR "/demo/plant"));
+        for (const QString &name : demo.entryList({QStringLiteral("*.ini")}, QDir::Files))
+            QVERIFY(QFile::copy(demo.filePath(name), rig.dir.filePath(name)));
+        Supervisor supervisor(rig.rt);
+        supervisor.setCommunicateWithInstruments(false);
+        supervisor.startUp();
+        QVERIFY(rig.rt.plant.zoneCount() > 0);
+        const int zones = rig.rt.plant.zoneCount();
+
+        supervisor.MenuStart();
+        QVERIFY(supervisor.AcquisitionRunning());
+        for (int tick = 0; tick < 600; ++tick) {
+            rig.clock.advance(1000);
+            supervisor.MonitorCycle();
+        }
+        QVERIFY(supervisor.Timer_Monitor().isActive());
+        QVERIFY(rig.line.requests().isEmpty());
+        QCOMPARE(rig.pause.pauses(), QList<int>(11, 250));
+
+        QFile log(rig.dir.filePath(QStringLiteral("Dati/2026_11_14.csv")));
+        QVERIFY(log.open(QIODevice::ReadOnly));
+        const QList<QByteArray> lines = log.readAll().split('\n');
+        QCOMPARE(lines.size(), 11 + 1);
+        QVERIFY(lines.last().isEmpty());
+        for (int i = 0; i < 11; ++i) {
+            QVERIFY(lines[i].endsWith(";\r"));
+            QCOMPARE(lines[i].count(';'), 1 + zones);
+        }
+    }
+
     void blinkStopsInStandby()
     {
         PlantRig rig;
-        rig.rt.comm.portAvailable = false;
+        rig.rt.editor.comm.portAvailable = false;
         Supervisor supervisor(rig.rt);
         supervisor.load();
         supervisor.armAutoStart(false);
