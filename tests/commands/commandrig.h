@@ -61,23 +61,16 @@ struct CommandRig : PlantRig
 
     // Every write is answered with `echo` in place of the value written; reads go
     // unanswered.
-    void echoWrites(std::function<quint16(const QByteArray &request)> echo)
+    void echoWrites(quint16 echo)
     {
         line.setResponder([echo](const QByteArray &request) -> ScriptedLine::Reply {
             if (request.size() != 8)
                 return {};
-            const quint16 value = echo(request);
             QByteArray reply = request.left(4);
-            reply.append(char(value >> 8));
-            reply.append(char(value & 0xFF));
+            reply.append(char(echo >> 8));
+            reply.append(char(echo & 0xFF));
             return ScriptedLine::Reply().at(ReplyDelayMs, ScriptedLine::withCrc(reply));
         });
-    }
-
-    // The value a write request carries.
-    static quint16 writtenValue(const QByteArray &request)
-    {
-        return quint16(quint8(request[4]) << 8 | quint8(request[5]));
     }
 };
 

@@ -202,26 +202,6 @@ private slots:
         QCOMPARE(rig.rt.values.ZoneValues[0][1], InvalidValue);
         QCOMPARE(rig.rt.values.ZoneValues[1][1], 40.0f);
     }
-
-    // A warning raised from the queue is the same box as from a click.
-    void doubtfulQueuedSwitchWarns()
-    {
-        CommandRig rig;
-        setUpPlant(rig);
-        rig.removeSlave(SwitchSlave);
-        rig.login(true, false);
-        Supervisor supervisor(rig.rt);
-        PlantCommands commands(rig.rt, rig.prompts, supervisor);
-        rig.rt.operatorCommands = &commands;
-        supervisor.SetAcquisitionState(true);
-
-        commands.requestSwitch(0, true);
-        supervisor.MonitorCycle();
-
-        QCOMPARE(rig.prompts.asked().size(), 1);
-        QCOMPARE(rig.prompts.asked().first().title, QStringLiteral("Gestione Interruttore"));
-        QCOMPARE(rig.rt.alarms.FailCount(AlarmItemKind::Switch, 0), 3);
-    }
 };
 
 QTEST_GUILESS_MAIN(TestPlantCommands)

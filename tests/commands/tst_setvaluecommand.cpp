@@ -123,7 +123,7 @@ private slots:
         if (echo < 0)
             rig.line.setResponder({});
         else
-            rig.echoWrites([echo](const QByteArray &) { return quint16(echo); });
+            rig.echoWrites(quint16(echo));
 
         QCOMPARE(SetValueCommand(rig.rt, rig.prompts, Zone, QStringLiteral("21,5")), CommandOutcome::Doubtful);
 

@@ -84,7 +84,7 @@ private slots:
         if (echo == Silent)
             rig.line.setResponder({});
         else
-            rig.echoWrites([echo](const QByteArray &) { return quint16(echo); });
+            rig.echoWrites(quint16(echo));
         for (int i = 0; i < 4; ++i)
             rig.rt.alarms.ReportSwitchFailure(2);
         QSignalSpy refreshes(&rig.rt.synoptic, &SynopticRefresh::switchStatesChanged);
@@ -248,15 +248,6 @@ private slots:
         QCOMPARE(changes.count(), 2);
         QCOMPARE(changes.at(0), (QList<QVariant>{StatusBar::MessagePanel, text}));
         QCOMPARE(changes.at(1), (QList<QVariant>{StatusBar::MessagePanel, QString()}));
-    }
-
-    void switchOutsideThePlant()
-    {
-        CommandRig rig;
-        rig.login(true, false);
-        QTest::ignoreMessage(QtWarningMsg, "No switch with index 10");
-        QCOMPARE(SwitchCommand(rig.rt, rig.prompts, 10, true), CommandOutcome::NotConfigured);
-        QVERIFY(rig.line.requests().isEmpty());
     }
 };
 
