@@ -40,17 +40,22 @@ enum class SwitchSlot : int {
     Count = 12,
 };
 
+// The door opener's values sit one slot later than a switch's. Slots 8 and 11 of both
+// tables, and 4 to 11 of the read table, stay -1: the door has no state registers to
+// read, and its pulse time ("Tempo") is a duration kept beside the tables, not a value
+// for a register. Nothing reads them; a builder that filled them would put nothing on
+// the wire.
 enum class DoorSlot : int {
     Address = 0,
     Decimals = 1,
     RemFunction = 2,
     RemRegister = 3,
-    OnFunction = 4,
-    OnRegister = 5,
-    OffFunction = 6,
-    OffRegister = 7,
-    ValOn = 9,   // write table only
-    ValOff = 10, // write table only
+    OnFunction = 4,  // write table only
+    OnRegister = 5,  // write table only
+    OffFunction = 6, // write table only
+    OffRegister = 7, // write table only
+    ValOn = 9,       // write table only: raw register value written to open
+    ValOff = 10,     // write table only: raw register value written to release
     Count = 12,
 };
 

@@ -48,15 +48,23 @@ Pattern parsePattern(QLatin1String pattern)
 
 } // namespace
 
-qint16 TextToRegister(const QString &text, int decimals)
+std::optional<qint16> registerFromText(const QString &text, int decimals)
 {
+    // Padding alone would turn "" or "," into a 0 nobody typed.
+    if (std::none_of(text.cbegin(), text.cend(), [](QChar c) { return c.isDigit(); }))
+        return std::nullopt;
     const std::optional<double> value = parseNumber(scaledDigits(text, decimals));
     if (!value)
-        return 0;
+        return std::nullopt;
     const double rounded = std::nearbyint(*value);
     if (rounded < -32768.0 || rounded > 32767.0)
-        return 0;
+        return std::nullopt;
     return static_cast<qint16>(rounded);
+}
+
+qint16 TextToRegister(const QString &text, int decimals)
+{
+    return registerFromText(text, decimals).value_or(0);
 }
 
 float TextToValue(const QString &text, int decimals)

@@ -3,12 +3,18 @@
 #include <QString>
 #include <QtGlobal>
 
+#include <optional>
+
 namespace telvane {
 
 // Operator text to the register integer of an instrument with `decimals` implied decimals:
 // "21,5" with 1 decimal is 215. Extra decimals are cut, never rounded. Text that is not a
 // number, or a result outside the 16-bit range, gives 0.
 qint16 TextToRegister(const QString &text, int decimals);
+
+// The same conversion for a caller that must not send a 0 it did not mean: nothing when
+// the text is not a number, holds no digit at all, or the result does not fit 16 bits.
+std::optional<qint16> registerFromText(const QString &text, int decimals);
 
 // The same text as the value the instrument will hold: "21.57" with 1 decimal is 21.5.
 float TextToValue(const QString &text, int decimals);

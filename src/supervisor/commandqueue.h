@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QString>
+
 namespace telvane {
 
 // Operator commands given while acquiring wait here for the next tick of the
@@ -12,8 +14,11 @@ struct CommandQueue
     bool PendingDoorOpen = false;
     int PendingSwitchOff = NoSwitch;
     int PendingSwitchOn = NoSwitch;
-    // The value itself is kept by the set-value command until the tick runs it.
     bool PendingSetValue = false;
+    // What the pending set value writes: the zone and the operator's text, converted
+    // only when the tick runs it.
+    int PendingSetValueZone = -1;
+    QString PendingSetValueText;
 };
 
 } // namespace telvane

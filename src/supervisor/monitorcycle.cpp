@@ -1,6 +1,7 @@
 #include "supervisor/supervisor.h"
 
 #include "supervisor/activitypoll.h"
+#include "supervisor/cycletask.h"
 #include "supervisor/dooroperations.h"
 #include "supervisor/ledoperations.h"
 #include "supervisor/measurementacquisition.h"
@@ -29,6 +30,8 @@ void Supervisor::MonitorCycle()
     bool busy = false;
 
     runPendingCommands(busy);
+    for (CycleTask *task : std::as_const(m_rt.cycleTasks))
+        busy = task->runTick() || busy;
 
     if (isDue(m_rt.editor.comm.remotePeriod)) {
         pollInstruments();

@@ -6,6 +6,7 @@
 #include "storage/chronoschedule.h"
 #include "storage/dailylog.h"
 #include "storage/displayresets.h"
+#include "storage/holidaylist.h"
 #include "storage/inistore.h"
 #include "storage/modesettings.h"
 #include "storage/plantconfig.h"
@@ -20,6 +21,7 @@ namespace telvane {
 
 class ChartSink;
 class Clock;
+class CycleTask;
 class OperatorCommands;
 class Pause;
 class SerialLine;
@@ -44,6 +46,9 @@ struct Runtime
     PlantConfig plant;
     ValueTables values;
     ChronoSchedule chrono;
+    // The holiday dates (`Lst_Festa`), on which the chrono-thermostat runs Sunday's
+    // schedule; loaded with the schedule from the "Crono" files.
+    HolidayList holidays;
     // The register tables, serial settings, line probe and options the editor built.
     EditorState editor;
     ModbusMaster master;
@@ -70,6 +75,9 @@ struct Runtime
     // the queued commands are dropped.
     ChartSink *chart = nullptr;
     OperatorCommands *operatorCommands = nullptr;
+    // Run by every monitoring tick, in this order (the chrono-thermostat, the clock
+    // alignment); owned by the caller.
+    QList<CycleTask *> cycleTasks;
 };
 
 // The editor's full rebuild over this runtime: plant, lists, tables, serial settings

@@ -1,5 +1,6 @@
 #include "supervisor/supervisor.h"
 
+#include "supervisor/cycletask.h"
 #include "supervisor/measurementacquisition.h"
 #include "supervisor/runtime.h"
 #include "supervisor/switchoperations.h"
@@ -75,6 +76,8 @@ void Supervisor::SetAcquisitionState(bool on)
         setButtonImage(AcquiringImage);
         m_rt.statusBar.setPanel(StatusBar::StatePanel, QStringLiteral("Acquisizione"));
         m_monitorTimer.start(m_monitorIntervalMs);
+        for (CycleTask *task : std::as_const(m_rt.cycleTasks))
+            task->acquisitionStarted();
     } else {
         setButtonImage(StandbyImage);
         m_rt.statusBar.setPanel(StatusBar::StatePanel, QStringLiteral("Standby"));

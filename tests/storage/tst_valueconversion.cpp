@@ -46,6 +46,38 @@ private slots:
         QCOMPARE(int(TextToRegister(text, decimals)), expected);
     }
 
+    // The checked conversion tells a real 0 from text that could not be converted.
+    void registerFromText_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<int>("decimals");
+        QTest::addColumn<bool>("converted");
+        QTest::addColumn<int>("expected");
+        QTest::newRow("zero is a value") << "0" << 1 << true << 0;
+        QTest::newRow("negative zero") << "-0,0" << 1 << true << 0;
+        QTest::newRow("comma") << "21,5" << 1 << true << 215;
+        QTest::newRow("point") << "21.5" << 1 << true << 215;
+        QTest::newRow("largest register") << "3276,7" << 1 << true << 32767;
+        QTest::newRow("overflow") << "3276,8" << 1 << false << 0;
+        QTest::newRow("negative overflow") << "-3276,9" << 1 << false << 0;
+        QTest::newRow("not a number") << "abc" << 1 << false << 0;
+        QTest::newRow("empty") << "" << 0 << false << 0;
+        QTest::newRow("empty with decimals") << "" << 1 << false << 0;
+        QTest::newRow("separator alone") << "," << 1 << false << 0;
+        QTest::newRow("sign alone") << "-" << 1 << false << 0;
+    }
+    void registerFromText()
+    {
+        QFETCH(QString, text);
+        QFETCH(int, decimals);
+        QFETCH(bool, converted);
+        QFETCH(int, expected);
+        const std::optional<qint16> value = telvane::registerFromText(text, decimals);
+        QCOMPARE(value.has_value(), converted);
+        if (converted)
+            QCOMPARE(int(*value), expected);
+    }
+
     void textToValue_data()
     {
         QTest::addColumn<QString>("text");

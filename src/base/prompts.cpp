@@ -1,0 +1,27 @@
+#include "base/prompts.h"
+
+namespace telvane {
+
+bool RecordingPrompts::question(const QString &title, const QString &text)
+{
+    m_asked.append({Kind::Question, title, text});
+    return m_questionAnswers.isEmpty() ? false : m_questionAnswers.takeFirst();
+}
+
+void RecordingPrompts::warning(const QString &title, const QString &text)
+{
+    m_asked.append({Kind::Warning, title, text});
+}
+
+void RecordingPrompts::information(const QString &title, const QString &text)
+{
+    m_asked.append({Kind::Information, title, text});
+}
+
+std::optional<QString> RecordingPrompts::textInput(const QString &title, const QString &prompt, const QString &)
+{
+    m_asked.append({Kind::TextInput, title, prompt});
+    return m_textAnswers.isEmpty() ? std::nullopt : m_textAnswers.takeFirst();
+}
+
+} // namespace telvane
