@@ -1,85 +1,77 @@
-#include "plantrig.h"
+#include "support/runtimefixture.h"
 
 #include "supervisor/supervisor.h"
 
 #include <QDir>
 #include <QFile>
-#include <QLoggingCategory>
 #include <QSignalSpy>
+#include <QLoggingCategory>
 #include <QTest>
 
 using namespace telvane;
+
+Q_DECLARE_METATYPE(telvane::UserLevel)
+
+namespace {
+
+// A loaded supervisor over one zone whose instrument answers all five quantities.
+struct SupervisorFixture : RuntimeFixture
+{
+    Supervisor supervisor{rt};
+
+    SupervisorFixture()
+    {
+        rt.plant.zones.resize(1);
+        setRow(rt.editor.tables.ZoneReadTable, 0, {1, 1, -1, -1, 3, 0, 3, 1, 3, 2, 3, 3, 3, 4});
+        for (int k = 0; k < 5; ++k)
+            setValue(1, 3, k, 200);
+        supervisor.load();
+    }
+};
+
+// The acquisition button's image after each of `phases` blink phases.
+QList<int> blinkImages(Supervisor &supervisor, int phases)
+{
+    QList<int> images;
+    for (int i = 0; i < phases; ++i) {
+        supervisor.Timer_LampeggioTick();
+        images.append(supervisor.acquisitionButtonImage());
+    }
+    return images;
+}
+
+} // namespace
 
 class TestSupervisor : public QObject
 {
     Q_OBJECT
 
-private:
-    // One zone that answers, read in simulation or over the line.
-    static void setUpZone(PlantRig &rig)
-    {
-        rig.rt.plant.zones.resize(1);
-        configureZone(rig.rt, 0, 1, 1, {{3, 0}, {3, 1}, {3, 2}, {3, 3}, {3, 4}});
-        for (int k = 0; k < 5; ++k)
-            rig.setValue(1, 3, k, 200);
-    }
-
-    static QStringList messagesOf(StatusBar &bar, const std::function<void()> &action)
-    {
-        QStringList texts;
-        QMetaObject::Connection c =
-            QObject::connect(&bar, &StatusBar::panelChanged, [&texts](int panel, const QString &text) {
-                if (panel == StatusBar::MessagePanel)
-                    texts.append(text);
-            });
-        action();
-        QObject::disconnect(c);
-        return texts;
-    }
-
 private slots:
     void initTestCase() { QLoggingCategory::setFilterRules(QStringLiteral("telvane.fieldbus.debug=false")); }
 
-    void loadPreparesStandby()
+    void load()
     {
-        PlantRig rig;
-        rig.rt.alarms.ReportSwitchFailure(0);
-        Supervisor supervisor(rig.rt);
+        RuntimeFixture fx;
+        fx.rt.alarms.ReportSwitchFailure(0);
+        Supervisor supervisor(fx.rt);
         supervisor.load();
 
-        QCOMPARE(rig.rt.statusBar.panel(StatusBar::StatePanel), QStringLiteral("Standby"));
-        QCOMPARE(rig.rt.statusBar.panel(StatusBar::ActivityPanel), QString());
-        QCOMPARE(rig.rt.statusBar.panel(StatusBar::MessagePanel), QString());
+        QCOMPARE(fx.rt.statusBar.panel(StatusBar::StatePanel), QStringLiteral("Standby"));
         QCOMPARE(supervisor.acquisitionButtonImage(), Supervisor::StandbyImage);
         QVERIFY(!supervisor.AcquisitionRunning());
         QVERIFY(supervisor.AutoStartPending());
-        QCOMPARE(supervisor.CycleCounter(), 0);
-        QCOMPARE(rig.rt.alarms.FailCount(AlarmItemKind::Switch, 0), 0);
-
+        QCOMPARE(fx.rt.alarms.FailCount(AlarmItemKind::Switch, 0), 0);
         QCOMPARE(supervisor.Timer_Monitor().interval(), 1000);
         QCOMPARE(supervisor.Timer_Lampeggio().interval(), 700);
         QCOMPARE(supervisor.TimerAutoStart().interval(), 10000);
         QVERIFY(supervisor.TimerAutoStart().isSingleShot());
-        QVERIFY(!supervisor.Timer_Monitor().isActive());
-        QVERIFY(!supervisor.Timer_Lampeggio().isActive());
-        QVERIFY(!supervisor.TimerAutoStart().isActive());
-
+        QVERIFY(!supervisor.Timer_Monitor().isActive() && !supervisor.TimerAutoStart().isActive());
         for (const char *folder : {"Dati", "Crono", "Ricetta"})
-            QVERIFY2(QDir(rig.dir.filePath(QLatin1String(folder))).exists(), folder);
-        QCOMPARE(rig.rt.mode.CurrentIniName, QStringLiteral("Telvane2.ini"));
+            QVERIFY2(QDir(fx.dir.filePath(QLatin1String(folder))).exists(), folder);
+        QCOMPARE(fx.rt.mode.CurrentIniName, QStringLiteral("Telvane2.ini"));
     }
 
-    void loadReadsTheCivilMode()
-    {
-        PlantRig rig;
-        QVERIFY(rig.rt.ini.WriteModeKey(QStringLiteral("Generale"), QStringLiteral("Modo"), QStringLiteral("1")));
-        Supervisor supervisor(rig.rt);
-        supervisor.load();
-        QVERIFY(rig.rt.mode.CivilMode);
-        QCOMPARE(rig.rt.ini.currentIniName(), QStringLiteral("Telvane1.ini"));
-    }
-
-    void startUpLoadsThePlantAndArmsTheStart_data()
+    void startUp_data()
     {
         QTest::addColumn<QString>("autoAvvio");
         QTest::addColumn<QString>("grafico");
@@ -88,37 +80,29 @@ private slots:
         QTest::newRow("both options off") << "0" << "0" << true;
         QTest::newRow("no port") << "0" << "1" << false;
     }
-
-    void startUpLoadsThePlantAndArmsTheStart()
+    void startUp()
     {
         QFETCH(QString, autoAvvio);
         QFETCH(QString, grafico);
         QFETCH(bool, portOpens);
-
-        PlantRig rig;
-        rig.line.setOpenRefused(!portOpens);
-        const QString general = QStringLiteral("Generale");
-        const QString zone = QStringLiteral("Zona 01");
-        IniStore &ini = rig.rt.ini;
-        QVERIFY(ini.WriteIniKey(general, QStringLiteral("Zone"), QStringLiteral("1")));
-        QVERIFY(ini.WriteIniKey(general, QStringLiteral("AutoAvvio"), autoAvvio));
-        QVERIFY(ini.WriteIniKey(general, QStringLiteral("Grafico"), grafico));
-        QVERIFY(ini.WriteIniKey(zone, QStringLiteral("Nome"), QStringLiteral("Soggiorno")));
-        QVERIFY(ini.WriteIniKey(zone, QStringLiteral("Indirizzo"), QStringLiteral("5")));
-        QVERIFY(ini.WriteIniKey(zone, QStringLiteral("PV_r"), QStringLiteral("3,40001")));
-        QVERIFY(ini.WriteIniKey(QStringLiteral("COM"), QStringLiteral("Porta"), QStringLiteral("2")));
-        Supervisor supervisor(rig.rt);
+        RuntimeFixture fx;
+        fx.line.setOpenRefused(!portOpens);
+        QFile ini(fx.dir.filePath(QStringLiteral("Telvane2.ini")));
+        QVERIFY(ini.open(QIODevice::WriteOnly));
+        ini.write(QStringLiteral("[Generale]\nZone=1\nAutoAvvio=%1\nGrafico=%2\n[Zona 01]\nIndirizzo=5\nPV_r=3,40001\n"
+                                 "[COM]\nPorta=2\n")
+                      .arg(autoAvvio, grafico)
+                      .toUtf8());
+        ini.close();
+        Supervisor supervisor(fx.rt);
 
         supervisor.startUp();
-        QCOMPARE(rig.rt.plant.zoneCount(), 1);
-        QCOMPARE(rig.rt.editor.tables.ZoneReadTable.at(0, ZoneSlot::Address), 5);
-        QCOMPARE(rig.rt.ChartLoggingOption, grafico == QLatin1String("1"));
+        QCOMPARE(fx.rt.editor.tables.ZoneReadTable.at(0, ZoneSlot::Address), 5);
+        QCOMPARE(fx.rt.ChartLoggingOption, grafico == QLatin1String("1"));
         QCOMPARE(supervisor.TimerAutoStart().isActive(), autoAvvio == QLatin1String("1"));
         QCOMPARE(supervisor.SerialPortOpen(), portOpens);
-        QCOMPARE(rig.rt.statusBar.panel(StatusBar::PortPanel),
-                 portOpens ? QStringLiteral("COM2:9600,N,8,1") : QStringLiteral("Nessuna COM"));
-        QCOMPARE(rig.rt.statusBar.panel(StatusBar::MessagePanel),
-                 autoAvvio == QLatin1String("1") ? QStringLiteral("Avvio in corso...") : QString());
+        QCOMPARE(fx.rt.statusBar.panel(StatusBar::PortPanel), QString(portOpens ? "COM2:9600,N,8,1" : "Nessuna COM"));
+        QCOMPARE(fx.rt.statusBar.panel(StatusBar::MessagePanel), QString(autoAvvio == "1" ? "Avvio in corso..." : ""));
     }
 
     void acquisitionState_data()
@@ -129,358 +113,239 @@ private slots:
         QTest::newRow("on") << true << "Acquisizione" << 4;
         QTest::newRow("off") << false << "Standby" << 3;
     }
-
     void acquisitionState()
     {
         QFETCH(bool, on);
         QFETCH(QString, state);
         QFETCH(int, image);
-
-        PlantRig rig;
-        Supervisor supervisor(rig.rt);
-        supervisor.load();
+        SupervisorFixture fx;
+        Supervisor &supervisor = fx.supervisor;
         supervisor.SetAcquisitionState(!on);
         supervisor.SetAlarmBlink(true);
-        rig.rt.statusBar.setPanel(StatusBar::ActivityPanel, QStringLiteral("Remoto..."));
-        rig.rt.statusBar.setPanel(StatusBar::MessagePanel, QStringLiteral("Accensione..."));
+        fx.rt.statusBar.setPanel(StatusBar::ActivityPanel, QStringLiteral("Remoto..."));
+        fx.rt.statusBar.setPanel(StatusBar::MessagePanel, QStringLiteral("Accensione..."));
         QSignalSpy changed(&supervisor, &Supervisor::acquisitionStateChanged);
 
         supervisor.SetAcquisitionState(on);
         QCOMPARE(supervisor.AcquisitionRunning(), on);
         QCOMPARE(changed.size(), 1);
-        QCOMPARE(rig.rt.statusBar.panel(StatusBar::StatePanel), state);
-        QCOMPARE(rig.rt.statusBar.panel(StatusBar::ActivityPanel), QString());
-        QCOMPARE(rig.rt.statusBar.panel(StatusBar::MessagePanel), QString());
+        QCOMPARE(fx.rt.statusBar.panel(StatusBar::StatePanel), state);
+        QCOMPARE(fx.rt.statusBar.panel(StatusBar::ActivityPanel), QString());
+        QCOMPARE(fx.rt.statusBar.panel(StatusBar::MessagePanel), QString());
         QCOMPARE(supervisor.acquisitionButtonImage(), image);
         QCOMPARE(supervisor.Timer_Monitor().isActive(), on);
-        if (!on)
-            QVERIFY(!supervisor.Timer_Lampeggio().isActive());
+        QCOMPARE(supervisor.Timer_Lampeggio().isActive(), on);
     }
 
-    void startNeedsAPortOnlyWhenCommunicating_data()
+    // Start reads every zone once, Reload only while acquiring; both need an open port
+    // only to talk to the instruments.
+    void startAndReload_data()
     {
+        QTest::addColumn<bool>("reload");
+        QTest::addColumn<bool>("acquiring");
         QTest::addColumn<bool>("communicate");
         QTest::addColumn<bool>("portOpen");
-        QTest::addColumn<bool>("starts");
-        QTest::newRow("simulation without port") << false << false << true;
-        QTest::newRow("communicate with port") << true << true << true;
-        QTest::newRow("communicate without port") << true << false << false;
+        QTest::addColumn<int>("requests"); // -1: the command does nothing
+        QTest::newRow("start, simulation without port") << false << false << false << false << 0;
+        QTest::newRow("start, communicating") << false << false << true << true << 5;
+        QTest::newRow("start, communicating without port") << false << false << true << false << -1;
+        QTest::newRow("reload in standby") << true << false << true << true << -1;
+        QTest::newRow("reload while acquiring") << true << true << true << true << 5;
+        QTest::newRow("reload, port gone") << true << true << true << false << -1;
     }
-
-    void startNeedsAPortOnlyWhenCommunicating()
+    void startAndReload()
     {
+        QFETCH(bool, reload);
+        QFETCH(bool, acquiring);
         QFETCH(bool, communicate);
         QFETCH(bool, portOpen);
-        QFETCH(bool, starts);
-
-        PlantRig rig;
-        setUpZone(rig);
-        rig.rt.editor.comm.portAvailable = portOpen;
-        Supervisor supervisor(rig.rt);
-        supervisor.load();
-        supervisor.setCommunicateWithInstruments(communicate);
-        QCOMPARE(supervisor.CommunicateWithInstruments(), communicate);
-        QCOMPARE(supervisor.SerialPortOpen(), portOpen);
-        rig.rt.values.ZoneValues[0][0] = InvalidValue;
-
-        supervisor.MenuStart();
-        QCOMPARE(supervisor.AcquisitionRunning(), starts);
-        QCOMPARE(rig.rt.statusBar.panel(StatusBar::StatePanel), starts ? QString("Acquisizione") : QString("Standby"));
-        QCOMPARE(rig.line.requests().size(), communicate && starts ? 5 : 0);
-        QCOMPARE(rig.rt.values.ZoneValues[0][0] != InvalidValue, starts);
-    }
-
-    void startResumesThePendingAlarmAndLocksTheEditor()
-    {
-        PlantRig rig;
-        setUpZone(rig);
-        rig.rt.EditorOpen = true;
-        Supervisor supervisor(rig.rt);
-        supervisor.load();
-        for (int i = 0; i < 6; ++i)
-            rig.rt.alarms.ReportLedFailure(2);
-        supervisor.SetAlarmBlink(false);
-        QSignalSpy editor(&supervisor, &Supervisor::editorFrameEnabledRequested);
-
-        supervisor.MenuStart();
-        QVERIFY(supervisor.AlarmBlinkActive());
-        QVERIFY(supervisor.Timer_Lampeggio().isActive());
-        QCOMPARE(editor.size(), 1);
-        QCOMPARE(editor.first().first().toBool(), false);
-    }
-
-    void stopClearsDisplaysAndUnlocksForAdministrators_data()
-    {
-        QTest::addColumn<bool>("administrator");
-        QTest::addColumn<bool>("technician");
-        QTest::addColumn<int>("unlocks");
-        QTest::newRow("administrator") << true << false << 1;
-        QTest::newRow("technician") << false << true << 0;
-        QTest::newRow("anonymous") << false << false << 0;
-    }
-
-    void stopClearsDisplaysAndUnlocksForAdministrators()
-    {
-        QFETCH(bool, administrator);
-        QFETCH(bool, technician);
-        QFETCH(int, unlocks);
-
-        PlantRig rig;
-        setUpZone(rig);
-        rig.rt.EditorOpen = true;
-        rig.rt.user = {technician, administrator};
-        Supervisor supervisor(rig.rt);
-        supervisor.load();
-        supervisor.MenuStart();
-        supervisor.SetAlarmBlink(true);
-        rig.rt.items.switches[0] = SwitchState::On;
-        rig.rt.items.leds[1].lit = true;
-        QSignalSpy zonesReset(&rig.rt.displayResets, &DisplayResets::ResetZoneDisplays);
-        QSignalSpy indicatorsReset(&rig.rt.displayResets, &DisplayResets::ResetIndicatorDisplays);
-        QSignalSpy editor(&supervisor, &Supervisor::editorFrameEnabledRequested);
-
-        supervisor.MenuStop();
-        QVERIFY(!supervisor.AcquisitionRunning());
-        QVERIFY(!supervisor.AlarmBlinkActive());
-        QCOMPARE(supervisor.acquisitionButtonImage(), Supervisor::StandbyImage);
-        QCOMPARE(zonesReset.size(), 1);
-        QCOMPARE(indicatorsReset.size(), 1);
-        QCOMPARE(rig.rt.items.switches[0], SwitchState::Undetermined);
-        QVERIFY(!rig.rt.items.leds[1].lit);
-        QCOMPARE(editor.size(), unlocks);
-        if (unlocks)
-            QCOMPARE(editor.first().first().toBool(), true);
-    }
-
-    void reloadOnlyWhileAcquiring_data()
-    {
-        QTest::addColumn<bool>("acquiring");
-        QTest::addColumn<bool>("portOpen");
-        QTest::addColumn<int>("requests");
-        QTest::newRow("standby: nothing") << false << true << 0;
-        QTest::newRow("acquiring: reads again") << true << true << 5;
-        QTest::newRow("acquiring, port gone: nothing") << true << false << 0;
-    }
-
-    void reloadOnlyWhileAcquiring()
-    {
-        QFETCH(bool, acquiring);
-        QFETCH(bool, portOpen);
         QFETCH(int, requests);
-
-        PlantRig rig;
-        setUpZone(rig);
-        Supervisor supervisor(rig.rt);
-        supervisor.load();
+        SupervisorFixture fx;
         if (acquiring)
-            supervisor.MenuStart();
-        rig.takeRequests();
-        rig.rt.editor.comm.portAvailable = portOpen;
-        QSignalSpy changed(&supervisor, &Supervisor::acquisitionStateChanged);
+            fx.supervisor.MenuStart();
+        fx.takeRequests();
+        fx.rt.values.ZoneValues[0][0] = InvalidValue;
+        fx.rt.editor.comm.portAvailable = portOpen;
+        fx.supervisor.setCommunicateWithInstruments(communicate);
+        QSignalSpy changed(&fx.supervisor, &Supervisor::acquisitionStateChanged);
 
-        supervisor.MenuRileggi();
-        QCOMPARE(rig.takeRequests().size(), requests);
-        QCOMPARE(supervisor.AcquisitionRunning(), acquiring);
-        QCOMPARE(changed.size(), requests > 0 ? 2 : 0);
-        QCOMPARE(supervisor.Timer_Monitor().isActive(), acquiring);
+        reload ? fx.supervisor.MenuRileggi() : fx.supervisor.MenuStart();
+        QCOMPARE(fx.takeRequests().size(), std::max(requests, 0));
+        QCOMPARE(fx.rt.values.ZoneValues[0][0] != InvalidValue, requests >= 0);
+        QCOMPARE(fx.supervisor.AcquisitionRunning(), acquiring || requests >= 0);
+        QCOMPARE(fx.supervisor.Timer_Monitor().isActive(), acquiring || requests >= 0);
+        QCOMPARE(changed.size(), requests < 0 ? 0 : reload ? 2 : 1);
+    }
+
+    // A start with an alarm pending blinks again and locks the open editor.
+    void startResumesTheAlarmAndLocksTheEditor()
+    {
+        SupervisorFixture fx;
+        fx.rt.EditorOpen = true;
+        for (int i = 0; i < 6; ++i)
+            fx.rt.alarms.ReportLedFailure(2);
+        fx.supervisor.SetAlarmBlink(false);
+        QSignalSpy editor(&fx.supervisor, &Supervisor::editorFrameEnabledRequested);
+
+        fx.supervisor.MenuStart();
+        QVERIFY(fx.supervisor.AlarmBlinkActive());
+        QVERIFY(fx.supervisor.Timer_Lampeggio().isActive());
+        QCOMPARE(QList<QVariantList>(editor), QList<QVariantList>{{false}});
+    }
+
+    void stop_data()
+    {
+        QTest::addColumn<UserLevel>("user");
+        QTest::addColumn<QList<QVariantList>>("editorRequests");
+        QTest::newRow("administrator") << UserLevel{false, true} << QList<QVariantList>{{true}};
+        QTest::newRow("technician") << UserLevel{true, false} << QList<QVariantList>{};
+        QTest::newRow("anonymous") << UserLevel{false, false} << QList<QVariantList>{};
+    }
+    // The displays are cleared; only an administrator gets the editor back.
+    void stop()
+    {
+        QFETCH(UserLevel, user);
+        QFETCH(QList<QVariantList>, editorRequests);
+        SupervisorFixture fx;
+        fx.rt.EditorOpen = true;
+        fx.rt.user = user;
+        fx.supervisor.MenuStart();
+        fx.supervisor.SetAlarmBlink(true);
+        fx.rt.items.switches[0] = SwitchState::On;
+        fx.rt.items.leds[1].lit = true;
+        QSignalSpy zonesReset(&fx.rt.displayResets, &DisplayResets::ResetZoneDisplays);
+        QSignalSpy editor(&fx.supervisor, &Supervisor::editorFrameEnabledRequested);
+
+        fx.supervisor.MenuStop();
+        QVERIFY(!fx.supervisor.AcquisitionRunning());
+        QVERIFY(!fx.supervisor.AlarmBlinkActive());
+        QCOMPARE(fx.supervisor.acquisitionButtonImage(), Supervisor::StandbyImage);
+        QCOMPARE(zonesReset.size(), 1);
+        QCOMPARE(fx.rt.items.switches[0], SwitchState::Undetermined);
+        QVERIFY(!fx.rt.items.leds[1].lit);
+        QCOMPARE(QList<QVariantList>(editor), editorRequests);
     }
 
     void refusalsWhileAcquiring_data()
     {
         QTest::addColumn<int>("command");
         QTest::addColumn<bool>("acquiring");
-        QTest::addColumn<bool>("proceeds");
-
         const char *names[] = {"exit", "about", "season"};
         for (int command = 0; command < 3; ++command) {
-            QTest::addRow("%s while acquiring", names[command]) << command << true << false;
-            QTest::addRow("%s in standby", names[command]) << command << false << true;
+            QTest::addRow("%s while acquiring", names[command]) << command << true;
+            QTest::addRow("%s in standby", names[command]) << command << false;
         }
     }
-
     void refusalsWhileAcquiring()
     {
         QFETCH(int, command);
         QFETCH(bool, acquiring);
-        QFETCH(bool, proceeds);
-
-        PlantRig rig;
-        rig.rt.master.setCommunicate(false);
-        Supervisor supervisor(rig.rt);
-        supervisor.load();
+        SupervisorFixture fx;
+        fx.rt.master.setCommunicate(false);
         if (acquiring)
-            supervisor.MenuStart();
-        rig.pause.clear();
+            fx.supervisor.MenuStart();
+        fx.pause.clear();
+        fx.panelTexts[StatusBar::MessagePanel].clear();
 
-        bool result = false;
-        const QStringList messages = messagesOf(rig.rt.statusBar, [&] {
-            switch (command) {
-            case 0:
-                result = supervisor.MenuFine();
-                break;
-            case 1:
-                result = supervisor.MenuAbout();
-                break;
-            default:
-                result = supervisor.MenuStagione();
-                break;
-            }
-        });
-        QCOMPARE(result, proceeds);
-        QCOMPARE(messages, proceeds ? QStringList() : QStringList({"Operazione non permessa", ""}));
-        QCOMPARE(rig.pause.pauses(), proceeds ? QList<int>{} : QList<int>{500});
-        QCOMPARE(supervisor.AcquisitionRunning(), acquiring);
+        const std::function<bool()> commands[] = {[&] { return fx.supervisor.MenuFine(); },
+                                                  [&] { return fx.supervisor.MenuAbout(); },
+                                                  [&] { return fx.supervisor.MenuStagione(); }};
+        QCOMPARE(commands[command](), !acquiring);
+        QCOMPARE(fx.panelTexts[StatusBar::MessagePanel],
+                 (acquiring ? QStringList{"Operazione non permessa", ""} : QStringList{}));
+        QCOMPARE(fx.pause.pauses(), acquiring ? QList<int>{500} : QList<int>{});
+        QCOMPARE(fx.supervisor.AcquisitionRunning(), acquiring);
     }
 
+    // While the automatic start is pending the button blinks every 350 ms, then every 700 ms.
     void automaticStart()
     {
-        PlantRig rig;
-        rig.rt.master.setCommunicate(false);
-        setUpZone(rig);
-        Supervisor supervisor(rig.rt);
-        supervisor.load();
-
+        SupervisorFixture fx;
+        Supervisor &supervisor = fx.supervisor;
+        fx.rt.master.setCommunicate(false);
         supervisor.armAutoStart(true);
         QVERIFY(supervisor.TimerAutoStart().isActive());
-        QCOMPARE(supervisor.TimerAutoStart().interval(), 10000);
-        QVERIFY(supervisor.AlarmBlinkActive());
         QCOMPARE(supervisor.Timer_Lampeggio().interval(), 350);
+        QCOMPARE(fx.rt.statusBar.panel(StatusBar::MessagePanel), QStringLiteral("Avvio in corso..."));
+        QCOMPARE(blinkImages(supervisor, 4), (QList<int>{3, 4, 3, 4}));
         QVERIFY(supervisor.Timer_Lampeggio().isActive());
-        QCOMPARE(rig.rt.statusBar.panel(StatusBar::MessagePanel), QStringLiteral("Avvio in corso..."));
-
-        // While pending, the button blinks in standby.
-        QList<int> images;
-        for (int i = 0; i < 4; ++i) {
-            supervisor.Timer_LampeggioTick();
-            images.append(supervisor.acquisitionButtonImage());
-            QVERIFY(supervisor.Timer_Lampeggio().isActive());
-        }
-        QCOMPARE(images, (QList<int>{3, 4, 3, 4}));
 
         supervisor.TimerAutoStartTick();
-        QVERIFY(!supervisor.TimerAutoStart().isActive());
         QVERIFY(!supervisor.AutoStartPending());
         QVERIFY(supervisor.AcquisitionRunning());
         QVERIFY(!supervisor.AlarmBlinkActive());
         QCOMPARE(supervisor.Timer_Lampeggio().interval(), 700);
         QCOMPARE(supervisor.acquisitionButtonImage(), Supervisor::AcquiringImage);
-        QCOMPARE(rig.rt.statusBar.panel(StatusBar::MessagePanel), QString());
-        QCOMPARE(rig.rt.statusBar.panel(StatusBar::StatePanel), QStringLiteral("Acquisizione"));
+        QCOMPARE(fx.rt.statusBar.panel(StatusBar::MessagePanel), QString());
     }
 
-    void noAutomaticStartWhenTheOptionIsOff()
-    {
-        PlantRig rig;
-        Supervisor supervisor(rig.rt);
-        supervisor.load();
-        supervisor.armAutoStart(false);
-        QVERIFY(!supervisor.TimerAutoStart().isActive());
-        QVERIFY(!supervisor.AlarmBlinkActive());
-        QCOMPARE(rig.rt.statusBar.panel(StatusBar::MessagePanel), QString());
-    }
-
+    // The sixth failure blinks the button and plays the sound on every other phase;
+    // acknowledging ends both.
     void alarmBlinkAndSound_data()
     {
         QTest::addColumn<QString>("sound");
-        QTest::addColumn<int>("plays");
-        QTest::newRow("sound configured") << "allarme.wav" << 2;
-        QTest::newRow("no sound") << "" << 0;
+        QTest::newRow("sound configured") << "allarme.wav";
+        QTest::newRow("no sound") << "";
     }
-
     void alarmBlinkAndSound()
     {
         QFETCH(QString, sound);
-        QFETCH(int, plays);
-
-        PlantRig rig;
-        rig.rt.master.setCommunicate(false);
-        rig.rt.plant.synoptic.alarmSound = sound;
-        Supervisor supervisor(rig.rt);
-        supervisor.load();
-        supervisor.armAutoStart(false);
+        SupervisorFixture fx;
+        Supervisor &supervisor = fx.supervisor;
+        fx.rt.master.setCommunicate(false);
+        fx.rt.plant.synoptic.alarmSound = sound;
         supervisor.TimerAutoStartTick(); // acquiring, as after the automatic start
         QVERIFY(!supervisor.Timer_Lampeggio().isActive());
-        rig.rt.plant.zones.resize(5);
-        rig.rt.plant.zones[4].name = QStringLiteral("Cucina");
 
         for (int i = 0; i < 6; ++i)
-            rig.rt.alarms.ReportZoneFailure(4);
-        QVERIFY(supervisor.AlarmPending());
-        QCOMPARE(rig.rt.alarms.zoneEntries(), QStringList{"Cucina (14/11/2026 22:20:09)"});
+            fx.rt.alarms.ReportZoneFailure(0);
         QVERIFY(supervisor.AlarmBlinkActive());
         QVERIFY(supervisor.Timer_Lampeggio().isActive());
-        QCOMPARE(supervisor.Timer_Lampeggio().interval(), 700);
+        QCOMPARE(blinkImages(supervisor, 3), (QList<int>{3, 4, 3}));
+        const QString played = fx.dir.filePath(QStringLiteral("allarme.wav"));
+        QCOMPARE(fx.sound.played(), (sound.isEmpty() ? QStringList{} : QStringList{played, played}));
 
-        QList<int> images;
-        for (int i = 0; i < 4; ++i) {
-            supervisor.Timer_LampeggioTick();
-            images.append(supervisor.acquisitionButtonImage());
-            QCOMPARE(supervisor.BlinkPhase(), i % 2 == 0);
-        }
-        QCOMPARE(images, (QList<int>{3, 4, 3, 4}));
-        QCOMPARE(rig.sound.played().size(), plays);
-        if (plays)
-            QCOMPARE(rig.sound.played().first(), rig.dir.filePath(QStringLiteral("allarme.wav")));
-
-        // Acknowledged: the button shows the state again and the blink ends.
         supervisor.ResetAlarms();
         QVERIFY(!supervisor.AlarmPending());
-        QVERIFY(!supervisor.AlarmBlinkActive());
         QCOMPARE(supervisor.acquisitionButtonImage(), Supervisor::AcquiringImage);
         supervisor.Timer_LampeggioTick();
         QVERIFY(!supervisor.Timer_Lampeggio().isActive());
         QCOMPARE(supervisor.acquisitionButtonImage(), Supervisor::AcquiringImage);
-        QCOMPARE(rig.sound.played().size(), plays);
+
+        // Neither acquiring nor about to start: a blink stops at its next phase.
+        supervisor.MenuStop();
+        supervisor.SetAlarmBlink(true);
+        supervisor.Timer_LampeggioTick();
+        QVERIFY(!supervisor.Timer_Lampeggio().isActive());
     }
 
-    // The demo plant, simulated for ten minutes: the start's round and one round a
-    // minute reach the day's file, each with a field per zone.
+    // The demo plant simulated for ten minutes: the start's round and one a minute reach
+    // the day's file, each with a field per zone.
     void demoPlantInSimulation()
     {
-        PlantRig rig;
+        RuntimeFixture fx;
         const QDir demo(QStringLiteral(TELVANE_SOURCE_DIR "/demo/plant"));
         for (const QString &name : demo.entryList({QStringLiteral("*.ini")}, QDir::Files))
-            QVERIFY(QFile::copy(demo.filePath(name), rig.dir.filePath(name)));
-        Supervisor supervisor(rig.rt);
+            QVERIFY(QFile::copy(demo.filePath(name), fx.dir.filePath(name)));
+        Supervisor supervisor(fx.rt);
         supervisor.setCommunicateWithInstruments(false);
         supervisor.startUp();
-        QVERIFY(rig.rt.plant.zoneCount() > 0);
-        const int zones = rig.rt.plant.zoneCount();
+        const int zones = fx.rt.plant.zoneCount();
+        QVERIFY(zones > 0);
 
         supervisor.MenuStart();
-        QVERIFY(supervisor.AcquisitionRunning());
         for (int tick = 0; tick < 600; ++tick) {
-            rig.clock.advance(1000);
+            fx.clock.advance(1000);
             supervisor.MonitorCycle();
         }
-        QVERIFY(supervisor.Timer_Monitor().isActive());
-        QVERIFY(rig.line.requests().isEmpty());
-        QCOMPARE(rig.pause.pauses(), QList<int>(11, 250));
-
-        QFile log(rig.dir.filePath(QStringLiteral("Dati/2026_11_14.csv")));
+        QVERIFY(fx.line.requests().isEmpty());
+        QCOMPARE(fx.pause.pauses(), QList<int>(11, 250));
+        QFile log(fx.dir.filePath(QStringLiteral("Dati/2026_11_14.csv")));
         QVERIFY(log.open(QIODevice::ReadOnly));
         const QList<QByteArray> lines = log.readAll().split('\n');
         QCOMPARE(lines.size(), 11 + 1);
-        QVERIFY(lines.last().isEmpty());
-        for (int i = 0; i < 11; ++i) {
-            QVERIFY(lines[i].endsWith(";\r"));
-            QCOMPARE(lines[i].count(';'), 1 + zones);
-        }
-    }
-
-    void blinkStopsInStandby()
-    {
-        PlantRig rig;
-        rig.rt.editor.comm.portAvailable = false;
-        Supervisor supervisor(rig.rt);
-        supervisor.load();
-        supervisor.armAutoStart(false);
-        supervisor.TimerAutoStartTick(); // no longer pending; the port is missing, so standby
-        QVERIFY(!supervisor.AcquisitionRunning());
-        supervisor.SetAlarmBlink(true);
-        supervisor.Timer_LampeggioTick();
-        QCOMPARE(supervisor.acquisitionButtonImage(), Supervisor::StandbyImage);
-        QVERIFY(!supervisor.Timer_Lampeggio().isActive());
+        for (int i = 0; i < 11; ++i)
+            QVERIFY(lines[i].endsWith(";\r") && lines[i].count(';') == 1 + zones);
     }
 };
 
