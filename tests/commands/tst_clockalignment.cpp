@@ -1,4 +1,4 @@
-#include "commandrig.h"
+#include "support/runtimefixture.h"
 
 #include "commands/clockalignment.h"
 
@@ -10,245 +10,116 @@ using namespace telvane;
 
 namespace {
 
-struct ClockStep
+// Zone 1 takes the hour, minute and weekday; zone 2 the hour only, with code 8; zone 3
+// has no clock keys; zone 4 has one but no instrument address.
+struct ClockFixture : RuntimeFixture
 {
-    enum Kind {
-        AdvanceTo, // wall and monotonic time move together up to `time` (the next day when earlier)
-        SetWall,   // the PC clock is set to `time` on the same day; monotonic time stands
-        Restart,   // acquisition restarts
-    };
-    Kind kind;
-    QString time; // "HH:mm:ss"
-    bool aligns = false;
+    ClockAlignment alignment{rt};
+
+    ClockFixture()
+    {
+        rt.plant.zones.resize(4);
+        for (int zone = 0; zone < 3; ++zone)
+            setRow(rt.editor.tables.ZoneWriteTable, zone, {zone + 1, 2});
+        slaves = {1, 2, 3};
+        for (auto [section, key, value] : {std::tuple{"Zona 01", "Ora_w", "6,256"}, {"Zona 01", "Minuti_w", " 6, 257 "},
+                                           {"Zona 01", "Giorno_w", "6,40202"}, {"Zona 02", "Ora_w", "8,512"},
+                                           {"Zona 04", "Ora_w", "6,1024"}})
+            rt.ini.WriteIniKey(QLatin1String(section), QLatin1String(key), QLatin1String(value));
+        clock.setNow(QDateTime(QDate(2026, 11, 16), QTime(9, 5)));
+    }
 };
 
-} // namespace
+QStringList alignmentWrites(int hour, int minute, int weekday)
+{
+    return {RuntimeFixture::request(1, 6, 256, hour), RuntimeFixture::request(1, 6, 257, minute),
+            RuntimeFixture::request(1, 6, 40202, weekday), RuntimeFixture::request(2, 8, 512, hour)};
+}
 
-Q_DECLARE_METATYPE(ClockStep)
+} // namespace
 
 class TestClockAlignment : public QObject
 {
     Q_OBJECT
 
-private:
-    // Zone 1: hour, minute and weekday registers; zone 2: the hour only, with code 8;
-    // zone 3: no clock keys; zone 4: clock keys but no instrument address.
-    static void setUpPlant(CommandRig &rig)
-    {
-        Runtime &rt = rig.rt;
-        rt.plant.zones.resize(4);
-        ZoneTable &table = rt.editor.tables.ZoneWriteTable;
-        for (int zone = 0; zone < 3; ++zone) {
-            table.set(zone, ZoneSlot::Address, qint16(zone + 1));
-            table.set(zone, ZoneSlot::Decimals, 2);
-            rig.addSlave(zone + 1);
-        }
-        rt.ini.WriteIniKey(QStringLiteral("Zona 01"), QStringLiteral("Ora_w"), QStringLiteral("6,200"));
-        rt.ini.WriteIniKey(QStringLiteral("Zona 01"), QStringLiteral("Minuti_w"), QStringLiteral(" 6, 201 "));
-        rt.ini.WriteIniKey(QStringLiteral("Zona 01"), QStringLiteral("Giorno_w"), QStringLiteral("6,40202"));
-        rt.ini.WriteIniKey(QStringLiteral("Zona 02"), QStringLiteral("Ora_w"), QStringLiteral("8,300"));
-        rt.ini.WriteIniKey(QStringLiteral("Zona 04"), QStringLiteral("Ora_w"), QStringLiteral("6,400"));
-    }
-
-    static QList<QByteArray> alignmentWrites(int hour, int minute, int weekday)
-    {
-        return {PlantRig::writeRequest(1, 6, 200, quint16(hour)), PlantRig::writeRequest(1, 6, 201, quint16(minute)),
-                PlantRig::writeRequest(1, 6, 40202, quint16(weekday)),
-                PlantRig::writeRequest(2, 8, 300, quint16(hour))};
-    }
-
 private slots:
     void initTestCase() { QLoggingCategory::setFilterRules(QStringLiteral("telvane.fieldbus.debug=false")); }
 
-    void bytes()
-    {
-        CommandRig rig;
-        setUpPlant(rig);
-        ClockAlignment alignment(rig.rt);
-        // Saturday.
-        rig.clock.setNow(QDateTime(QDate(2026, 11, 14), QTime(22, 20, 9)));
-
-        QVERIFY(alignment.runTick());
-        QCOMPARE(rig.takeRequests(), alignmentWrites(22, 20, 6));
-    }
-
-    void weekdays_data()
-    {
-        QTest::addColumn<QDate>("date");
-        QTest::addColumn<int>("weekday");
-        QTest::newRow("Monday") << QDate(2026, 11, 16) << 1;
-        QTest::newRow("Sunday") << QDate(2026, 11, 22) << 7;
-    }
-    void weekdays()
-    {
-        QFETCH(QDate, date);
-        QFETCH(int, weekday);
-        CommandRig rig;
-        setUpPlant(rig);
-        ClockAlignment alignment(rig.rt);
-        rig.clock.setNow(QDateTime(date, QTime(0, 0)));
-        alignment.runTick();
-        QCOMPARE(rig.takeRequests(), alignmentWrites(0, 0, weekday));
-    }
-
+    // Each step: "HH:mm:ss" the clock runs to (the next day when earlier), "=HH:mm:ss"
+    // the PC clock is set to, or "restart" of acquisition; then "aligns" when the tick
+    // writes the clocks.
     void schedule_data()
     {
-        QTest::addColumn<QTime>("start");
-        QTest::addColumn<QList<ClockStep>>("steps");
-
+        QTest::addColumn<QStringList>("steps");
         QTest::newRow("at the first tick, then at the next hour")
-            << QTime(10, 20)
-            << QList<ClockStep>{{ClockStep::AdvanceTo, "10:20:00", true},
-                                {ClockStep::AdvanceTo, "10:20:01", false},
-                                {ClockStep::AdvanceTo, "10:59:59", false},
-                                {ClockStep::AdvanceTo, "11:00:00", true},
-                                {ClockStep::AdvanceTo, "11:00:01", false}};
-        QTest::newRow("midnight") << QTime(23, 59, 59)
-                                  << QList<ClockStep>{{ClockStep::AdvanceTo, "23:59:59", true},
-                                                      {ClockStep::AdvanceTo, "00:00:00", true}};
-        QTest::newRow("PC clock set back five minutes")
-            << QTime(10, 20)
-            << QList<ClockStep>{{ClockStep::AdvanceTo, "10:20:00", true},
-                                {ClockStep::SetWall, "10:15:00", true},
-                                {ClockStep::AdvanceTo, "10:15:01", false}};
-        QTest::newRow("PC clock set forward two minutes")
-            << QTime(10, 20)
-            << QList<ClockStep>{{ClockStep::AdvanceTo, "10:20:00", true}, {ClockStep::SetWall, "10:22:00", true}};
-        QTest::newRow("PC clock corrected by thirty seconds")
-            << QTime(10, 20)
-            << QList<ClockStep>{{ClockStep::AdvanceTo, "10:20:00", true}, {ClockStep::SetWall, "10:20:30", false}};
+            << QStringList{"10:20:00 aligns", "10:20:01", "10:59:59", "11:00:00 aligns", "11:00:01"};
+        QTest::newRow("midnight") << QStringList{"23:59:59 aligns", "00:00:00 aligns"};
+        QTest::newRow("PC clock set back") << QStringList{"10:20:00 aligns", "=10:15:00 aligns", "10:15:01"};
+        QTest::newRow("PC clock corrected by thirty seconds") << QStringList{"10:20:00 aligns", "=10:20:30"};
         QTest::newRow("acquisition restarted")
-            << QTime(10, 20)
-            << QList<ClockStep>{{ClockStep::AdvanceTo, "10:20:00", true},
-                                {ClockStep::AdvanceTo, "10:20:01", false},
-                                {ClockStep::Restart, {}, true},
-                                {ClockStep::AdvanceTo, "10:20:03", false}};
+            << QStringList{"10:20:00 aligns", "10:20:01", "restart aligns", "10:20:03"};
     }
     void schedule()
     {
-        QFETCH(QTime, start);
-        QFETCH(QList<ClockStep>, steps);
-
-        CommandRig rig;
-        setUpPlant(rig);
-        ClockAlignment alignment(rig.rt);
-        rig.clock.setNow(QDateTime(QDate(2026, 11, 16), start));
-
-        for (int i = 0; i < steps.size(); ++i) {
-            const ClockStep &step = steps[i];
-            const QTime time = QTime::fromString(step.time, QStringLiteral("HH:mm:ss"));
-            switch (step.kind) {
-            case ClockStep::AdvanceTo: {
-                QDateTime target(rig.clock.now().date(), time);
-                if (target < rig.clock.now())
-                    target = target.addDays(1);
-                rig.clock.advance(rig.clock.now().msecsTo(target));
-                break;
-            }
-            case ClockStep::SetWall:
-                rig.clock.setNow(QDateTime(rig.clock.now().date(), time));
-                break;
-            case ClockStep::Restart:
-                alignment.acquisitionStarted();
-                break;
-            }
-            const QDateTime now = rig.clock.now();
-            QCOMPARE(alignment.runTick(), step.aligns);
-            const QList<QByteArray> expected =
-                step.aligns ? alignmentWrites(now.time().hour(), now.time().minute(), now.date().dayOfWeek())
-                            : QList<QByteArray>{};
-            QVERIFY2(rig.takeRequests() == expected, qPrintable(QStringLiteral("step %1").arg(i)));
+        QFETCH(QStringList, steps);
+        ClockFixture fx;
+        for (const QString &step : steps) {
+            const QString what = step.section(QLatin1Char(' '), 0, 0);
+            const QTime time = QTime::fromString(what.mid(what.startsWith(QLatin1Char('=')) ? 1 : 0));
+            if (what == QLatin1String("restart"))
+                fx.alignment.acquisitionStarted();
+            else if (what.startsWith(QLatin1Char('=')))
+                fx.clock.setNow(QDateTime(fx.clock.now().date(), time));
+            else
+                fx.clock.advance((fx.clock.now().time().msecsTo(time) + 86'400'000) % 86'400'000);
+            const QDateTime now = fx.clock.now();
+            const bool aligns = step.endsWith(QLatin1String("aligns"));
+            QCOMPARE(fx.alignment.runTick(), aligns);
+            const QStringList writes = alignmentWrites(now.time().hour(), now.time().minute(), now.date().dayOfWeek());
+            QVERIFY2(fx.takeRequests() == (aligns ? writes : QStringList{}), qPrintable(step));
         }
     }
 
-    // Summer time ends: 02:30 comes twice, the second time an hour later; the clocks
+    // Summer time ends: 02:30 comes twice, the second time an hour later, and the clocks
     // are aligned again although the hour is the same.
     void summerTimeEnds()
     {
         const QTimeZone rome("Europe/Rome");
         if (!rome.isValid())
             QSKIP("No time zone data on this machine");
-        CommandRig rig;
-        setUpPlant(rig);
-        ClockAlignment alignment(rig.rt);
-        rig.clock.setNow(QDateTime(QDate(2026, 10, 25), QTime(1, 30), rome));
-
-        QVERIFY(alignment.runTick());
-        rig.takeRequests();
-        rig.clock.advance(60 * 60 * 1000);
-        const QDateTime summer = rig.clock.now();
-        QVERIFY(alignment.runTick());
-        rig.takeRequests();
-        rig.clock.advance(60 * 60 * 1000);
-        const QDateTime winter = rig.clock.now();
-        QCOMPARE(winter.time().hour(), summer.time().hour());
-        QVERIFY(winter.offsetFromUtc() != summer.offsetFromUtc());
-        QVERIFY(alignment.runTick());
-        QCOMPARE(rig.takeRequests(), alignmentWrites(2, 30, 7));
-        rig.clock.advance(1000);
-        QVERIFY(!alignment.runTick());
+        ClockFixture fx;
+        fx.clock.setNow(QDateTime(QDate(2026, 10, 25), QTime(1, 30), rome));
+        QVERIFY(fx.alignment.runTick());
+        fx.clock.advance(60 * 60 * 1000);
+        QVERIFY(fx.alignment.runTick());
+        fx.clock.advance(60 * 60 * 1000);
+        fx.takeRequests();
+        QVERIFY(fx.alignment.runTick());
+        // Sunday is day 7.
+        QCOMPARE(fx.takeRequests(), alignmentWrites(2, 30, 7));
     }
 
-    // The chrono-thermostat's mode keeps its own time: no alignment from the cycle, but
-    // the technician's command still works.
-    void civilMode()
+    // In civil mode the chrono-thermostat keeps its own time: the cycle aligns nothing,
+    // but the technician's command still does. A bad key is logged and left out, a
+    // silent instrument reported; the other registers are still written. Monday is day 1.
+    void alignNow()
     {
-        CommandRig rig;
-        setUpPlant(rig);
-        rig.rt.mode.CivilMode = true;
-        ClockAlignment alignment(rig.rt);
-        rig.clock.setNow(QDateTime(QDate(2026, 11, 16), QTime(9, 5)));
+        ClockFixture fx;
+        fx.rt.mode.CivilMode = true;
+        fx.slaves.remove(2);
+        fx.rt.ini.WriteIniKey(QStringLiteral("Zona 03"), QStringLiteral("Ora_w"), QStringLiteral("6"));
+        fx.rt.ini.WriteIniKey(QStringLiteral("Zona 03"), QStringLiteral("Minuti_w"), QStringLiteral("5,10"));
+        QVERIFY(!fx.alignment.runTick());
+        QVERIFY(fx.line.requests().isEmpty());
 
-        QVERIFY(!alignment.runTick());
-        QVERIFY(rig.line.requests().isEmpty());
-
-        const ClockAlignment::Result result = alignment.alignNow();
-        QCOMPARE(result.sent, 4);
-        QCOMPARE(result.failed, 0);
-        QCOMPARE(rig.takeRequests(), alignmentWrites(9, 5, 1));
-    }
-
-    void badKeys_data()
-    {
-        QTest::addColumn<QString>("key");
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QString>("problem");
-        QTest::newRow("no comma") << "Ora_w" << "6" << "is not \"function,register\": clock not written";
-        QTest::newRow("register too large") << "Ora_w" << "6,70000"
-                                            << "is not \"function,register\": clock not written";
-        QTest::newRow("coil") << "Minuti_w" << "5,10" << "needs function code 6 or 8: clock not written";
-        QTest::newRow("read code") << "Giorno_w" << "3,12" << "needs function code 6 or 8: clock not written";
-    }
-    // A bad key is logged and left out; the other registers are still written.
-    void badKeys()
-    {
-        QFETCH(QString, key);
-        QFETCH(QString, text);
-        QFETCH(QString, problem);
-        CommandRig rig;
-        setUpPlant(rig);
-        rig.rt.ini.WriteIniKey(QStringLiteral("Zona 03"), key, text);
-        ClockAlignment alignment(rig.rt);
-        rig.clock.setNow(QDateTime(QDate(2026, 11, 16), QTime(9, 5)));
-
-        QTest::ignoreMessage(QtWarningMsg, qPrintable(QStringLiteral("[Zona 03] %1 = \"%2\" %3").arg(key, text, problem)));
-        QCOMPARE(alignment.alignNow().sent, 4);
-        QCOMPARE(rig.takeRequests(), alignmentWrites(9, 5, 1));
-    }
-
-    void instrumentSilent()
-    {
-        CommandRig rig;
-        setUpPlant(rig);
-        rig.removeSlave(2);
-        ClockAlignment alignment(rig.rt);
-        rig.clock.setNow(QDateTime(QDate(2026, 11, 16), QTime(9, 5)));
-
-        QTest::ignoreMessage(QtWarningMsg, "Clock alignment: zone 2 Ora_w: the instrument echoed -99999 for 9");
-        QTest::ignoreMessage(QtWarningMsg, "Clock alignment: 1 of 4 writes not confirmed");
-        const ClockAlignment::Result result = alignment.alignNow();
-        QCOMPARE(result.sent, 4);
-        QCOMPARE(result.failed, 1);
+        for (const char *warning : {"[Zona 03] Ora_w = \"6\" is not \"function,register\": clock not written",
+                                    "[Zona 03] Minuti_w = \"5,10\" needs function code 6 or 8: clock not written",
+                                    "Clock alignment: zone 2 Ora_w: the instrument echoed -99999 for 9",
+                                    "Clock alignment: 1 of 4 writes not confirmed"})
+            QTest::ignoreMessage(QtWarningMsg, warning);
+        const ClockAlignment::Result result = fx.alignment.alignNow();
+        QVERIFY(result.sent == 4 && result.failed == 1);
+        QCOMPARE(fx.takeRequests(), alignmentWrites(9, 5, 1));
     }
 };
 

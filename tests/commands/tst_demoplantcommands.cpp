@@ -1,8 +1,7 @@
-#include "commandrig.h"
+#include "support/runtimefixture.h"
 
 #include "commands/chronothermostat.h"
 #include "commands/plantcommands.h"
-#include "storage/chronofiles.h"
 #include "supervisor/supervisor.h"
 
 #include <QDir>
@@ -18,60 +17,38 @@ class TestDemoPlantCommands : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase()
-    {
-        QLoggingCategory::setFilterRules(QStringLiteral("telvane.fieldbus.debug=false\ntelvane.fieldbus.warning=false"));
-    }
-
     void queuedDoorAndChronoInOneTick()
     {
-        CommandRig rig;
+        QLoggingCategory::setFilterRules(QStringLiteral("telvane.fieldbus=false"));
+        RuntimeFixture fx;
         const QDir demo(QStringLiteral(TELVANE_SOURCE_DIR "/demo/plant"));
         for (const QString &name : demo.entryList({QStringLiteral("*.ini")}, QDir::Files))
-            QVERIFY(QFile::copy(demo.filePath(name), rig.dir.filePath(name)));
+            QVERIFY(QFile::copy(demo.filePath(name), fx.dir.filePath(name)));
         // Instruments echo every write and leave reads unanswered.
-        rig.line.setResponder([](const QByteArray &request) -> ScriptedLine::Reply {
+        fx.line.setResponder([](const QByteArray &request) {
             return quint8(request[1]) >= 5 ? ScriptedLine::Reply(request) : ScriptedLine::Reply();
         });
-
-        Supervisor supervisor(rig.rt);
+        Supervisor supervisor(fx.rt);
         supervisor.startUp();
-        QVERIFY(rig.rt.editor.chronoThermostat);
-        LoadChronoFiles(ProgramFolder(rig.dir.path()), rig.rt.chrono, rig.rt.holidays);
         // Saturday's set points: 21.5 for zone 1, 22.5 for zone 2, ...
         for (int slot = 0; slot < ChronoSchedule::Slots; ++slot)
             for (int zone = 0; zone < ChronoSchedule::Zones; ++zone)
-                rig.rt.chrono(slot, zone, 5) = 21.5f + float(zone);
-
-        ChronoThermostat chrono(rig.rt);
-        rig.rt.cycleTasks.append(&chrono);
-        PlantCommands commands(rig.rt, rig.prompts, supervisor);
-        rig.rt.operatorCommands = &commands;
-        rig.login(true, false);
+                fx.rt.chrono(slot, zone, 5) = 21.5f + float(zone);
+        ChronoThermostat chrono(fx.rt);
+        fx.rt.cycleTasks.append(&chrono);
+        PlantCommands commands(fx.rt, fx.prompts, supervisor);
+        fx.rt.operatorCommands = &commands;
+        fx.login(true, false);
 
         supervisor.MenuStart();
-        QVERIFY(supervisor.AcquisitionRunning());
-        rig.takeRequests();
+        fx.takeRequests();
         QCOMPARE(commands.requestDoorOpen(), std::nullopt);
-
-        rig.clock.advance(1000);
+        fx.clock.advance(1000);
         supervisor.MonitorCycle();
-        QCOMPARE(rig.takeRequests(), (QList<QByteArray>{
-                                         PlantRig::writeRequest(7, 5, 5, 0xFF00),
-                                         PlantRig::writeRequest(7, 5, 5, 0),
-                                         PlantRig::writeRequest(1, 6, 2, 215),
-                                         PlantRig::writeRequest(2, 6, 2, 225),
-                                         PlantRig::writeRequest(3, 6, 2, 235),
-                                         PlantRig::writeRequest(4, 6, 2, 245),
-                                     }));
-        QCOMPARE(rig.pause.pauses().last(), 1500);
-        QVERIFY(rig.prompts.asked().isEmpty());
-
-        // The same slot is not sent again.
-        rig.clock.advance(1000);
-        supervisor.MonitorCycle();
-        for (const QByteArray &request : rig.takeRequests())
-            QVERIFY(quint8(request[1]) < 5);
+        QCOMPARE(fx.takeRequests(), (QStringList{"07 05 0005 ff00", "07 05 0005 0000", "01 06 0002 00d7",
+                                                 "02 06 0002 00e1", "03 06 0002 00eb", "04 06 0002 00f5"}));
+        QCOMPARE(fx.pause.pauses().last(), 1500);
+        QVERIFY(fx.prompts.asked().isEmpty());
     }
 };
 
