@@ -48,6 +48,8 @@ void ChildWindows::ShowChild(QWidget *window, bool show)
         return;
     if (show) {
         place(*child);
+        // Closing the frame closed the window inside it too.
+        child->window->show();
         child->subWindow->show();
         child->subWindow->raise();
         m_area.setActiveSubWindow(child->subWindow);

@@ -274,19 +274,20 @@ void MainForm::MenuFine()
     if (!m_supervisor.MenuFine())
         return;
     m_exitAccepted = true;
-    m_alarms->hide();
     close();
-    QCoreApplication::quit();
 }
 
+// The close request is the exit command's to decide, whoever made it.
 void MainForm::closeEvent(QCloseEvent *event)
 {
-    if (m_exitAccepted) {
-        event->accept();
+    if (!m_exitAccepted && !m_supervisor.MenuFine()) {
+        event->ignore();
         return;
     }
-    event->ignore();
-    MenuFine();
+    m_exitAccepted = true;
+    m_alarms->hide();
+    event->accept();
+    QCoreApplication::quit();
 }
 
 } // namespace telvane
