@@ -41,6 +41,7 @@ void ReloadEditor(Runtime &rt)
 {
     ReloadEditor(EditorServices{rt.ini, rt.plant, rt.displayResets, rt.master, rt.line, rt.values, rt.chrono},
                  rt.editor);
+    rt.items.reset();
     rt.statusBar.setPanel(StatusBar::PortPanel, rt.editor.comm.statusText);
     rt.ChartLoggingOption = rt.editor.options.chart;
 }

@@ -81,8 +81,9 @@ struct Runtime
 };
 
 // The editor's full rebuild over this runtime: plant, lists, tables, serial settings
-// and options. The port's text goes to the first status-bar panel, and measurement
-// rounds log as the option "Grafico" says.
+// and options; like the values, the item states start again unknown. The port's text
+// goes to the first status-bar panel, and measurement rounds log as the option
+// "Grafico" says.
 void ReloadEditor(Runtime &rt);
 
 } // namespace telvane
