@@ -11,6 +11,7 @@ namespace {
 
 int execInForeground(QDialog &box)
 {
+    box.setWindowModality(Qt::ApplicationModal);
     box.show();
     box.raise();
     box.activateWindow();

@@ -88,7 +88,7 @@ Allarmi::Allarmi(Runtime &rt, Supervisor &supervisor, QWidget *parent)
     acknowledge->setToolTip(QStringLiteral("Riconosce gli allarmi e azzera i contatori lasciando aperta la finestra"));
     auto *diagnosticsFoot = new QHBoxLayout;
     diagnosticsFoot->addWidget(m_lineState, 1);
-    diagnosticsFoot->addWidget(acknowledge);
+    diagnosticsFoot->addWidget(acknowledge, 0, Qt::AlignRight);
 
     auto *diagnosticsLayout = new QVBoxLayout(m_diagnostics);
     diagnosticsLayout->addWidget(m_lastFailure);
@@ -104,7 +104,7 @@ Allarmi::Allarmi(Runtime &rt, Supervisor &supervisor, QWidget *parent)
     close->setDefault(true);
     auto *foot = new QHBoxLayout;
     foot->addWidget(m_reserved, 1);
-    foot->addWidget(close);
+    foot->addWidget(close, 0, Qt::AlignRight);
 
     auto *layout = new QVBoxLayout(this);
     layout->addLayout(lists);

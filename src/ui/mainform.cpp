@@ -13,6 +13,7 @@
 #include <QCloseEvent>
 #include <QCoreApplication>
 #include <QLabel>
+#include <QMdiSubWindow>
 #include <QMenu>
 #include <QMenuBar>
 #include <QStatusBar>
@@ -55,7 +56,10 @@ MainForm::MainForm(Runtime &rt, Supervisor &supervisor, Prompts &prompts, QWidge
     buildStatusBar();
     applyMode();
 
-    m_children->plug(m_entries.value(QStringLiteral("MenuLogin")), m_login);
+    QMdiSubWindow *loginFrame = m_children->plug(m_entries.value(QStringLiteral("MenuLogin")), m_login);
+    // A small form: nothing to enlarge or shrink.
+    loginFrame->setWindowFlags(Qt::SubWindow | Qt::CustomizeWindowHint | Qt::WindowTitleHint
+                               | Qt::WindowCloseButtonHint);
     connect(m_login, &frmLogin::finished, this, [this] { m_children->ShowChild(m_login, false); });
     connect(m_login, &frmLogin::userChanged, this, &MainForm::userChanged);
 

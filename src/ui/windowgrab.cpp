@@ -1,7 +1,8 @@
 #include "ui/windowgrab.h"
 
+#include "ui/uilog.h"
+
 #include <QCoreApplication>
-#include <QDebug>
 #include <QPixmap>
 #include <QPointer>
 #include <QTimer>
@@ -14,7 +15,7 @@ void grabWindowLater(QWidget &window, const QString &filePath, int delayMs)
     QTimer::singleShot(delayMs, &window, [target = QPointer<QWidget>(&window), filePath] {
         const bool saved = target && target->grab().save(filePath);
         if (!saved)
-            qWarning().noquote() << "Cannot write the picture of the window to" << filePath;
+            qCWarning(lcUi) << "Cannot write the picture of the window to" << filePath;
         QCoreApplication::exit(saved ? 0 : 1);
     });
 }
