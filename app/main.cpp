@@ -11,10 +11,12 @@
 #include "supervisor/supervisor.h"
 #include "ui/mainform.h"
 #include "ui/splash.h"
+#include "ui/uilog.h"
 #include "ui/windowgrab.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
+#include <QDir>
 #include <QScreen>
 
 #include <cstdio>
@@ -69,6 +71,10 @@ int main(int argc, char *argv[])
 
     const ProgramFolder folder = parser.isSet(dirOption) ? ProgramFolder(parser.value(dirOption))
                                                          : ProgramFolder::besideExecutable();
+    // A new plant starts in a folder of its own; without it the program still runs, on
+    // default settings it cannot save.
+    if (!QDir().mkpath(folder.root()))
+        qCWarning(lcUi).noquote() << "Cannot create the program folder" << folder.root();
     SystemClock clock;
     QSerialLine line;
     EventLoopPause pause;
