@@ -37,7 +37,7 @@ void setUpZone(RuntimeFixture &fx, int zone, int slave, const QString &functions
 
 QString dailyLog(RuntimeFixture &fx)
 {
-    QFile file(fx.dir.filePath(QStringLiteral("Dati/2026_11_14.csv")));
+    QFile file(fx.dir.filePath(QStringLiteral("Dati/2026_11_15.csv")));
     return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QStringLiteral("<no file>");
 }
 
@@ -118,20 +118,22 @@ private slots:
         QCOMPARE(fx.rt.values.ZoneValues[0][0], stored);
     }
 
-    // Zone 3 does not answer; zone 4 has more decimals than the log shows. The line is
-    // stamped when the round begins, the chart points when each zone was read.
+    // Zone 3 does not answer; zone 4 has more decimals than the log shows. The round
+    // begins just before midnight and its silent reads take it past: the line is stamped
+    // when the round begins and goes to the file of the day it is written; each chart
+    // point has the time its zone was read.
     void logLineAndChart_data()
     {
         QTest::addColumn<bool>("option");
         QTest::addColumn<int>("chartQuantity");
         QTest::addColumn<QString>("line");
         QTest::addColumn<QList<double>>("points");
-        QTest::newRow("set point") << true << 1 << "14/11/2026 22:20:09;21.5;19.0;-99999.0;\r\n"
+        QTest::newRow("set point") << true << 1 << "14/11/2026 23:59:59;21.5;19.0;-99999.0;\r\n"
                                    << QList<double>{21.5, 19.0, -99999.0, 0.0201};
-        QTest::newRow("measured value") << true << 0 << "14/11/2026 22:20:09;20.0;18.5;-99999.0;\r\n"
+        QTest::newRow("measured value") << true << 0 << "14/11/2026 23:59:59;20.0;18.5;-99999.0;\r\n"
                                         << QList<double>{20.0, 18.5, -99999.0, 0.02};
         QTest::newRow("option off") << false << 1 << "<no file>" << QList<double>{};
-        QTest::newRow("no such quantity") << true << 7 << "14/11/2026 22:20:09;\r\n" << QList<double>{};
+        QTest::newRow("no such quantity") << true << 7 << "14/11/2026 23:59:59;\r\n" << QList<double>{};
     }
     void logLineAndChart()
     {
@@ -140,6 +142,7 @@ private slots:
         QFETCH(QString, line);
         QFETCH(QList<double>, points);
         RuntimeFixture fx;
+        fx.clock.setNow(QDateTime(QDate(2026, 11, 14), QTime(23, 59, 59, 900)));
         RecordingChart chart;
         fx.rt.chart = &chart;
         fx.rt.ChartLoggingOption = option;
