@@ -11,13 +11,11 @@ using PlantRig = RuntimeFixture;
 // quantity read.
 inline void configureZone(Runtime &rt, int zone, int slave, int decimals, const QList<std::pair<int, int>> &quantities)
 {
-    ZoneTable &table = rt.editor.tables.ZoneReadTable;
-    table.clearRow(zone);
-    setRow(table, zone, {slave, decimals});
-    for (int k = 0; k < quantities.size(); ++k) {
-        table.set(zone, zoneQuantityFunctionSlot(k), qint16(quantities[k].first));
-        table.set(zone, zoneQuantityRegisterSlot(k), qint16(quantities[k].second));
-    }
+    QList<int> row{slave, decimals, UnusedSlot, UnusedSlot};
+    for (auto [functionCode, address] : quantities)
+        row << functionCode << address;
+    rt.editor.tables.ZoneReadTable.clearRow(zone);
+    setRow(rt.editor.tables.ZoneReadTable, zone, row);
 }
 
 } // namespace telvane

@@ -100,7 +100,6 @@ private slots:
         QTest::newRow("holding, 1 decimal") << 3 << 1 << 215 << 21.5f;
         QTest::newRow("input, 2 decimals, negative") << 4 << 2 << -5 << -0.05f;
         QTest::newRow("coil") << 1 << 2 << 1 << 1.0f;
-        QTest::newRow("discrete input") << 2 << 3 << 0 << 0.0f;
     }
     void storedValues()
     {

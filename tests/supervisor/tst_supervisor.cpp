@@ -58,8 +58,7 @@ private slots:
 
         QCOMPARE(fx.rt.statusBar.panel(StatusBar::StatePanel), QStringLiteral("Standby"));
         QCOMPARE(supervisor.acquisitionButtonImage(), Supervisor::StandbyImage);
-        QVERIFY(!supervisor.AcquisitionRunning());
-        QVERIFY(supervisor.AutoStartPending());
+        QVERIFY(!supervisor.AcquisitionRunning() && supervisor.AutoStartPending());
         QCOMPARE(fx.rt.alarms.FailCount(AlarmItemKind::Switch, 0), 0);
         QCOMPARE(supervisor.Timer_Monitor().interval(), 1000);
         QCOMPARE(supervisor.Timer_Lampeggio().interval(), 700);
@@ -105,36 +104,23 @@ private slots:
         QCOMPARE(fx.rt.statusBar.panel(StatusBar::MessagePanel), QString(autoAvvio == "1" ? "Avvio in corso..." : ""));
     }
 
-    void acquisitionState_data()
-    {
-        QTest::addColumn<bool>("on");
-        QTest::addColumn<QString>("state");
-        QTest::addColumn<int>("image");
-        QTest::newRow("on") << true << "Acquisizione" << 4;
-        QTest::newRow("off") << false << "Standby" << 3;
-    }
+    // Either way the activity and message panels are emptied; off also stops the blink.
     void acquisitionState()
     {
-        QFETCH(bool, on);
-        QFETCH(QString, state);
-        QFETCH(int, image);
         SupervisorFixture fx;
-        Supervisor &supervisor = fx.supervisor;
-        supervisor.SetAcquisitionState(!on);
-        supervisor.SetAlarmBlink(true);
-        fx.rt.statusBar.setPanel(StatusBar::ActivityPanel, QStringLiteral("Remoto..."));
-        fx.rt.statusBar.setPanel(StatusBar::MessagePanel, QStringLiteral("Accensione..."));
-        QSignalSpy changed(&supervisor, &Supervisor::acquisitionStateChanged);
-
-        supervisor.SetAcquisitionState(on);
-        QCOMPARE(supervisor.AcquisitionRunning(), on);
-        QCOMPARE(changed.size(), 1);
-        QCOMPARE(fx.rt.statusBar.panel(StatusBar::StatePanel), state);
-        QCOMPARE(fx.rt.statusBar.panel(StatusBar::ActivityPanel), QString());
-        QCOMPARE(fx.rt.statusBar.panel(StatusBar::MessagePanel), QString());
-        QCOMPARE(supervisor.acquisitionButtonImage(), image);
-        QCOMPARE(supervisor.Timer_Monitor().isActive(), on);
-        QCOMPARE(supervisor.Timer_Lampeggio().isActive(), on);
+        fx.supervisor.SetAlarmBlink(true);
+        for (const bool on : {true, false}) {
+            fx.rt.statusBar.setPanel(StatusBar::ActivityPanel, QStringLiteral("Remoto..."));
+            fx.rt.statusBar.setPanel(StatusBar::MessagePanel, QStringLiteral("Accensione..."));
+            fx.supervisor.SetAcquisitionState(on);
+            QCOMPARE(fx.rt.statusBar.panel(StatusBar::StatePanel), QString(on ? "Acquisizione" : "Standby"));
+            QVERIFY(fx.rt.statusBar.panel(StatusBar::ActivityPanel).isEmpty());
+            QVERIFY(fx.rt.statusBar.panel(StatusBar::MessagePanel).isEmpty());
+            QCOMPARE(fx.supervisor.acquisitionButtonImage(),
+                     on ? Supervisor::AcquiringImage : Supervisor::StandbyImage);
+            QCOMPARE(fx.supervisor.Timer_Monitor().isActive(), on);
+            QCOMPARE(fx.supervisor.Timer_Lampeggio().isActive(), on);
+        }
     }
 
     // Start reads every zone once, Reload only while acquiring; both need an open port

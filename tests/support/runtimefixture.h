@@ -127,7 +127,7 @@ private:
 // Fills the first slots of one row of a register table, in the table's slot order; the
 // other slots keep what they held.
 template <typename Table>
-void setRow(Table &table, int row, std::initializer_list<int> values)
+void setRow(Table &table, int row, const QList<int> &values)
 {
     int slot = 0;
     for (int value : values)
