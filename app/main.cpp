@@ -1,3 +1,6 @@
+#include "commandline.h"
+#include "headless.h"
+
 #include "storage/chronofiles.h"
 #include "storage/chronoschedule.h"
 #include "storage/displayresets.h"
@@ -41,25 +44,19 @@ void printPlant(QTextStream &out, const ModeSettings &mode, const PlantConfig &p
 
 int main(int argc, char *argv[])
 {
+    if (headlessRequested(argc, argv))
+        return headlessMain(argc, argv);
+
     QCoreApplication app(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("Telvane"));
     QCoreApplication::setApplicationVersion(QStringLiteral(TELVANE_VERSION));
 
     QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral("Telvane: supervisore Modbus RTU"));
-    parser.addHelpOption();
-    parser.addVersionOption();
-    const QCommandLineOption dirOption(QStringLiteral("dir"),
-                                       QStringLiteral("Cartella del programma (impostazioni, Dati, Crono, Ricetta)."),
-                                       QStringLiteral("DIR"));
-    const QCommandLineOption simulateOption(QStringLiteral("simulate"), QStringLiteral("Simula gli strumenti."));
-    const QCommandLineOption communicateOption(QStringLiteral("communicate"), QStringLiteral("Comunica con gli strumenti."));
-    parser.addOption(dirOption);
-    parser.addOption(simulateOption);
-    parser.addOption(communicateOption);
+    const CommandLineOptions options;
+    options.addTo(parser);
     parser.process(app);
 
-    const ProgramFolder folder = parser.isSet(dirOption) ? ProgramFolder(parser.value(dirOption))
+    const ProgramFolder folder = parser.isSet(options.dir) ? ProgramFolder(parser.value(options.dir))
                                                          : ProgramFolder::besideExecutable();
     IniStore store(folder);
     for (const char *name : {"Dati", "Crono", "Ricetta"})

@@ -124,21 +124,28 @@ private slots:
         standingBy.login(true, false);
         Supervisor idle(standingBy.rt);
         PlantCommands now(standingBy.rt, standingBy.prompts, idle);
+        QList<CommandOutcome> toldNow;
+        now.setOutcomeListener([&toldNow](CommandOutcome outcome) { toldNow.append(outcome); });
         QCOMPARE(request(now, command), CommandOutcome::Confirmed);
         QCOMPARE(standingBy.line.requests(), wire[command]);
+        QCOMPARE(toldNow, QList<CommandOutcome>{CommandOutcome::Confirmed});
 
         CommandRig acquiring;
         setUpPlant(acquiring);
         acquiring.login(true, false);
         Supervisor running(acquiring.rt);
         PlantCommands queued(acquiring.rt, acquiring.prompts, running);
+        QList<CommandOutcome> toldLater;
+        queued.setOutcomeListener([&toldLater](CommandOutcome outcome) { toldLater.append(outcome); });
         acquiring.rt.operatorCommands = &queued;
         running.SetAcquisitionState(true);
         QCOMPARE(request(queued, command), std::nullopt);
         QVERIFY(acquiring.line.requests().isEmpty());
+        QVERIFY(toldLater.isEmpty());
 
         running.MonitorCycle();
         QCOMPARE(acquiring.line.requests(), wire[command]);
+        QCOMPARE(toldLater, QList<CommandOutcome>{CommandOutcome::Confirmed});
         const CommandQueue &queue = acquiring.rt.commands;
         QVERIFY(!queue.PendingDoorOpen);
         QCOMPARE(queue.PendingSwitchOn, CommandQueue::NoSwitch);
@@ -180,6 +187,29 @@ private slots:
         // Nothing is left for the next tick.
         supervisor.MonitorCycle();
         QCOMPARE(rig.line.requests().size(), 5);
+    }
+
+    // What the queue ran is told as it ended, a silent instrument included.
+    void queuedOutcomesAreTold()
+    {
+        CommandRig rig;
+        setUpPlant(rig);
+        rig.removeSlave(DoorSlave);
+        rig.login(true, false);
+        Supervisor supervisor(rig.rt);
+        PlantCommands commands(rig.rt, rig.prompts, supervisor);
+        QList<CommandOutcome> told;
+        commands.setOutcomeListener([&told](CommandOutcome outcome) { told.append(outcome); });
+        rig.rt.operatorCommands = &commands;
+        supervisor.SetAcquisitionState(true);
+
+        commands.requestDoorOpen();
+        commands.requestSwitch(0, true);
+        commands.requestSetValue(0, QStringLiteral("dieci"));
+        supervisor.MonitorCycle();
+
+        QCOMPARE(told, (QList<CommandOutcome>{CommandOutcome::Doubtful, CommandOutcome::Confirmed,
+                                              CommandOutcome::Refused}));
     }
 
     // A second value typed before the tick replaces the first.
