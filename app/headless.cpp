@@ -21,6 +21,9 @@
 #include <QTextStream>
 #include <QTimer>
 
+#include <limits>
+#include <optional>
+
 namespace telvane {
 
 namespace {
