@@ -32,8 +32,9 @@ const QString Description = QStringLiteral(
 CommandLineOptions::CommandLineOptions()
     : dir(QStringLiteral("dir"), QStringLiteral("Cartella del programma (impostazioni, Dati, Crono, Ricetta)."),
           QStringLiteral("DIR"))
-    , simulate(QStringLiteral("simulate"), QStringLiteral("Simula gli strumenti."))
-    , communicate(QStringLiteral("communicate"), QStringLiteral("Comunica con gli strumenti."))
+    , simulate(QStringLiteral("simulate"), QStringLiteral("Simula gli strumenti, senza chiederlo all'avvio."))
+    , communicate(QStringLiteral("communicate"),
+                  QStringLiteral("Comunica con gli strumenti, senza chiederlo all'avvio."))
     , headless(QStringLiteral("headless"), QStringLiteral("Senza finestre: acquisisce e scrive su standard output."))
     , ticks(QStringLiteral("ticks"), QStringLiteral("Con --headless: si ferma dopo N cicli (1..2147483647)."),
             QStringLiteral("N"))

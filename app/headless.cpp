@@ -90,10 +90,6 @@ bool readHeadlessOptions(const QCommandLineParser &parser, const CommandLineOpti
             return false;
         run.commands.append(std::move(*command));
     }
-    if (parser.isSet(options.dir) && !QDir(parser.value(options.dir)).exists()) {
-        problem = QStringLiteral("la cartella \"%1\" non esiste").arg(parser.value(options.dir));
-        return false;
-    }
     return true;
 }
 
@@ -126,6 +122,9 @@ int headlessMain(int argc, char *argv[])
     QTextStream out(stdout);
     const ProgramFolder folder = parser.isSet(options.dir) ? ProgramFolder(parser.value(options.dir))
                                                            : ProgramFolder::besideExecutable();
+    // As with the window: a new plant starts in a folder of its own.
+    if (!QDir().mkpath(folder.root()))
+        QTextStream(stderr) << "telvane: cannot create the program folder " << folder.root() << '\n';
     SystemClock clock;
     QSerialLine line;
     EventLoopPause pause;

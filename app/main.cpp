@@ -1,44 +1,33 @@
 #include "commandline.h"
 #include "headless.h"
 
-#include "storage/chronofiles.h"
-#include "storage/chronoschedule.h"
-#include "storage/displayresets.h"
-#include "storage/holidaylist.h"
-#include "storage/inistore.h"
-#include "storage/modesettings.h"
-#include "storage/plantconfig.h"
-#include "storage/plantconfigloader.h"
+#include "base/clock.h"
+#include "platform/eventlooppause.h"
+#include "platform/messageboxprompts.h"
+#include "platform/qserialline.h"
+#include "platform/qtsoundplayer.h"
 #include "storage/programfolder.h"
-#include "storage/valuetables.h"
+#include "supervisor/plantsession.h"
+#include "supervisor/runtime.h"
+#include "supervisor/supervisor.h"
+#include "ui/mainform.h"
+#include "ui/splash.h"
+#include "ui/uilog.h"
+#include "ui/windowgrab.h"
 
+#include <QApplication>
 #include <QCommandLineParser>
-#include <QCoreApplication>
-#include <QTextStream>
+#include <QDir>
+#include <QScreen>
+
+#include <cstdio>
 
 using namespace telvane;
 
 namespace {
 
-void printPlant(QTextStream &out, const ModeSettings &mode, const PlantConfig &plant, const HolidayList &holidays)
-{
-    out << "Modo: " << (mode.CivilMode ? "civile" : "industriale") << " (" << mode.CurrentIniName << ")\n";
-    out << "Zone: " << plant.zoneCount() << '\n';
-    for (const Zona &zone : plant.zones)
-        out << "  " << zone.name << '\n';
-    out << "Interruttori: " << plant.switchCount() << '\n';
-    for (const Interruttore &item : plant.switches)
-        out << "  " << item.name << '\n';
-    out << "LED: " << plant.ledCount() << '\n';
-    for (const LED &item : plant.leds)
-        out << "  " << item.name << '\n';
-    if (plant.apriporta.present)
-        out << "Apriporta: " << plant.apriporta.name << '\n';
-    if (plant.webcam.present)
-        out << "Webcam: " << plant.webcam.name << '\n';
-    out << "Sinottico: " << plant.synoptic.picturePath << '\n';
-    out << "Festivita: " << holidays.rowCount() << Qt::endl;
-}
+// Time for the first rounds to fill the window before its picture is taken.
+constexpr int ScreenshotDelayMs = 2500;
 
 } // namespace
 
@@ -47,34 +36,59 @@ int main(int argc, char *argv[])
     if (headlessRequested(argc, argv))
         return headlessMain(argc, argv);
 
-    QCoreApplication app(argc, argv);
-    QCoreApplication::setApplicationName(QStringLiteral("Telvane"));
-    QCoreApplication::setApplicationVersion(QStringLiteral(TELVANE_VERSION));
+    QApplication app(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("Telvane"));
+    QApplication::setApplicationVersion(QStringLiteral(TELVANE_VERSION));
 
     QCommandLineParser parser;
     const CommandLineOptions options;
     options.addTo(parser);
+    const QCommandLineOption screenshotOption(
+        QStringLiteral("screenshot"),
+        QStringLiteral("Avvia l'acquisizione, salva l'immagine della finestra principale in FILE ed esce."),
+        QStringLiteral("FILE"));
+    parser.addOption(screenshotOption);
     parser.process(app);
 
+    if (parser.isSet(options.simulate) && parser.isSet(options.communicate)) {
+        std::fputs("--simulate e --communicate si escludono a vicenda.\n", stderr);
+        return 2;
+    }
+
+    bool communicate = !parser.isSet(options.simulate);
+    if (!parser.isSet(options.simulate) && !parser.isSet(options.communicate)) {
+        Splash splash;
+        splash.exec();
+        communicate = splash.communicate();
+    }
+
     const ProgramFolder folder = parser.isSet(options.dir) ? ProgramFolder(parser.value(options.dir))
-                                                         : ProgramFolder::besideExecutable();
-    IniStore store(folder);
-    for (const char *name : {"Dati", "Crono", "Ricetta"})
-        store.EnsureFolder(QString::fromLatin1(name));
-    const ModeSettings mode = LoadSettings(store);
+                                                           : ProgramFolder::besideExecutable();
+    // A new plant starts in a folder of its own; without it the program still runs, on
+    // default settings it cannot save.
+    if (!QDir().mkpath(folder.root()))
+        qCWarning(lcUi).noquote() << "Cannot create the program folder" << folder.root();
+    SystemClock clock;
+    QSerialLine line;
+    EventLoopPause pause;
+    QtSoundPlayer sound;
+    MessageBoxPrompts prompts;
+    Runtime rt(folder, line, clock, pause, sound);
 
-    PlantConfig plant;
-    DisplayResets resets;
-    LoadPlantConfig(store, plant, resets);
+    Supervisor supervisor(rt);
+    PlantSession session(rt, supervisor, prompts);
 
-    ValueTables values;
-    ChronoSchedule schedule;
-    InitValueTables(values, schedule);
-    HolidayList holidays;
-    LoadChronoFiles(folder, schedule, holidays);
+    supervisor.setCommunicateWithInstruments(communicate);
+    session.startUp();
 
-    QTextStream out(stdout);
-    out << "Cartella del programma: " << folder.root() << '\n';
-    printPlant(out, mode, plant, holidays);
-    return 0;
+    MainForm window(rt, supervisor, prompts);
+    prompts.setParent(&window);
+    window.resize(window.screen()->availableSize().boundedTo(QSize(1280, 800)));
+    window.showMaximized();
+
+    if (parser.isSet(screenshotOption)) {
+        supervisor.MenuStart();
+        grabWindowLater(window, parser.value(screenshotOption), ScreenshotDelayMs);
+    }
+    return app.exec();
 }

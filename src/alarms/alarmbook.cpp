@@ -87,6 +87,7 @@ void AlarmBook::reportFailure(AlarmItemKind kind, int index)
         return;
     if (alarm->FailCount < MaxFailCount)
         ++alarm->FailCount;
+    emit failureCounted(kind, index);
     if (alarm->FailCount < AlarmThreshold || alarm->AlarmReported)
         return;
 
@@ -107,8 +108,11 @@ void AlarmBook::reportFailure(AlarmItemKind kind, int index)
 
 void AlarmBook::clearFailCount(AlarmItemKind kind, int index)
 {
-    if (ItemAlarm *alarm = item(kind, index))
-        alarm->FailCount = 0;
+    ItemAlarm *alarm = item(kind, index);
+    if (!alarm || alarm->FailCount == 0)
+        return;
+    alarm->FailCount = 0;
+    emit failCountCleared(kind, index);
 }
 
 void AlarmBook::ResetAlarms()

@@ -56,6 +56,10 @@ public:
     QStringList switchEntries() const { return m_switchList.stringList(); }
 
 signals:
+    // Each failed read, counted or not (the count stops at the 16-bit top).
+    void failureCounted(telvane::AlarmItemKind kind, int index);
+    // A good read cleared a count that was not zero.
+    void failCountCleared(telvane::AlarmItemKind kind, int index);
     // A new entry at the end of its list.
     void entryAdded(telvane::AlarmItemKind kind, int index, const QString &text);
     // The main window's alarm indication must start (true) or stop (false).

@@ -3,6 +3,7 @@
 #include "storage/inistore.h"
 #include "storage/numberkeys.h"
 #include "storage/numbertext.h"
+#include "storage/registerkey.h"
 #include "storage/sectionnames.h"
 #include "storage/valueconversion.h"
 
@@ -30,7 +31,7 @@ enum class LineValue {
 
 // One register key of an object kind: where its pair of slots starts (the register
 // number follows the function code) and which list shows it.
-struct RegisterKey
+struct RegisterKeySlots
 {
     const char *key;
     int functionSlot;
@@ -44,7 +45,7 @@ struct ObjectKind
 {
     int firstCode; // object code of the first object; the others follow
     QString (*section)(int index);
-    std::span<const RegisterKey> keys;
+    std::span<const RegisterKeySlots> keys;
     bool lamp = false; // LED read: threshold, colour and condition
 };
 
@@ -53,7 +54,7 @@ QString doorSection(int)
     return QStringLiteral("Apriporta");
 }
 
-const RegisterKey ZoneReadKeys[] = {
+const RegisterKeySlots ZoneReadKeys[] = {
     {"REM_r", slot(ZoneSlot::RemFunction), CommListId::RemL},
     {"PV_r", zoneQuantityFunctionSlot(0), CommListId::Letture},
     {"SP_r", zoneQuantityFunctionSlot(1), CommListId::Letture},
@@ -61,7 +62,7 @@ const RegisterKey ZoneReadKeys[] = {
     {"AL2_r", zoneQuantityFunctionSlot(3), CommListId::Letture},
     {"AL3_r", zoneQuantityFunctionSlot(4), CommListId::Letture},
 };
-const RegisterKey ZoneWriteKeys[] = {
+const RegisterKeySlots ZoneWriteKeys[] = {
     {"REM_w", slot(ZoneSlot::RemFunction), CommListId::RemW},
     {"PV_w", zoneQuantityFunctionSlot(0), CommListId::Scritture},
     {"SP_w", zoneQuantityFunctionSlot(1), CommListId::Scritture},
@@ -69,29 +70,29 @@ const RegisterKey ZoneWriteKeys[] = {
     {"AL2_w", zoneQuantityFunctionSlot(3), CommListId::Scritture},
     {"AL3_w", zoneQuantityFunctionSlot(4), CommListId::Scritture},
 };
-const RegisterKey SwitchReadKeys[] = {
+const RegisterKeySlots SwitchReadKeys[] = {
     {"REM_r", slot(SwitchSlot::RemFunction), CommListId::RemL},
     {"On_r", slot(SwitchSlot::OnFunction), CommListId::Letture},
     {"Off_r", slot(SwitchSlot::OffFunction), CommListId::Letture},
 };
-const RegisterKey SwitchWriteKeys[] = {
+const RegisterKeySlots SwitchWriteKeys[] = {
     {"REM_w", slot(SwitchSlot::RemFunction), CommListId::RemW},
     {"On_w", slot(SwitchSlot::OnFunction), CommListId::Scritture, LineValue::WrittenValue, "Val_on",
      slot(SwitchSlot::ValOn)},
     {"Off_w", slot(SwitchSlot::OffFunction), CommListId::Scritture, LineValue::WrittenValue, "Val_off",
      slot(SwitchSlot::ValOff)},
 };
-const RegisterKey LedReadKeys[] = {
+const RegisterKeySlots LedReadKeys[] = {
     {"REM_r", slot(LedSlot::RemFunction), CommListId::RemL},
     {"P1_r", slot(LedSlot::P1Function), CommListId::Letture, LineValue::LampCondition},
 };
-const RegisterKey LedWriteKeys[] = {
+const RegisterKeySlots LedWriteKeys[] = {
     {"REM_w", slot(LedSlot::RemFunction), CommListId::RemW},
 };
-const RegisterKey DoorReadKeys[] = {
+const RegisterKeySlots DoorReadKeys[] = {
     {"REM_r", slot(DoorSlot::RemFunction), CommListId::RemL},
 };
-const RegisterKey DoorWriteKeys[] = {
+const RegisterKeySlots DoorWriteKeys[] = {
     {"REM_w", slot(DoorSlot::RemFunction), CommListId::RemW},
     {"On_w", slot(DoorSlot::OnFunction), CommListId::Scritture, LineValue::WrittenValue, "Val_on",
      slot(DoorSlot::ValOn)},
@@ -108,15 +109,6 @@ const ObjectKind LedWrite{300, ledSection, LedWriteKeys};
 const ObjectKind DoorRead{400, doorSection, DoorReadKeys};
 const ObjectKind DoorWrite{400, doorSection, DoorWriteKeys};
 
-// The whole text as an integer within [min, max].
-std::optional<int> wholeNumber(const QString &text, int min, int max)
-{
-    const std::optional<double> number = parseNumber(text);
-    if (!number || *number != std::floor(*number) || *number < min || *number > max)
-        return std::nullopt;
-    return static_cast<int>(*number);
-}
-
 void warn(const QString &section, const char *key, const QString &text, const char *consequence)
 {
     logBadSetting(section, QLatin1String(key), text, QLatin1String(consequence));
@@ -131,39 +123,24 @@ struct Decimals
 Decimals readDecimals(const IniStore &ini, const QString &section)
 {
     const QString text = ini.ReadIniKey(section, QStringLiteral("Decimali"), QStringLiteral("0")).trimmed();
-    if (const std::optional<int> value = wholeNumber(text, 0, 3))
+    if (const std::optional<int> value = wholeNumberIn(text, 0, 3))
         return {*value, text};
     warn(section, "Decimali", text, "is not 0..3: using 0");
     return {};
 }
 
-struct Register
-{
-    int function = -1;
-    int number = -1;
-};
-
 // "function,register"; nothing when the key is empty or unusable.
-std::optional<Register> readRegister(const IniStore &ini, const QString &section, const char *key,
-                                     QString *keyText)
+std::optional<RegisterKey> readRegister(const IniStore &ini, const QString &section, const char *key,
+                                        QString *keyText)
 {
     *keyText = ini.ReadIniKey(section, QLatin1String(key), QString()).trimmed();
-    if (keyText->isEmpty())
-        return std::nullopt;
-    const qsizetype comma = keyText->indexOf(QLatin1Char(','));
-    if (comma < 0) {
-        warn(section, key, *keyText, "is not \"function,register\": register not used");
-        return std::nullopt;
-    }
-    // Function codes from 128 up are exception replies, never requests.
-    const std::optional<int> function = wholeNumber(keyText->left(comma), 1, 127);
-    const std::optional<int> number = wholeNumber(keyText->mid(comma + 1), 0, 65535);
-    if (!function || !number) {
+    RegisterKeyProblem problem = RegisterKeyProblem::None;
+    const std::optional<RegisterKey> reg = parseRegisterKey(*keyText, &problem);
+    if (problem == RegisterKeyProblem::Malformed)
         warn(section, key, *keyText,
-             "needs a function code 1..127 and a register 0..65535: register not used");
-        return std::nullopt;
-    }
-    return Register{*function, *number};
+             "is not \"function,register\" with a function code 1..127 and a register 0..65535: "
+             "register not used");
+    return reg;
 }
 
 // Bit reads carry no decimals.
@@ -217,13 +194,13 @@ Lamp readLamp(const IniStore &ini, const QString &section)
     lamp.threshold = ini.ReadIniKey(section, QStringLiteral("Val"), QStringLiteral("0")).trimmed();
 
     const QString colour = ini.ReadIniKey(section, QStringLiteral("Col"), QStringLiteral("1")).trimmed();
-    if (const std::optional<int> value = wholeNumber(colour, 0, 32767))
+    if (const std::optional<int> value = wholeNumberIn(colour, 0, 32767))
         lamp.colour = *value;
     else
         warn(section, "Col", colour, "is not a colour index: using 1");
 
     const QString condition = ini.ReadIniKey(section, QStringLiteral("Condizione"), QStringLiteral("1")).trimmed();
-    if (const std::optional<int> value = wholeNumber(condition, 1, 6))
+    if (const std::optional<int> value = wholeNumberIn(condition, 1, 6))
         lamp.condition = *value;
     else
         warn(section, "Condizione", condition, "is not 1..6: using 1 (>=)");
@@ -245,7 +222,7 @@ void buildRow(const IniStore &ini, const ObjectKind &kind, int index, CommLists 
     const QString section = kind.section(index);
 
     const QString addressText = ini.ReadIniKey(section, QStringLiteral("Indirizzo"), QString()).trimmed();
-    const std::optional<int> address = wholeNumber(addressText, 1, 255);
+    const std::optional<int> address = wholeNumberIn(addressText, 1, 255);
     if (!address) {
         warn(section, "Indirizzo", addressText, "is not an address 1..255: object not used");
         return;
@@ -261,16 +238,16 @@ void buildRow(const IniStore &ini, const ObjectKind &kind, int index, CommLists 
     int lampDecimals = decimals.value;
 
     const int code = kind.firstCode + index;
-    for (const RegisterKey &key : kind.keys) {
+    for (const RegisterKeySlots &key : kind.keys) {
         QString keyText;
-        const std::optional<Register> reg = readRegister(ini, section, key.key, &keyText);
+        const std::optional<RegisterKey> reg = readRegister(ini, section, key.key, &keyText);
         if (!reg)
             continue;
-        table.set(index, key.functionSlot, qint16(reg->function));
+        table.set(index, key.functionSlot, qint16(reg->functionCode));
         // Registers above 32767 keep their bit pattern: readers take the slot as unsigned.
-        table.set(index, key.functionSlot + 1, qint16(quint16(reg->number)));
+        table.set(index, key.functionSlot + 1, qint16(quint16(reg->registerNumber)));
 
-        const bool bits = isBitFunction(reg->function);
+        const bool bits = isBitFunction(reg->functionCode);
         const int effectiveDecimals = bits ? 0 : decimals.value;
         const QString decimalsText = bits ? QStringLiteral("0") : decimals.text;
 

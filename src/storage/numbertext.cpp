@@ -98,6 +98,14 @@ int leadingInteger(const QString &text, int fallback)
     return static_cast<int>(value);
 }
 
+std::optional<int> wholeNumberIn(const QString &text, int min, int max)
+{
+    const std::optional<double> number = parseNumber(text);
+    if (!number || *number != std::floor(*number) || *number < min || *number > max)
+        return std::nullopt;
+    return static_cast<int>(*number);
+}
+
 QString formatFixed(double value, int decimals, int minIntegerDigits)
 {
     const double scale = std::pow(10.0, decimals);

@@ -27,6 +27,10 @@ double leadingNumber(const QString &text);
 // number at all.
 int leadingInteger(const QString &text, int fallback = 0);
 
+// The whole trimmed text as an integer within [min, max], or nothing ("2.5", "5x" and
+// out-of-range values are nothing).
+std::optional<int> wholeNumberIn(const QString &text, int min, int max);
+
 // Fixed-point text with "." as separator, rounded half away from zero and with at
 // least `minIntegerDigits` integer digits: formatFixed(5, 1, 2) is "05.0".
 QString formatFixed(double value, int decimals, int minIntegerDigits = 1);

@@ -2,21 +2,9 @@
 
 #include "storage/numbertext.h"
 
-#include <cmath>
 
 namespace telvane {
 
-namespace {
-
-std::optional<int> wholeNumberIn(const QString &text, int min, int max)
-{
-    const std::optional<double> number = parseNumber(text);
-    if (!number || *number != std::floor(*number) || *number < min || *number > max)
-        return std::nullopt;
-    return static_cast<int>(*number);
-}
-
-} // namespace
 
 std::optional<RegisterKey> parseRegisterKey(const QString &text, RegisterKeyProblem *problem)
 {

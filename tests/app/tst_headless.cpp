@@ -19,12 +19,21 @@ struct Run
     QString err;
 };
 
-Run telvane(const QStringList &arguments, int timeoutMs = 60000)
+// Without a display: the headless mode must not need one. `offscreen` gives the window's
+// path a screen of its own.
+Run telvane(const QStringList &arguments, bool offscreen = false)
 {
     QProcess process;
-    process.start(QStringLiteral(TELVANE_BIN), arguments);
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.remove(QStringLiteral("DISPLAY"));
+    environment.remove(QStringLiteral("WAYLAND_DISPLAY"));
+    environment.remove(QStringLiteral("QT_QPA_PLATFORM"));
+    if (offscreen)
+        environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+    process.setProcessEnvironment(environment);
+    process.start(QStringLiteral(TELVANE_PROGRAM), arguments);
     Run run;
-    if (!process.waitForFinished(timeoutMs)) {
+    if (!process.waitForFinished(60000)) {
         process.kill();
         process.waitForFinished();
         return run;
@@ -86,14 +95,16 @@ private slots:
     void help_data()
     {
         QTest::addColumn<QStringList>("arguments");
-        QTest::newRow("window") << QStringList{QStringLiteral("--help")};
-        QTest::newRow("headless") << QStringList{QStringLiteral("--headless"), QStringLiteral("--help")};
+        QTest::addColumn<bool>("offscreen");
+        QTest::newRow("window") << QStringList{QStringLiteral("--help")} << true;
+        QTest::newRow("headless") << QStringList{QStringLiteral("--headless"), QStringLiteral("--help")} << false;
     }
 
     void help()
     {
         QFETCH(QStringList, arguments);
-        const Run run = telvane(arguments);
+        QFETCH(bool, offscreen);
+        const Run run = telvane(arguments, offscreen);
         QCOMPARE(run.exitCode, 0);
         for (const char *option : {"--headless", "--simulate", "--communicate", "--dir", "--ticks", "--tick-ms",
                                    "--command", "--login", "Nessuna COM", "SIGTERM", "switch N on", "set N VALORE"})
@@ -113,7 +124,6 @@ private slots:
         QTest::newRow("unknown command") << "--headless --simulate --command apri" << "apri";
         QTest::newRow("switch 11") << "--headless --simulate --command \"switch 11 on\"" << "da 1 a 10";
         QTest::newRow("login without password") << "--headless --simulate --login Tecnico" << "NOME:PASSWORD";
-        QTest::newRow("missing folder") << "--headless --simulate --dir /nessuna/cartella" << "/nessuna/cartella";
         QTest::newRow("unknown option") << "--headless --simulate --tick 5" << "tick";
         QTest::newRow("stray argument") << "--headless --simulate impianto" << "impianto";
     }
@@ -157,6 +167,20 @@ private slots:
             QVERIFY2(line.match(text).hasMatch(), qPrintable(text));
     }
 
+    // A plant folder that is not there yet is made, as the window makes it.
+    void newFolder()
+    {
+        QTemporaryDir parent;
+        const QString plant = parent.filePath(QStringLiteral("nuovo/impianto"));
+        const Run run = telvane({QStringLiteral("--headless"), QStringLiteral("--simulate"), QStringLiteral("--dir"),
+                                 plant, QStringLiteral("--ticks"), QStringLiteral("2"), QStringLiteral("--tick-ms"),
+                                 QStringLiteral("10")});
+        QCOMPARE(run.exitCode, 0);
+        QVERIFY(run.out.endsWith(QStringLiteral("Pannello 2: Standby\n")));
+        for (const char *folder : {"Dati", "Crono", "Ricetta"})
+            QVERIFY2(QDir(plant).exists(QLatin1String(folder)), folder);
+    }
+
     // Talking to the instruments on a port that is not there: nothing to acquire with.
     void communicateWithoutPort()
     {
@@ -184,7 +208,7 @@ private slots:
         QVERIFY(setComKey(plant.filePath(QStringLiteral("Telvane1.ini")), QStringLiteral("Base Misura"),
                           QStringLiteral("2")));
         QProcess process;
-        process.start(QStringLiteral(TELVANE_BIN),
+        process.start(QStringLiteral(TELVANE_PROGRAM),
                       {QStringLiteral("--headless"), QStringLiteral("--simulate"), QStringLiteral("--dir"),
                        plant.path(), QStringLiteral("--tick-ms"), QStringLiteral("10")});
         QVERIFY(process.waitForStarted());

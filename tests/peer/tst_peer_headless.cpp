@@ -85,7 +85,7 @@ struct Run
 Run runHeadless(const QStringList &arguments)
 {
     QProcess process;
-    process.start(QStringLiteral(TELVANE_BIN), arguments);
+    process.start(QStringLiteral(TELVANE_PROGRAM), arguments);
     Run run;
     if (!process.waitForFinished(60000)) {
         process.kill();
@@ -295,7 +295,7 @@ void TestPeerHeadless::sigtermEndsTheTickAndFreesTheLine()
 {
     QVERIFY(writeFile(m_plant->filePath(QStringLiteral("Telvane1.ini")), plantIni(m_peer->port(), PlantOptions())));
     QProcess process;
-    process.start(QStringLiteral(TELVANE_BIN), headlessArguments(0));
+    process.start(QStringLiteral(TELVANE_PROGRAM), headlessArguments(0));
     QVERIFY(process.waitForStarted());
     QByteArray out;
     while (out.count("Pannello 3: Lettura...") < 3 && process.state() == QProcess::Running) {

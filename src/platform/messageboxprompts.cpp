@@ -1,0 +1,70 @@
+#include "platform/messageboxprompts.h"
+
+#include <QApplication>
+#include <QInputDialog>
+#include <QMessageBox>
+#include <QPushButton>
+
+namespace telvane {
+
+namespace {
+
+int execInForeground(QDialog &box)
+{
+    box.setWindowModality(Qt::ApplicationModal);
+    box.show();
+    box.raise();
+    box.activateWindow();
+    return box.exec();
+}
+
+void showMessage(QWidget *parent, QMessageBox::Icon icon, const QString &title, const QString &text)
+{
+    QMessageBox box(icon, title, text, QMessageBox::Ok, parent);
+    box.button(QMessageBox::Ok)->setText(QStringLiteral("OK"));
+    execInForeground(box);
+}
+
+} // namespace
+
+QWidget *MessageBoxPrompts::parentWidget() const
+{
+    return m_parent ? m_parent.data() : QApplication::activeWindow();
+}
+
+bool MessageBoxPrompts::question(const QString &title, const QString &text)
+{
+    QMessageBox box(QMessageBox::Question, title, text, QMessageBox::Yes | QMessageBox::No, parentWidget());
+    box.button(QMessageBox::Yes)->setText(QStringLiteral("Sì"));
+    box.button(QMessageBox::No)->setText(QStringLiteral("No"));
+    box.setDefaultButton(QMessageBox::Yes);
+    box.setEscapeButton(QMessageBox::No);
+    execInForeground(box);
+    return box.clickedButton() == box.button(QMessageBox::Yes);
+}
+
+void MessageBoxPrompts::warning(const QString &title, const QString &text)
+{
+    showMessage(parentWidget(), QMessageBox::Warning, title, text);
+}
+
+void MessageBoxPrompts::information(const QString &title, const QString &text)
+{
+    showMessage(parentWidget(), QMessageBox::Information, title, text);
+}
+
+std::optional<QString> MessageBoxPrompts::textInput(const QString &title, const QString &prompt,
+                                                    const QString &initialText)
+{
+    QInputDialog box(parentWidget());
+    box.setWindowTitle(title);
+    box.setLabelText(prompt);
+    box.setTextValue(initialText);
+    box.setOkButtonText(QStringLiteral("OK"));
+    box.setCancelButtonText(QStringLiteral("Annulla"));
+    if (execInForeground(box) != QDialog::Accepted)
+        return std::nullopt;
+    return box.textValue();
+}
+
+} // namespace telvane

@@ -1,0 +1,297 @@
+#include "ui/mainform.h"
+
+#include "base/productinfo.h"
+#include "supervisor/runtime.h"
+#include "supervisor/supervisor.h"
+#include "ui/about.h"
+#include "ui/allarmi.h"
+#include "ui/childwindows.h"
+#include "ui/frmlogin.h"
+#include "ui/workspace.h"
+
+#include <QAction>
+#include <QCloseEvent>
+#include <QCoreApplication>
+#include <QLabel>
+#include <QMdiSubWindow>
+#include <QMenu>
+#include <QMenuBar>
+#include <QStatusBar>
+#include <QToolBar>
+#include <QToolButton>
+
+namespace telvane {
+
+namespace {
+
+QIcon icon(const QString &name)
+{
+    return QIcon(QStringLiteral(":/icons/%1.svg").arg(name));
+}
+
+QIcon acquisitionIcon(int image)
+{
+    return icon(image == Supervisor::AcquiringImage ? QStringLiteral("acquisizione-attiva")
+                                                    : QStringLiteral("acquisizione-standby"));
+}
+
+} // namespace
+
+MainForm::MainForm(Runtime &rt, Supervisor &supervisor, Prompts &prompts, QWidget *parent)
+    : QMainWindow(parent)
+    , m_rt(rt)
+    , m_supervisor(supervisor)
+    , m_workspace(new Workspace(this))
+    , m_children(new ChildWindows(*m_workspace, this))
+    , m_login(new frmLogin(rt, prompts))
+    , m_alarms(new Allarmi(rt, supervisor, this))
+{
+    setObjectName(QStringLiteral("MainForm"));
+    setWindowTitle(QLatin1String(ProductName));
+    setWindowIcon(icon(QStringLiteral("telvane")));
+    setCentralWidget(m_workspace);
+
+    buildMenus();
+    buildToolbar();
+    buildStatusBar();
+    applyMode();
+
+    QMdiSubWindow *loginFrame = m_children->plug(m_entries.value(QStringLiteral("MenuLogin")), m_login);
+    // A small form: nothing to enlarge or shrink.
+    loginFrame->setWindowFlags(Qt::SubWindow | Qt::CustomizeWindowHint | Qt::WindowTitleHint
+                               | Qt::WindowCloseButtonHint);
+    connect(m_login, &frmLogin::finished, this, [this] { m_children->ShowChild(m_login, false); });
+    connect(m_login, &frmLogin::userChanged, this, &MainForm::userChanged);
+
+    connect(&m_supervisor, &Supervisor::acquisitionButtonImageChanged, this, &MainForm::showAcquisitionImage);
+    showAcquisitionImage(m_supervisor.acquisitionButtonImage());
+}
+
+MainForm::~MainForm() = default;
+
+QAction *MainForm::addEntry(QMenu *menu, const QString &name, const QString &text, const QString &iconName)
+{
+    auto *entry = new QAction(text, this);
+    entry->setObjectName(name);
+    if (!iconName.isEmpty())
+        entry->setIcon(icon(iconName));
+    menu->addAction(entry);
+    m_entries.insert(name, entry);
+    return entry;
+}
+
+void MainForm::addSeparator(QMenu *menu, const QString &name)
+{
+    menu->addSeparator()->setObjectName(name);
+}
+
+void MainForm::buildMenus()
+{
+    QMenu *file = menuBar()->addMenu(QStringLiteral("&File"));
+    file->setObjectName(QStringLiteral("MenuFile"));
+    QAction *login = addEntry(file, QStringLiteral("MenuLogin"), QStringLiteral("&Login..."), QStringLiteral("login"));
+    addSeparator(file, QStringLiteral("MenuNullF0"));
+    connect(addEntry(file, QStringLiteral("MenuFine"), QStringLiteral("&Fine")), &QAction::triggered, this,
+            &MainForm::MenuFine);
+
+    QMenu *acquisition = menuBar()->addMenu(QStringLiteral("&Acquisizione"));
+    acquisition->setObjectName(QStringLiteral("MenuAcquisizione"));
+    connect(addEntry(acquisition, QStringLiteral("MenuStart"), QStringLiteral("&Start"),
+                     QStringLiteral("acquisizione-attiva")),
+            &QAction::triggered, &m_supervisor, &Supervisor::MenuStart);
+    connect(addEntry(acquisition, QStringLiteral("MenuStop"), QStringLiteral("S&top"),
+                     QStringLiteral("acquisizione-standby")),
+            &QAction::triggered, &m_supervisor, &Supervisor::MenuStop);
+    connect(addEntry(acquisition, QStringLiteral("MenuRileggi"), QStringLiteral("&Rileggi")), &QAction::triggered,
+            &m_supervisor, &Supervisor::MenuRileggi);
+    addSeparator(acquisition, QStringLiteral("MenuNullF1"));
+    connect(addEntry(acquisition, QStringLiteral("MenuErroriCOM"), QStringLiteral("&Errori di comunicazione..."),
+                     QStringLiteral("allarmi")),
+            &QAction::triggered, this, &MainForm::MenuErroriCOM);
+
+    QMenu *functions = menuBar()->addMenu(QStringLiteral("F&unzioni"));
+    functions->setObjectName(QStringLiteral("MenuFunzioni"));
+    QAction *synoptic = addEntry(functions, QStringLiteral("MenuSinottico"), QStringLiteral("&Sinottico"),
+                                 QStringLiteral("sinottico"));
+    QAction *trend = addEntry(functions, QStringLiteral("MenuGrafico"), QStringLiteral("&Grafico"),
+                              QStringLiteral("grafico"));
+    QAction *history = addEntry(functions, QStringLiteral("MenuStorico"), QStringLiteral("S&torico"),
+                                QStringLiteral("storico"));
+    addSeparator(functions, QStringLiteral("MenuNullF2"));
+    QAction *season = addEntry(functions, QStringLiteral("MenuStagione"), QString(), QStringLiteral("stagione"));
+    addSeparator(functions, QStringLiteral("MenuNullF2A"));
+    QAction *editor = addEntry(functions, QStringLiteral("MenuComunicazione"), QStringLiteral("&Comunicazione"),
+                               QStringLiteral("comunicazione"));
+    // The schedule settings are a page of the configuration editor.
+    addEntry(functions, QStringLiteral("MenuCrono"), QString())->setEnabled(false);
+
+    QMenu *help = menuBar()->addMenu(QStringLiteral("&?"));
+    help->setObjectName(QStringLiteral("MenuAbout0"));
+    connect(addEntry(help, QStringLiteral("MenuAbout"), QStringLiteral("&Informazioni su %1...")
+                                                             .arg(QLatin1String(ProductName))),
+            &QAction::triggered, this, &MainForm::MenuAbout);
+
+    m_children->addEntry(login);
+    m_children->addEntry(synoptic);
+    m_children->addEntry(trend);
+    m_children->addEntry(history);
+    m_children->addEntry(season, [this] { return m_supervisor.MenuStagione(); });
+    m_children->addEntry(editor);
+}
+
+void MainForm::buildToolbar()
+{
+    auto *toolbar = addToolBar(QStringLiteral("Strumenti"));
+    toolbar->setObjectName(QStringLiteral("Toolbar"));
+    toolbar->setMovable(false);
+    toolbar->setIconSize(QSize(32, 32));
+    toolbar->setToolButtonStyle(Qt::ToolButtonTextUnderIcon);
+
+    const std::pair<const char *, const char *> buttons[] = {
+        {"1", "MenuLogin"}, {"2", "MenuSinottico"}, {"3", "MenuGrafico"}, {"4", "MenuStorico"}, {"5", "MenuStagione"},
+        {"6", nullptr},     {"7", "MenuComunicazione"},
+    };
+    for (const auto &[key, entryName] : buttons) {
+        if (!entryName) {
+            toolbar->addSeparator();
+            continue;
+        }
+        QAction *entry = m_entries.value(QLatin1String(entryName));
+        toolbar->addAction(entry);
+        auto *button = qobject_cast<QToolButton *>(toolbar->widgetForAction(entry));
+        button->setObjectName(QStringLiteral("Button%1").arg(QLatin1String(key)));
+        m_buttons.insert(QLatin1String(key), button);
+    }
+    // The login button reads better as what it does than as the menu's "Login...".
+    m_entries.value(QStringLiteral("MenuLogin"))->setIconText(QStringLiteral("Login"));
+
+    auto *acquisitionMenu = new QMenu(this);
+    acquisitionMenu->setObjectName(QStringLiteral("MenuButton8"));
+    acquisitionMenu->addAction(QStringLiteral("Start"));
+    acquisitionMenu->addAction(QStringLiteral("Stop"));
+    acquisitionMenu->addAction(QStringLiteral("Rileggi"));
+    acquisitionMenu->addSeparator();
+    acquisitionMenu->addAction(QStringLiteral("Errori di comunicazione"));
+    connect(acquisitionMenu, &QMenu::triggered, this, &MainForm::acquisitionMenuTriggered);
+
+    m_acquisitionButton = new QToolButton(toolbar);
+    m_acquisitionButton->setObjectName(QStringLiteral("Button8"));
+    m_acquisitionButton->setText(QStringLiteral("Acquisizione"));
+    m_acquisitionButton->setToolButtonStyle(Qt::ToolButtonTextUnderIcon);
+    m_acquisitionButton->setMenu(acquisitionMenu);
+    m_acquisitionButton->setPopupMode(QToolButton::MenuButtonPopup);
+    m_acquisitionButton->setAutoRaise(true);
+    connect(m_acquisitionButton, &QToolButton::clicked, this, &MainForm::acquisitionButtonClicked);
+    toolbar->addWidget(m_acquisitionButton);
+    m_buttons.insert(QStringLiteral("8"), m_acquisitionButton);
+}
+
+void MainForm::buildStatusBar()
+{
+    QStatusBar *bar = statusBar();
+    bar->setObjectName(QStringLiteral("StatusBar"));
+    const int minimumWidths[] = {190, 110, 110, 0};
+    for (int number = 1; number <= 4; ++number) {
+        auto *panel = new QLabel(m_rt.statusBar.panel(number), bar);
+        panel->setObjectName(QStringLiteral("Panel%1").arg(number));
+        panel->setFrameStyle(QFrame::Panel | QFrame::Sunken);
+        panel->setMinimumWidth(minimumWidths[number - 1]);
+        panel->setContentsMargins(4, 0, 4, 0);
+        bar->addWidget(panel, number == 4 ? 1 : 0);
+        m_panels.append(panel);
+    }
+    connect(&m_rt.statusBar, &StatusBar::panelChanged, this, [this](int number, const QString &text) {
+        if (QLabel *panel = statusPanel(number))
+            panel->setText(text);
+    });
+}
+
+void MainForm::applyMode()
+{
+    m_entries.value(QStringLiteral("MenuStagione"))->setText(m_rt.mode.seasonCaption);
+    m_entries.value(QStringLiteral("MenuCrono"))->setText(m_rt.mode.scheduleCaption);
+}
+
+QToolButton *MainForm::toolbarButton(const QString &key) const
+{
+    return m_buttons.value(key);
+}
+
+QLabel *MainForm::statusPanel(int number) const
+{
+    return number >= 1 && number <= m_panels.size() ? m_panels[number - 1] : nullptr;
+}
+
+void MainForm::acquisitionButtonClicked()
+{
+    if (m_supervisor.AcquisitionRunning())
+        MenuErroriCOM();
+    else
+        m_supervisor.MenuStart();
+}
+
+// The entries are told apart by their text, whatever its case; any entry that is not a
+// command of the acquisition opens the error view.
+void MainForm::acquisitionMenuTriggered(QAction *entry)
+{
+    const QString command = entry->text().remove(QLatin1Char('&')).toUpper();
+    if (command == QLatin1String("START"))
+        m_supervisor.MenuStart();
+    else if (command == QLatin1String("STOP"))
+        m_supervisor.MenuStop();
+    else if (command == QLatin1String("RILEGGI"))
+        m_supervisor.MenuRileggi();
+    else
+        MenuErroriCOM();
+}
+
+void MainForm::showAcquisitionImage(int image)
+{
+    m_acquisitionButton->setIcon(acquisitionIcon(image));
+    m_acquisitionButton->setProperty("image", image);
+    m_acquisitionButton->setToolTip(m_supervisor.AcquisitionRunning()
+                                        ? QStringLiteral("Acquisizione in corso: errori di comunicazione")
+                                        : QStringLiteral("Avvia l'acquisizione"));
+}
+
+void MainForm::userChanged()
+{
+    m_alarms->setPrivileged(m_rt.user.IsTechnician || m_rt.user.IsAdministrator);
+}
+
+void MainForm::MenuErroriCOM()
+{
+    m_alarms->showCommErrors(m_rt.user.IsTechnician || m_rt.user.IsAdministrator);
+}
+
+void MainForm::MenuAbout()
+{
+    if (!m_supervisor.MenuAbout())
+        return;
+    if (!m_about)
+        m_about = new About(this);
+    m_about->open();
+}
+
+void MainForm::MenuFine()
+{
+    if (!m_supervisor.MenuFine())
+        return;
+    m_exitAccepted = true;
+    close();
+}
+
+// The close request is the exit command's to decide, whoever made it.
+void MainForm::closeEvent(QCloseEvent *event)
+{
+    if (!m_exitAccepted && !m_supervisor.MenuFine()) {
+        event->ignore();
+        return;
+    }
+    m_exitAccepted = true;
+    m_alarms->hide();
+    event->accept();
+    QCoreApplication::quit();
+}
+
+} // namespace telvane

@@ -1,0 +1,169 @@
+#include "alarms/commerrortable.h"
+
+#include "base/clock.h"
+#include "config_editor/registertables.h"
+#include "fieldbus/modbusmaster.h"
+#include "fieldbus/scriptedline.h"
+#include "storage/plantconfig.h"
+
+#include <QLoggingCategory>
+#include <QSignalSpy>
+#include <QTest>
+
+using namespace telvane;
+
+namespace {
+
+// A plant of two zones, one switch and one LED, with the book, the master and the
+// table over them, as the alarms window has them.
+struct Rig
+{
+    Rig()
+    {
+        plant.zones.resize(2);
+        plant.zones[0].name = QStringLiteral("Forno 1");
+        plant.zones[1].name = QStringLiteral("Forno 2");
+        plant.switches.resize(1);
+        plant.switches[0].name = QStringLiteral("Pompa");
+        plant.leds.resize(1);
+        plant.leds[0].name = QStringLiteral("Spia");
+        tables.ZoneReadTable.set(0, ZoneSlot::Address, 1);
+        tables.ZoneReadTable.set(1, ZoneSlot::Address, 2);
+        tables.SwitchReadTable.set(0, SwitchSlot::Address, 5);
+        tables.LedReadTable.set(0, LedSlot::Address, 8);
+        master.setAttempts(1);
+        master.setReplyTimeout(0.1f);
+        table.refresh();
+    }
+
+    QString cell(int row, int column) const { return table.index(row, column).data().toString(); }
+
+    ManualClock clock{QDateTime(QDate(2026, 11, 14), QTime(10, 15, 0))};
+    ScriptedLine line{clock};
+    ModbusMaster master{line, clock};
+    PlantConfig plant;
+    RegisterTables tables;
+    AlarmBook alarms{clock, [](AlarmItemKind, int) { return QString(); }};
+    CommErrorTable table{alarms, plant, tables, master, clock};
+};
+
+QByteArray bytes(std::initializer_list<int> values)
+{
+    QByteArray out;
+    for (int value : values)
+        out.append(char(value));
+    return out;
+}
+
+} // namespace
+
+class TestCommErrorTable : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase() { QLoggingCategory::setFilterRules(QStringLiteral("telvane.*=false")); }
+
+    void rowsFollowThePlant()
+    {
+        Rig rig;
+        QCOMPARE(rig.table.rowCount(), 4);
+        const QStringList expected{"Zona Forno 1 1", "Zona Forno 2 2", "Interruttore Pompa 5", "LED Spia 8"};
+        for (int row = 0; row < rig.table.rowCount(); ++row) {
+            const QString shown = rig.cell(row, CommErrorTable::KindColumn) + QLatin1Char(' ')
+                                  + rig.cell(row, CommErrorTable::NameColumn) + QLatin1Char(' ')
+                                  + rig.cell(row, CommErrorTable::AddressColumn);
+            QCOMPARE(shown, expected[row]);
+        }
+
+        // A reload changed the plant: the rows follow once the view refreshes, and a
+        // failure of an item the view does not know yet is kept, not lost.
+        rig.plant.zones.removeLast();
+        rig.alarms.ReportSwitchFailure(3);
+        rig.table.refresh();
+        QCOMPARE(rig.table.rowCount(), 3);
+        QCOMPARE(rig.cell(1, CommErrorTable::NameColumn), QStringLiteral("Pompa"));
+        rig.plant.switches.resize(4);
+        rig.table.refresh();
+        QCOMPARE(rig.cell(4, CommErrorTable::TotalColumn), QStringLiteral("1"));
+    }
+
+    void countsFollowTheReads()
+    {
+        Rig rig;
+        QSignalSpy changed(&rig.table, &QAbstractItemModel::dataChanged);
+        const int pump = 2;
+
+        for (int i = 0; i < 3; ++i)
+            rig.alarms.ReportSwitchFailure(0);
+        QCOMPARE(changed.size(), 3);
+        QCOMPARE(changed.last().at(0).toModelIndex().row(), pump);
+        QCOMPARE(rig.cell(pump, CommErrorTable::ConsecutiveColumn), QStringLiteral("3"));
+        QCOMPARE(rig.cell(pump, CommErrorTable::TotalColumn), QStringLiteral("3"));
+
+        // A good read ends the run of failures; the total remembers them.
+        rig.alarms.clearFailCount(AlarmItemKind::Switch, 0);
+        QCOMPARE(changed.size(), 4);
+        rig.alarms.ReportSwitchFailure(0);
+        QCOMPARE(rig.cell(pump, CommErrorTable::ConsecutiveColumn), QStringLiteral("1"));
+        QCOMPARE(rig.cell(pump, CommErrorTable::TotalColumn), QStringLiteral("4"));
+        QCOMPARE(rig.cell(0, CommErrorTable::TotalColumn), QStringLiteral("0"));
+
+        // The acknowledgement clears every total, the LEDs' too, whose alarm counts stay.
+        for (int i = 0; i < 2; ++i)
+            rig.alarms.ReportLedFailure(0);
+        rig.alarms.ResetAlarms();
+        QCOMPARE(rig.cell(pump, CommErrorTable::ConsecutiveColumn), QStringLiteral("0"));
+        QCOMPARE(rig.cell(pump, CommErrorTable::TotalColumn), QStringLiteral("0"));
+        QCOMPARE(rig.cell(3, CommErrorTable::ConsecutiveColumn), QStringLiteral("2"));
+        QCOMPARE(rig.cell(3, CommErrorTable::TotalColumn), QStringLiteral("0"));
+        QCOMPARE(rig.cell(pump, CommErrorTable::LastFailureColumn), QString());
+        QCOMPARE(rig.table.lastLineFailure(), QStringLiteral("Nessun errore dall'ultimo riconoscimento"));
+    }
+
+    void lastFailureTellsWhy_data()
+    {
+        QTest::addColumn<int>("slave");
+        QTest::addColumn<QByteArray>("reply");
+        QTest::addColumn<QString>("reason");
+        QTest::newRow("silence") << 1 << QByteArray() << "Time out";
+        QTest::newRow("short reply") << 1 << bytes({1, 0x83}) << "(Exception)";
+        QTest::newRow("broadcast") << 0 << QByteArray() << "Broadcast";
+        QTest::newRow("bad CRC") << 1 << bytes({1, 3, 2, 0, 7, 0, 0}) << "";
+    }
+
+    void lastFailureTellsWhy()
+    {
+        QFETCH(int, slave);
+        QFETCH(QByteArray, reply);
+        QFETCH(QString, reason);
+
+        Rig rig;
+        QSignalSpy lineFailure(&rig.table, &CommErrorTable::lastLineFailureChanged);
+        rig.line.script(ScriptedLine::Reply().at(5, reply));
+        QCOMPARE(rig.master.ReadRegister(3, 0, slave), ModbusMaster::InvalidValue);
+        rig.clock.setNow(QDateTime(QDate(2026, 11, 14), QTime(10, 16, 30)));
+        rig.alarms.ReportZoneFailure(1);
+
+        const QString expected = reason.isEmpty() ? QStringLiteral("14/11/2026 10:16:30")
+                                                  : QStringLiteral("14/11/2026 10:16:30  ") + reason;
+        QCOMPARE(rig.cell(1, CommErrorTable::LastFailureColumn), expected);
+        const QString line = QStringLiteral("Zona Forno 2, 14/11/2026 10:16:30")
+                             + (reason.isEmpty() ? QString() : QStringLiteral(": ") + reason);
+        QCOMPARE(rig.table.lastLineFailure(), line);
+        QCOMPARE(lineFailure.size(), 1);
+        QCOMPARE(lineFailure.first().first().toString(), line);
+    }
+
+    void outOfRangeItemsAreIgnored()
+    {
+        Rig rig;
+        rig.alarms.ReportZoneFailure(MaxZones);
+        rig.alarms.ReportLedFailure(-1);
+        QCOMPARE(rig.table.lastLineFailure(), QStringLiteral("Nessun errore dall'ultimo riconoscimento"));
+        QCOMPARE(rig.table.data(rig.table.index(7, 0)), QVariant());
+    }
+};
+
+QTEST_GUILESS_MAIN(TestCommErrorTable)
+#include "tst_commerrortable.moc"
