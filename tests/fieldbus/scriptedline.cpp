@@ -51,6 +51,8 @@ bool ScriptedLine::setFormat(const QString &format)
 bool ScriptedLine::open()
 {
     ++m_openCalls;
+    if (m_onOpen)
+        m_onOpen();
     deliverDue();
     if (m_openRefused) {
         m_lastError = m_refusal;

@@ -59,6 +59,8 @@ public:
     void setReadLimit(int bytes) { m_readLimit = bytes; }
     // Runs at the start of every yield: the event handlers a real event loop would run.
     void setDuringYield(std::function<void()> handler) { m_duringYield = std::move(handler); }
+    // Runs at every open, before it succeeds or fails.
+    void setOnOpen(std::function<void()> handler) { m_onOpen = std::move(handler); }
 
     // `payload` followed by its CRC-16/MODBUS, low byte first.
     static QByteArray withCrc(const QByteArray &payload);
@@ -102,6 +104,7 @@ private:
     QList<Reply> m_script;
     Responder m_responder;
     std::function<void()> m_duringYield;
+    std::function<void()> m_onOpen;
     QList<Arrival> m_inFlight; // kept in arrival order
     QByteArray m_input;
 
