@@ -6,12 +6,6 @@
 
 namespace telvane {
 
-ScriptedLine::Reply &ScriptedLine::Reply::at(qint64 afterMs, const QByteArray &bytes)
-{
-    m_chunks.append({afterMs, bytes});
-    return *this;
-}
-
 ScriptedLine::Reply ScriptedLine::Reply::split(const QByteArray &bytes, int pieceSize, qint64 firstMs,
                                                qint64 stepMs)
 {
@@ -22,11 +16,6 @@ ScriptedLine::Reply ScriptedLine::Reply::split(const QByteArray &bytes, int piec
     return reply;
 }
 
-ScriptedLine::ScriptedLine(ManualClock &clock)
-    : m_clock(clock)
-{
-}
-
 QByteArray ScriptedLine::withCrc(const QByteArray &payload)
 {
     const quint16 crc = modbusCrc(payload);
@@ -34,18 +23,6 @@ QByteArray ScriptedLine::withCrc(const QByteArray &payload)
     frame.append(static_cast<char>(crc & 0xFF));
     frame.append(static_cast<char>(crc >> 8));
     return frame;
-}
-
-void ScriptedLine::setOpenRefused(bool refused, const QString &error)
-{
-    m_openRefused = refused;
-    m_refusal = error;
-}
-
-bool ScriptedLine::setFormat(const QString &format)
-{
-    m_format = format;
-    return true;
 }
 
 bool ScriptedLine::open()
