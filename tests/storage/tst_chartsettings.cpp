@@ -72,7 +72,7 @@ private slots:
         QTest::addColumn<QString>("name");
         QTest::addColumn<QString>("label");
         QTest::newRow("25 characters, blank at the cut") << "Laboratorio analisi  Nord" << "Laboratorio analisi";
-        QTest::newRow("exactly 20") << "Camera degli ospiti1" << "Camera degli ospiti1";
+        QTest::newRow("21 characters") << "Camera degli ospiti12" << "Camera degli ospiti1";
         QTest::newRow("accents count as one") << QString::fromUtf8("Àtrio è più lungo di venti")
                                               << QString::fromUtf8("Àtrio è più lungo di");
     }
