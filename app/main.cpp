@@ -1,12 +1,13 @@
+#include "commandline.h"
+#include "headless.h"
+
 #include "base/clock.h"
-#include "commands/chronothermostat.h"
-#include "commands/clockalignment.h"
-#include "commands/plantcommands.h"
 #include "platform/eventlooppause.h"
 #include "platform/messageboxprompts.h"
 #include "platform/qserialline.h"
 #include "platform/qtsoundplayer.h"
 #include "storage/programfolder.h"
+#include "supervisor/plantsession.h"
 #include "supervisor/runtime.h"
 #include "supervisor/supervisor.h"
 #include "ui/mainform.h"
@@ -32,45 +33,37 @@ constexpr int ScreenshotDelayMs = 2500;
 
 int main(int argc, char *argv[])
 {
+    if (headlessRequested(argc, argv))
+        return headlessMain(argc, argv);
+
     QApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Telvane"));
     QApplication::setApplicationVersion(QStringLiteral(TELVANE_VERSION));
 
     QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral("Telvane: supervisore Modbus RTU"));
-    parser.addHelpOption();
-    parser.addVersionOption();
-    const QCommandLineOption dirOption(QStringLiteral("dir"),
-                                       QStringLiteral("Cartella del programma (impostazioni, Dati, Crono, Ricetta)."),
-                                       QStringLiteral("DIR"));
-    const QCommandLineOption simulateOption(QStringLiteral("simulate"),
-                                            QStringLiteral("Simula gli strumenti, senza chiederlo all'avvio."));
-    const QCommandLineOption communicateOption(QStringLiteral("communicate"),
-                                               QStringLiteral("Comunica con gli strumenti, senza chiederlo all'avvio."));
+    const CommandLineOptions options;
+    options.addTo(parser);
     const QCommandLineOption screenshotOption(
         QStringLiteral("screenshot"),
         QStringLiteral("Avvia l'acquisizione, salva l'immagine della finestra principale in FILE ed esce."),
         QStringLiteral("FILE"));
-    parser.addOption(dirOption);
-    parser.addOption(simulateOption);
-    parser.addOption(communicateOption);
     parser.addOption(screenshotOption);
     parser.process(app);
 
-    if (parser.isSet(simulateOption) && parser.isSet(communicateOption)) {
+    if (parser.isSet(options.simulate) && parser.isSet(options.communicate)) {
         std::fputs("--simulate e --communicate si escludono a vicenda.\n", stderr);
         return 2;
     }
 
-    bool communicate = !parser.isSet(simulateOption);
-    if (!parser.isSet(simulateOption) && !parser.isSet(communicateOption)) {
+    bool communicate = !parser.isSet(options.simulate);
+    if (!parser.isSet(options.simulate) && !parser.isSet(options.communicate)) {
         Splash splash;
         splash.exec();
         communicate = splash.communicate();
     }
 
-    const ProgramFolder folder = parser.isSet(dirOption) ? ProgramFolder(parser.value(dirOption))
-                                                         : ProgramFolder::besideExecutable();
+    const ProgramFolder folder = parser.isSet(options.dir) ? ProgramFolder(parser.value(options.dir))
+                                                           : ProgramFolder::besideExecutable();
     // A new plant starts in a folder of its own; without it the program still runs, on
     // default settings it cannot save.
     if (!QDir().mkpath(folder.root()))
@@ -83,14 +76,10 @@ int main(int argc, char *argv[])
     Runtime rt(folder, line, clock, pause, sound);
 
     Supervisor supervisor(rt);
-    PlantCommands commands(rt, prompts, supervisor);
-    ChronoThermostat chronoThermostat(rt);
-    ClockAlignment clockAlignment(rt);
-    rt.operatorCommands = &commands;
-    rt.cycleTasks = {&chronoThermostat, &clockAlignment};
+    PlantSession session(rt, supervisor, prompts);
 
     supervisor.setCommunicateWithInstruments(communicate);
-    supervisor.startUp();
+    session.startUp();
 
     MainForm window(rt, supervisor, prompts);
     prompts.setParent(&window);

@@ -14,6 +14,13 @@ public:
     virtual void play(const QString &filePath) = 0;
 };
 
+// Plays nothing: the supervisor of a cabinet without loudspeakers, the headless mode.
+class SilentSoundPlayer final : public SoundPlayer
+{
+public:
+    void play(const QString &) override {}
+};
+
 // Records the files it was asked to play.
 class RecordingSoundPlayer final : public SoundPlayer
 {

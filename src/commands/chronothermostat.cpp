@@ -48,7 +48,7 @@ bool ChronoThermostat::sendSlot(const QDate &date, int slot)
     const int quantity = m_rt.plant.zoneDisplay.chronoQuantity;
     const ZoneTable &table = m_rt.editor.tables.ZoneWriteTable;
     const int zones = std::clamp(m_rt.plant.zoneCount(), 0, ChronoSchedule::Zones);
-    bool sent = false;
+    int sent = 0;
 
     for (int zone = 0; zone < zones; ++zone) {
         if (!m_rt.editor.chronoZoneEnabled[zone])
@@ -70,12 +70,16 @@ bool ChronoThermostat::sendSlot(const QDate &date, int slot)
             continue;
         }
         const qint32 echo = m_rt.master.WriteRegister(target->functionCode, target->registerNumber, *raw, target->slave);
-        sent = true;
+        ++sent;
         if (echo != *raw)
             qCWarning(lcCommands, "Chrono-thermostat: zone %d slot %s: the instrument echoed %d for %d", zone + 1,
                       qPrintable(chronoSlotLabel(slot)), echo, int(*raw));
     }
-    return sent;
+    // One line a quarter of an hour tells whoever reads the log that the schedule runs.
+    if (sent > 0)
+        qCInfo(lcCommands, "Chrono-thermostat: slot %s (day %d) sent to %d zone(s)",
+               qPrintable(chronoSlotLabel(slot)), day + 1, sent);
+    return sent > 0;
 }
 
 } // namespace telvane

@@ -21,7 +21,7 @@ PlantCommands::PlantCommands(Runtime &rt, Prompts &prompts, const Supervisor &su
 std::optional<CommandOutcome> PlantCommands::requestSwitch(int sw, bool on)
 {
     if (!m_supervisor.AcquisitionRunning())
-        return telvane::SwitchCommand(m_rt, m_prompts, sw, on);
+        return told(telvane::SwitchCommand(m_rt, m_prompts, sw, on));
     (on ? m_rt.commands.PendingSwitchOn : m_rt.commands.PendingSwitchOff) = sw;
     return std::nullopt;
 }
@@ -29,7 +29,7 @@ std::optional<CommandOutcome> PlantCommands::requestSwitch(int sw, bool on)
 std::optional<CommandOutcome> PlantCommands::requestDoorOpen()
 {
     if (!m_supervisor.AcquisitionRunning())
-        return telvane::DoorOpenCommand(m_rt, m_prompts);
+        return told(telvane::DoorOpenCommand(m_rt, m_prompts));
     m_rt.commands.PendingDoorOpen = true;
     return std::nullopt;
 }
@@ -37,7 +37,7 @@ std::optional<CommandOutcome> PlantCommands::requestDoorOpen()
 std::optional<CommandOutcome> PlantCommands::requestSetValue(int zone, const QString &valueText)
 {
     if (!m_supervisor.AcquisitionRunning())
-        return telvane::SetValueCommand(m_rt, m_prompts, zone, valueText);
+        return told(telvane::SetValueCommand(m_rt, m_prompts, zone, valueText));
     m_rt.commands.PendingSetValue = true;
     m_rt.commands.PendingSetValueZone = zone;
     m_rt.commands.PendingSetValueText = valueText;
@@ -46,12 +46,12 @@ std::optional<CommandOutcome> PlantCommands::requestSetValue(int zone, const QSt
 
 void PlantCommands::DoorOpenCommand()
 {
-    telvane::DoorOpenCommand(m_rt, m_prompts);
+    told(telvane::DoorOpenCommand(m_rt, m_prompts));
 }
 
 void PlantCommands::SwitchCommand(int sw, bool on)
 {
-    telvane::SwitchCommand(m_rt, m_prompts, sw, on);
+    told(telvane::SwitchCommand(m_rt, m_prompts, sw, on));
 }
 
 void PlantCommands::runPendingSetValue()
@@ -61,9 +61,17 @@ void PlantCommands::runPendingSetValue()
     const QString text = std::exchange(queue.PendingSetValueText, QString());
     if (zone < 0) {
         qCWarning(lcCommands, "A set value was pending without a zone: nothing sent");
+        told(CommandOutcome::Refused);
         return;
     }
-    telvane::SetValueCommand(m_rt, m_prompts, zone, text);
+    told(telvane::SetValueCommand(m_rt, m_prompts, zone, text));
+}
+
+CommandOutcome PlantCommands::told(CommandOutcome outcome) const
+{
+    if (m_outcomeListener)
+        m_outcomeListener(outcome);
+    return outcome;
 }
 
 } // namespace telvane

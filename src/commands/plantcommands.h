@@ -5,6 +5,7 @@
 
 #include <QString>
 
+#include <functional>
 #include <optional>
 
 namespace telvane {
@@ -21,7 +22,12 @@ struct Runtime;
 class PlantCommands final : public OperatorCommands
 {
 public:
+    // Told how every command that ran ended, at once or from the queue.
+    using OutcomeListener = std::function<void(CommandOutcome outcome)>;
+
     PlantCommands(Runtime &rt, Prompts &prompts, const Supervisor &supervisor);
+
+    void setOutcomeListener(OutcomeListener listener) { m_outcomeListener = std::move(listener); }
 
     // --- The operator's requests: act now, or queue ------------------------------
     // Each returns the outcome when the command ran at once, nothing when it was queued.
@@ -36,9 +42,12 @@ public:
     void runPendingSetValue() override;
 
 private:
+    CommandOutcome told(CommandOutcome outcome) const;
+
     Runtime &m_rt;
     Prompts &m_prompts;
     const Supervisor &m_supervisor;
+    OutcomeListener m_outcomeListener;
 };
 
 } // namespace telvane

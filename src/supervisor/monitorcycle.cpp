@@ -63,6 +63,7 @@ void Supervisor::MonitorCycle()
         MenuStart();
     else if (deferred == DeferredRead::Reload)
         MenuRileggi();
+    emit tickFinished();
 }
 
 // A period of 0 would divide by zero; that poll simply never runs.

@@ -78,6 +78,8 @@ public:
     bool IsAdministrator() const;
     bool IsTechnician() const;
     int CycleCounter() const { return m_cycleCounter; }
+    // A monitoring tick is under way (perhaps waiting for a reply in a nested loop).
+    bool tickInProgress() const { return m_inTick; }
     int acquisitionButtonImage() const { return m_buttonImage; }
 
     const QTimer &Timer_Monitor() const { return m_monitorTimer; }
@@ -93,6 +95,8 @@ signals:
     void acquisitionButtonImageChanged(int image);
     // The editor's acquisition-sensitive frame must be enabled or disabled.
     void editorFrameEnabledRequested(bool enabled);
+    // A monitoring tick has ended, its timer re-armed or, after a Stop, left off.
+    void tickFinished();
 
 private:
     enum class DeferredRead { None, Start, Reload };

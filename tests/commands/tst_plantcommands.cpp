@@ -17,6 +17,8 @@ struct CommandsFixture : RuntimeFixture
 {
     Supervisor supervisor{rt};
     PlantCommands commands{rt, prompts, supervisor};
+    // How each command that ran ended, as the commands tell it.
+    QList<CommandOutcome> told;
 
     explicit CommandsFixture(bool acquiring)
     {
@@ -31,6 +33,7 @@ struct CommandsFixture : RuntimeFixture
         slaves = {4, 9, 12};
         rt.editor.comm.remotePeriod = rt.editor.comm.measurementPeriod = rt.editor.comm.ledPeriod = 0;
         rt.operatorCommands = &commands;
+        commands.setOutcomeListener([this](CommandOutcome outcome) { told.append(outcome); });
         if (acquiring)
             supervisor.SetAcquisitionState(true);
     }
@@ -59,7 +62,7 @@ private slots:
                                    << QStringList{"0c 06 0050 00d7"};
     }
     // Standing by, a command goes out at once; acquiring, it waits for the next tick,
-    // which leaves the queue empty.
+    // which leaves the queue empty. Either way its outcome is told when it ran.
     void commands()
     {
         QFETCH(Request, request);
@@ -68,13 +71,15 @@ private slots:
         standingBy.login(true, false);
         QCOMPARE(request(standingBy.commands), CommandOutcome::Confirmed);
         QCOMPARE(standingBy.takeRequests(), wire);
+        QCOMPARE(standingBy.told, QList{CommandOutcome::Confirmed});
 
         CommandsFixture acquiring(true);
         acquiring.login(true, false);
         QCOMPARE(request(acquiring.commands), std::nullopt);
-        QVERIFY(acquiring.line.requests().isEmpty());
+        QVERIFY(acquiring.line.requests().isEmpty() && acquiring.told.isEmpty());
         acquiring.supervisor.MonitorCycle();
         QCOMPARE(acquiring.takeRequests(), wire);
+        QCOMPARE(acquiring.told, QList{CommandOutcome::Confirmed});
         acquiring.supervisor.MonitorCycle();
         QVERIFY(acquiring.takeRequests().isEmpty());
         QVERIFY(acquiring.prompts.asked().isEmpty());
@@ -97,7 +102,21 @@ private slots:
             QCOMPARE(fx.pause.pauses(), QList<int>{1000});
             QCOMPARE(fx.panelTexts[StatusBar::MessagePanel], (QStringList{"Privilegi insufficienti", ""}));
             QCOMPARE(fx.rt.alarms.FailCount(AlarmItemKind::Switch, 0), 0);
+            QCOMPARE(fx.told, QList{CommandOutcome::Refused});
         }
+    }
+
+    // What the queue ran is told as it ended, a silent instrument included.
+    void queuedOutcomesAreTold()
+    {
+        CommandsFixture fx(true);
+        fx.login(true, false);
+        fx.slaves.remove(9);
+        fx.commands.requestDoorOpen();
+        fx.commands.requestSwitch(0, true);
+        fx.commands.requestSetValue(0, QStringLiteral("dieci"));
+        fx.supervisor.MonitorCycle();
+        QCOMPARE(fx.told, (QList{CommandOutcome::Doubtful, CommandOutcome::Confirmed, CommandOutcome::Refused}));
     }
 
     // A second value typed before the tick replaces the first.

@@ -2,41 +2,31 @@
 #include "config_editor/commsettings.h"
 #include "fieldbus/modbusmaster.h"
 #include "fieldbus/scriptedline.h"
-#include "storage/inistore.h"
+#include "support/datarows.h"
+#include "support/settingsfixture.h"
 
-#include <QFile>
 #include <QRegularExpression>
-#include <QTemporaryDir>
-#include <QTest>
 
 using namespace telvane;
 
 namespace {
 
-// A program folder whose current settings file holds section COM with `lines`.
-class Plant
-{
-public:
-    explicit Plant(const QStringList &lines)
-        : m_store(ProgramFolder(m_dir.path()))
-    {
-        QFile file(m_store.folder().filePath(m_store.currentIniName()));
-        if (file.open(QIODevice::WriteOnly))
-            file.write((QStringList {QStringLiteral("[COM]")} + lines).join(QStringLiteral("\r\n")).toUtf8() + "\r\n");
-    }
-    const IniStore &store() const { return m_store; }
-
-private:
-    QTemporaryDir m_dir;
-    IniStore m_store;
-};
-
-// The master and its scripted line, as the program wires them.
+// Section COM of the current settings file holds `keys`, separated by ";"; the master
+// and its scripted line are wired as in the program.
 struct Field
 {
+    explicit Field(const QString &keys = {})
+        : ini(dir.store("[COM]\r\n" + QString(keys).replace(';', "\r\n").toUtf8() + "\r\n"))
+    {
+    }
+    void load() { LoadCommSettings(ini, master, line, settings); }
+
+    SettingsFolder dir;
+    IniStore ini;
     ManualClock clock;
-    ScriptedLine line {clock};
-    ModbusMaster master {line, clock};
+    ScriptedLine line{clock};
+    ModbusMaster master{line, clock};
+    CommSettings settings;
 };
 
 } // namespace
@@ -46,204 +36,96 @@ class TestCommSettings : public QObject
     Q_OBJECT
 
 private slots:
-    void settingsRead_data();
-    void settingsRead();
-    void portThatOpensIsApplied();
-    void portThatDoesNotOpen();
-    void badFormat_data();
-    void badFormat();
-    void lineFlagsAreLeftAlone();
-    void lineOptions_data();
-    void lineOptions();
+    // keys | port format retries time-out measurement remote LED periods
+    void settingsRead_data()
+    {
+        addRows({"|1 9600,N,8,1 1 0.5 60 3 3",
+                 "Porta=3;Formato=19200,N,8,1;Retry=4;TimeOut=250;Base Misura=120;Base Remoto=5;Base LED=2|3 19200,N,8,1 4 0.25 120 5 2",
+                 "TimeOut=75|1 9600,N,8,1 1 0.075 60 3 3",
+                 "Base Misura=300;Base Remoto=30;Base LED=0|1 9600,N,8,1 1 0.5 300 30 0",
+                 "Base Misura=301;Base Remoto=31;Base LED=-5|1 9600,N,8,1 1 0.5 300 30 30",
+                 "Base Misura=70000;Base Remoto=-1|1 9600,N,8,1 1 0.5 300 30 3",
+                 "Porta = /dev/ttyUSB0 ;Formato=  4800,E,8,1  |/dev/ttyUSB0 4800,E,8,1 1 0.5 60 3 3"});
+    }
+    void settingsRead()
+    {
+        const QStringList cells = rowCells();
+        Field field(cells[0]);
+        field.load();
+        const CommSettings &s = field.settings;
+        QCOMPARE(QStringLiteral("%1 %2 %3 %4 %5 %6 %7").arg(s.port, s.format).arg(s.retries).arg(s.timeoutSeconds)
+                     .arg(s.measurementPeriod).arg(s.remotePeriod).arg(s.ledPeriod), cells[1]);
+        // The master works with what was read.
+        QCOMPARE(field.master.attempts(), s.retries);
+        QCOMPARE(field.master.replyTimeout(), s.timeoutSeconds);
+        // The port was tried by opening it, and left closed: the master opens it for each
+        // operation.
+        QVERIFY(s.portAvailable);
+        QCOMPARE(s.statusText, "COM" + s.port + ":" + s.format);
+        QCOMPARE(field.line.port(), s.port);
+        QCOMPARE(field.line.format(), s.format);
+        QCOMPARE(field.line.openCalls(), 1);
+        QVERIFY(!field.line.isOpen());
+        QVERIFY(field.line.requests().isEmpty());
+    }
+
+    void portThatDoesNotOpen()
+    {
+        Field field("Porta=7;Formato=4800,N,8,1");
+        field.line.setFormat("19200,N,8,1");
+        field.line.setOpenRefused(true, "No such file or directory");
+        field.settings.portAvailable = true;
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression("cannot be opened.*No such file"));
+        field.load();
+        QVERIFY(!field.settings.portAvailable);
+        QCOMPARE(field.settings.statusText, QStringLiteral("Nessuna COM"));
+        QCOMPARE(field.line.format(), QStringLiteral("19200,N,8,1"));
+
+        // Once the port is back, loading again brings the line into use.
+        field.line.setOpenRefused(false);
+        field.load();
+        QVERIFY(field.settings.portAvailable);
+        QCOMPARE(field.settings.statusText, QStringLiteral("COM7:4800,N,8,1"));
+        QCOMPARE(field.line.format(), QStringLiteral("4800,N,8,1"));
+    }
+
+    // Formato | the reason the warning gives
+    void badFormat_data() { addRows({"9600,X,8,1|parità", "veloce,N,8,1|velocità", "|virgole"}); }
+    void badFormat()
+    {
+        const QStringList cells = rowCells();
+        Field field("Porta=2;Formato=" + cells[0]);
+        field.line.setPort("1");
+        field.line.setFormat("19200,N,8,1");
+        field.settings.portAvailable = true;
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression("\\[COM\\] Formato = .*" + cells[1] + ".*no serial port"));
+        field.load();
+        QVERIFY(!field.settings.portAvailable);
+        QCOMPARE(field.settings.statusText, QStringLiteral("Nessuna COM"));
+        // The line is neither touched nor re-pointed.
+        QCOMPARE(field.line.openCalls(), 0);
+        QCOMPARE(field.line.port() + " " + field.line.format(), QStringLiteral("1 19200,N,8,1"));
+    }
+
+    // keys | remote and line-activity flags
+    void lineOptions_data() { addRows({"|00", "Remoto=1;Attivita=0|10", "Remoto=-1;Attivita=si|11", "Remoto=;Attivita=0|10"}); }
+    void lineOptions()
+    {
+        const QStringList cells = rowCells();
+        Field field(cells[0]);
+        field.settings.remoteEnabled = cells[1][0] == '0';
+        field.settings.lineActivity = cells[1][1] == '0';
+        LoadLineOptions(field.ini, field.settings);
+        QCOMPARE(QStringLiteral("%1%2").arg(field.settings.remoteEnabled).arg(field.settings.lineActivity), cells[1]);
+
+        // The line-activity check may have been switched off for want of a reading line
+        // between the two loads; loading the serial settings must not switch it back on.
+        field.settings.lineActivity = false;
+        field.load();
+        QCOMPARE(field.settings.remoteEnabled, cells[1][0] == '1');
+        QVERIFY(!field.settings.lineActivity);
+    }
 };
-
-void TestCommSettings::settingsRead_data()
-{
-    QTest::addColumn<QStringList>("lines");
-    QTest::addColumn<QString>("port");
-    QTest::addColumn<QString>("format");
-    QTest::addColumn<int>("retries");
-    QTest::addColumn<float>("timeoutSeconds");
-    QTest::addColumn<int>("measurement");
-    QTest::addColumn<int>("remote");
-    QTest::addColumn<int>("led");
-
-    QTest::newRow("nothing set") << QStringList() << "1" << "9600,N,8,1" << 1 << 0.5f << 60 << 3 << 3;
-    QTest::newRow("everything set")
-        << QStringList {"Porta=3", "Formato=19200,N,8,1", "Retry=4", "TimeOut=250", "Base Misura=120",
-                        "Base Remoto=5", "Base LED=2"}
-        << "3" << "19200,N,8,1" << 4 << 0.25f << 120 << 5 << 2;
-    QTest::newRow("time-out missing: half a second") << QStringList {"Retry=2"}
-                                                     << "1" << "9600,N,8,1" << 2 << 0.5f << 60 << 3 << 3;
-    QTest::newRow("time-out in fractions") << QStringList {"TimeOut=75"}
-                                           << "1" << "9600,N,8,1" << 1 << 0.075f << 60 << 3 << 3;
-    QTest::newRow("periods at their limits") << QStringList {"Base Misura=300", "Base Remoto=30", "Base LED=0"}
-                                             << "1" << "9600,N,8,1" << 1 << 0.5f << 300 << 30 << 0;
-    QTest::newRow("periods just beyond") << QStringList {"Base Misura=301", "Base Remoto=31", "Base LED=31"}
-                                         << "1" << "9600,N,8,1" << 1 << 0.5f << 300 << 30 << 30;
-    QTest::newRow("negative periods") << QStringList {"Base Misura=-1", "Base Remoto=-1", "Base LED=-5"}
-                                      << "1" << "9600,N,8,1" << 1 << 0.5f << 300 << 30 << 30;
-    QTest::newRow("period beyond 16 bits") << QStringList {"Base Misura=70000"}
-                                           << "1" << "9600,N,8,1" << 1 << 0.5f << 300 << 3 << 3;
-    QTest::newRow("device path, blanks") << QStringList {"Porta = /dev/ttyUSB0 ", "Formato=  4800,E,8,1  "}
-                                         << "/dev/ttyUSB0" << "4800,E,8,1" << 1 << 0.5f << 60 << 3 << 3;
-}
-
-void TestCommSettings::settingsRead()
-{
-    QFETCH(QStringList, lines);
-    QFETCH(QString, port);
-    QFETCH(QString, format);
-    QFETCH(int, retries);
-    QFETCH(float, timeoutSeconds);
-    QFETCH(int, measurement);
-    QFETCH(int, remote);
-    QFETCH(int, led);
-
-    const Plant plant(lines);
-    Field field;
-    CommSettings settings;
-    LoadCommSettings(plant.store(), field.master, field.line, settings);
-
-    QCOMPARE(settings.port, port);
-    QCOMPARE(settings.format, format);
-    QCOMPARE(settings.retries, retries);
-    QCOMPARE(settings.timeoutSeconds, timeoutSeconds);
-    QCOMPARE(settings.measurementPeriod, measurement);
-    QCOMPARE(settings.remotePeriod, remote);
-    QCOMPARE(settings.ledPeriod, led);
-    // The master works with what was read.
-    QCOMPARE(field.master.attempts(), retries);
-    QCOMPARE(field.master.replyTimeout(), timeoutSeconds);
-    QVERIFY(settings.portAvailable);
-    QCOMPARE(settings.statusText, QStringLiteral("COM%1:%2").arg(port, format));
-}
-
-void TestCommSettings::portThatOpensIsApplied()
-{
-    const Plant plant({QStringLiteral("Porta=2"), QStringLiteral("Formato=4800,N,8,1")});
-    Field field;
-    CommSettings settings;
-    LoadCommSettings(plant.store(), field.master, field.line, settings);
-
-    QVERIFY(settings.portAvailable);
-    QCOMPARE(settings.statusText, QStringLiteral("COM2:4800,N,8,1"));
-    QCOMPARE(field.line.port(), QStringLiteral("2"));
-    QCOMPARE(field.line.format(), QStringLiteral("4800,N,8,1"));
-    // Tested by opening it, and left closed: the master opens it for each operation.
-    QCOMPARE(field.line.openCalls(), 1);
-    QVERIFY(!field.line.isOpen());
-    QVERIFY(field.line.requests().isEmpty());
-}
-
-void TestCommSettings::portThatDoesNotOpen()
-{
-    const Plant plant({QStringLiteral("Porta=7"), QStringLiteral("Formato=4800,N,8,1")});
-    Field field;
-    field.line.setFormat(QStringLiteral("19200,N,8,1"));
-    field.line.setOpenRefused(true, QStringLiteral("No such file or directory"));
-    CommSettings settings;
-    settings.portAvailable = true;
-
-    QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("cannot be opened.*No such file")));
-    LoadCommSettings(plant.store(), field.master, field.line, settings);
-
-    QVERIFY(!settings.portAvailable);
-    QCOMPARE(settings.statusText, QStringLiteral("Nessuna COM"));
-    QCOMPARE(field.line.openCalls(), 1);
-    QCOMPARE(field.line.format(), QStringLiteral("19200,N,8,1"));
-    // The rest of the settings still hold.
-    QCOMPARE(settings.port, QStringLiteral("7"));
-    QCOMPARE(settings.format, QStringLiteral("4800,N,8,1"));
-
-    // Once the port is back, loading again brings the line into use.
-    field.line.setOpenRefused(false);
-    LoadCommSettings(plant.store(), field.master, field.line, settings);
-    QVERIFY(settings.portAvailable);
-    QCOMPARE(settings.statusText, QStringLiteral("COM7:4800,N,8,1"));
-    QCOMPARE(field.line.format(), QStringLiteral("4800,N,8,1"));
-}
-
-void TestCommSettings::badFormat_data()
-{
-    QTest::addColumn<QString>("format");
-    QTest::addColumn<QString>("reason");
-
-    QTest::newRow("unknown parity") << "9600,X,8,1" << "parità";
-    QTest::newRow("missing field") << "9600,N,8" << "virgole";
-    QTest::newRow("speed in words") << "veloce,N,8,1" << "velocità";
-    QTest::newRow("empty") << "" << "virgole";
-}
-
-void TestCommSettings::badFormat()
-{
-    QFETCH(QString, format);
-    QFETCH(QString, reason);
-
-    const Plant plant({QStringLiteral("Porta=2"), QStringLiteral("Formato=") + format});
-    Field field;
-    field.line.setPort(QStringLiteral("1"));
-    field.line.setFormat(QStringLiteral("19200,N,8,1"));
-    CommSettings settings;
-    settings.portAvailable = true;
-    settings.statusText = QStringLiteral("COM1:19200,N,8,1");
-
-    QTest::ignoreMessage(QtWarningMsg,
-                         QRegularExpression(QStringLiteral("\\[COM\\] Formato = .*%1.*no serial port").arg(reason)));
-    LoadCommSettings(plant.store(), field.master, field.line, settings);
-
-    QVERIFY(!settings.portAvailable);
-    QCOMPARE(settings.statusText, QStringLiteral("Nessuna COM"));
-    // The line is neither touched nor re-pointed.
-    QCOMPARE(field.line.openCalls(), 0);
-    QCOMPARE(field.line.port(), QStringLiteral("1"));
-    QCOMPARE(field.line.format(), QStringLiteral("19200,N,8,1"));
-}
-
-void TestCommSettings::lineFlagsAreLeftAlone()
-{
-    // The line-activity check may have been switched off for want of a reading line
-    // between the two loads; loading the serial settings must not switch it back on.
-    const Plant plant({QStringLiteral("Remoto=1"), QStringLiteral("Attivita=1")});
-    Field field;
-    CommSettings settings;
-    LoadLineOptions(plant.store(), settings);
-    QVERIFY(settings.remoteEnabled);
-    QVERIFY(settings.lineActivity);
-    settings.lineActivity = false;
-    LoadCommSettings(plant.store(), field.master, field.line, settings);
-    QVERIFY(settings.remoteEnabled);
-    QVERIFY(!settings.lineActivity);
-}
-
-void TestCommSettings::lineOptions_data()
-{
-    QTest::addColumn<QStringList>("lines");
-    QTest::addColumn<bool>("remote");
-    QTest::addColumn<bool>("activity");
-
-    QTest::newRow("absent") << QStringList() << false << false;
-    QTest::newRow("both on") << QStringList {"Remoto=1", "Attivita=1"} << true << true;
-    QTest::newRow("both off") << QStringList {"Remoto=0", "Attivita=0"} << false << false;
-    QTest::newRow("only remote") << QStringList {"Remoto=1", "Attivita=0"} << true << false;
-    QTest::newRow("anything but 0 is on") << QStringList {"Remoto=-1", "Attivita=si"} << true << true;
-    QTest::newRow("empty is on") << QStringList {"Remoto=", "Attivita=0"} << true << false;
-}
-
-void TestCommSettings::lineOptions()
-{
-    QFETCH(QStringList, lines);
-    QFETCH(bool, remote);
-    QFETCH(bool, activity);
-
-    const Plant plant(lines);
-    CommSettings settings;
-    settings.remoteEnabled = !remote;
-    settings.lineActivity = !activity;
-    LoadLineOptions(plant.store(), settings);
-    QCOMPARE(settings.remoteEnabled, remote);
-    QCOMPARE(settings.lineActivity, activity);
-}
 
 QTEST_GUILESS_MAIN(TestCommSettings)
 #include "tst_commsettings.moc"

@@ -6,12 +6,6 @@
 
 namespace telvane {
 
-ScriptedLine::Reply &ScriptedLine::Reply::at(qint64 afterMs, const QByteArray &bytes)
-{
-    m_chunks.append({afterMs, bytes});
-    return *this;
-}
-
 ScriptedLine::Reply ScriptedLine::Reply::split(const QByteArray &bytes, int pieceSize, qint64 firstMs,
                                                qint64 stepMs)
 {
@@ -20,11 +14,6 @@ ScriptedLine::Reply ScriptedLine::Reply::split(const QByteArray &bytes, int piec
     for (qsizetype from = 0; from < bytes.size(); from += pieceSize, atMs += stepMs)
         reply.at(atMs, bytes.mid(from, pieceSize));
     return reply;
-}
-
-ScriptedLine::ScriptedLine(ManualClock &clock)
-    : m_clock(clock)
-{
 }
 
 QByteArray ScriptedLine::withCrc(const QByteArray &payload)
@@ -36,21 +25,11 @@ QByteArray ScriptedLine::withCrc(const QByteArray &payload)
     return frame;
 }
 
-void ScriptedLine::setOpenRefused(bool refused, const QString &error)
-{
-    m_openRefused = refused;
-    m_refusal = error;
-}
-
-bool ScriptedLine::setFormat(const QString &format)
-{
-    m_format = format;
-    return true;
-}
-
 bool ScriptedLine::open()
 {
     ++m_openCalls;
+    if (m_onOpen)
+        m_onOpen();
     deliverDue();
     if (m_openRefused) {
         m_lastError = m_refusal;

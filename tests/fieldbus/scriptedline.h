@@ -36,7 +36,11 @@ public:
         Reply(const QByteArray &bytes) { at(0, bytes); }
 
         // Adds bytes arriving `afterMs` after the request (noise, a piece of a reply).
-        Reply &at(qint64 afterMs, const QByteArray &bytes);
+        Reply &at(qint64 afterMs, const QByteArray &bytes)
+        {
+            m_chunks.append({afterMs, bytes});
+            return *this;
+        }
         // `bytes` cut into pieces of `pieceSize`, the first at `firstMs`, the next ones
         // `stepMs` apart.
         static Reply split(const QByteArray &bytes, int pieceSize, qint64 firstMs, qint64 stepMs);
@@ -49,23 +53,26 @@ public:
 
     using Responder = std::function<Reply(const QByteArray &request)>;
 
-    explicit ScriptedLine(ManualClock &clock);
+    explicit ScriptedLine(ManualClock &clock) : m_clock(clock) {}
 
-    // --- Script -----------------------------------------------------------------
     void script(const Reply &reply) { m_script.append(reply); }
     void setResponder(Responder responder) { m_responder = std::move(responder); }
-    void setOpenRefused(bool refused, const QString &error = QStringLiteral("Permission denied"));
+    void setOpenRefused(bool refused, const QString &error = QStringLiteral("Permission denied"))
+    {
+        m_openRefused = refused;
+        m_refusal = error;
+    }
     // At most `bytes` per readAll, as a driver handing data over in pieces (0: all).
     void setReadLimit(int bytes) { m_readLimit = bytes; }
     // Runs at the start of every yield: the event handlers a real event loop would run.
     void setDuringYield(std::function<void()> handler) { m_duringYield = std::move(handler); }
+    // Runs at every open, before it succeeds or fails.
+    void setOnOpen(std::function<void()> handler) { m_onOpen = std::move(handler); }
 
     // `payload` followed by its CRC-16/MODBUS, low byte first.
     static QByteArray withCrc(const QByteArray &payload);
 
-    // --- Record -----------------------------------------------------------------
     const QList<QByteArray> &requests() const { return m_requests; }
-    int scriptLeft() const { return int(m_script.size()); }
     int openCalls() const { return m_openCalls; }
     int closeCalls() const { return m_closeCalls; }
     int writesWhileClosed() const { return m_writesWhileClosed; }
@@ -75,9 +82,12 @@ public:
     const QString &port() const { return m_port; }
     const QString &format() const { return m_format; }
 
-    // --- SerialLine -------------------------------------------------------------
     void setPort(const QString &port) override { m_port = port; }
-    bool setFormat(const QString &format) override;
+    bool setFormat(const QString &format) override
+    {
+        m_format = format;
+        return true;
+    }
     bool open() override;
     void close() override;
     bool isOpen() const override { return m_open; }
@@ -102,6 +112,7 @@ private:
     QList<Reply> m_script;
     Responder m_responder;
     std::function<void()> m_duringYield;
+    std::function<void()> m_onOpen;
     QList<Arrival> m_inFlight; // kept in arrival order
     QByteArray m_input;
 

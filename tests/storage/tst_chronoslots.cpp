@@ -1,7 +1,6 @@
 #include "storage/chronoschedule.h"
 #include "storage/chronoslots.h"
-
-#include <QTest>
+#include "support/datarows.h"
 
 using namespace telvane;
 
@@ -10,41 +9,20 @@ class TestChronoSlots : public QObject
     Q_OBJECT
 
 private slots:
-    void labels_data()
-    {
-        QTest::addColumn<int>("slot");
-        QTest::addColumn<QString>("label");
-        QTest::newRow("first") << 0 << "00:00";
-        QTest::newRow("second") << 1 << "00:15";
-        QTest::newRow("noon") << 48 << "12:00";
-        QTest::newRow("half past") << 50 << "12:30";
-        QTest::newRow("last") << 95 << "23:45";
-        QTest::newRow("the unused slot") << 96 << "";
-        QTest::newRow("negative") << -1 << "";
-    }
+    // slot | label
+    void labels_data() { addRows({"0|00:00", "50|12:30", "95|23:45", "96|", "-1|"}); }
     void labels()
     {
-        QFETCH(int, slot);
-        QFETCH(QString, label);
-        QCOMPARE(chronoSlotLabel(slot), label);
+        const QStringList cells = rowCells();
+        QCOMPARE(chronoSlotLabel(cells[0].toInt()), cells[1]);
     }
 
-    void slotOfTime_data()
-    {
-        QTest::addColumn<QTime>("time");
-        QTest::addColumn<int>("slot");
-        QTest::newRow("midnight") << QTime(0, 0) << 0;
-        QTest::newRow("end of the first quarter") << QTime(0, 14, 59, 999) << 0;
-        QTest::newRow("second quarter") << QTime(0, 15) << 1;
-        QTest::newRow("afternoon") << QTime(14, 44, 10) << 58;
-        QTest::newRow("last second of the day") << QTime(23, 59, 59) << 95;
-        QTest::newRow("invalid") << QTime() << -1;
-    }
+    // time | slot
+    void slotOfTime_data() { addRows({"00:14:59.999|0", "14:44:10.000|58", "23:59:59.999|95", "|-1"}); }
     void slotOfTime()
     {
-        QFETCH(QTime, time);
-        QFETCH(int, slot);
-        QCOMPARE(chronoSlotAt(time), slot);
+        const QStringList cells = rowCells();
+        QCOMPARE(chronoSlotAt(QTime::fromString(cells[0], "HH:mm:ss.zzz")), cells[1].toInt());
     }
 
     // Every slot's label names the start of the quarter it holds, and the day's slots fit
@@ -53,7 +31,7 @@ private slots:
     {
         QCOMPARE(ChronoDaySlots + 1, ChronoSchedule::Slots);
         for (int slot = 0; slot < ChronoDaySlots; ++slot) {
-            const QTime start = QTime::fromString(chronoSlotLabel(slot), QStringLiteral("HH:mm"));
+            const QTime start = QTime::fromString(chronoSlotLabel(slot), "HH:mm");
             QVERIFY(start.isValid());
             QCOMPARE(chronoSlotAt(start), slot);
             QCOMPARE(chronoSlotAt(start.addSecs(ChronoSlotMinutes * 60 - 1)), slot);

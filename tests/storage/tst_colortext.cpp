@@ -1,6 +1,5 @@
 #include "storage/colortext.h"
-
-#include <QTest>
+#include "support/datarows.h"
 
 using namespace telvane;
 
@@ -9,59 +8,27 @@ class TestColorText : public QObject
     Q_OBJECT
 
 private slots:
+    // text | colour in hexadecimal, or "none" when it is no colour
     void parse_data()
     {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<bool>("valid");
-        QTest::addColumn<quint32>("color");
-        QTest::newRow("as the chart writes it") << "&HFF0000" << true << 0x00FF0000u;
-        QTest::newRow("lower case prefix and digits") << "&h80ff" << true << 0x000080FFu;
-        QTest::newRow("short hex is not widened") << "&H8000" << true << 0x00008000u;
-        QTest::newRow("long suffix") << "&H800000&" << true << 0x00800000u;
-        QTest::newRow("all 32 bits") << "&HFFFF80FF" << true << 0xFFFF80FFu;
-        QTest::newRow("leading zeros beyond eight digits") << "&H0000000000FF" << true << 0x000000FFu;
-        QTest::newRow("blanks around") << "  &HC0C0C0 " << true << 0x00C0C0C0u;
-        QTest::newRow("decimal default") << "16777215" << true << 0x00FFFFFFu;
-        QTest::newRow("negative decimal is the same bits") << "-32513" << true << 0xFFFF80FFu;
-        QTest::newRow("system colour as a negative long") << "-2147483640" << true << 0x80000008u;
-        QTest::newRow("largest unsigned decimal") << "4294967295" << true << 0xFFFFFFFFu;
-        QTest::newRow("hex wider than 32 bits") << "&H1FFFFFFFF" << false << 0u;
-        QTest::newRow("decimal wider than 32 bits") << "4294967296" << false << 0u;
-        QTest::newRow("below the smallest long") << "-2147483649" << false << 0u;
-        QTest::newRow("prefix only") << "&H" << false << 0u;
-        QTest::newRow("not hex digits") << "&HGG00" << false << 0u;
-        QTest::newRow("sign inside hex") << "&H-FF" << false << 0u;
-        QTest::newRow("C prefix inside hex") << "&H0x12" << false << 0u;
-        QTest::newRow("a colour name") << "rosso" << false << 0u;
-        QTest::newRow("decimal with a fraction") << "12.5" << false << 0u;
-        QTest::newRow("empty") << "" << false << 0u;
+        addRows({"&HFF0000|FF0000", "&h80ff|80FF", "&H800000&|800000", "&HFFFF80FF|FFFF80FF", "&H0000000000FF|FF",
+                 "  &HC0C0C0 |C0C0C0", "16777215|FFFFFF", "-32513|FFFF80FF", "-2147483640|80000008", "4294967295|FFFFFFFF",
+                 "&H1FFFFFFFF|none", "4294967296|none", "-2147483649|none", "&H|none", "&HGG00|none", "&H-FF|none",
+                 "&H0x12|none", "rosso|none", "12.5|none", "|none"});
     }
     void parse()
     {
-        QFETCH(QString, text);
-        QFETCH(bool, valid);
-        QFETCH(quint32, color);
-        const auto parsed = parseColorText(text);
-        QCOMPARE(parsed.has_value(), valid);
-        if (valid)
-            QCOMPARE(*parsed, color);
+        const QStringList cells = rowCells();
+        const std::optional<quint32> parsed = parseColorText(cells[0]);
+        QCOMPARE(parsed ? QString::number(*parsed, 16).toUpper() : "none", cells[1]);
     }
 
-    void formatReadsBack_data()
-    {
-        QTest::addColumn<quint32>("color");
-        QTest::addColumn<QString>("text");
-        QTest::newRow("black has one digit") << 0u << "&H0";
-        QTest::newRow("no leading zeros") << 0x00800000u << "&H800000";
-        QTest::newRow("upper case") << 0x00c0e0ffu << "&HC0E0FF";
-        QTest::newRow("all 32 bits") << 0xFFFF80FFu << "&HFFFF80FF";
-    }
     void formatReadsBack()
     {
-        QFETCH(quint32, color);
-        QFETCH(QString, text);
-        QCOMPARE(formatColorText(color), text);
-        QCOMPARE(parseColorText(text), std::optional<quint32>(color));
+        for (const quint32 colour : {0x0u, 0x00800000u, 0x00c0e0ffu, 0xFFFF80FFu})
+            QCOMPARE(parseColorText(formatColorText(colour)), std::optional<quint32>(colour));
+        QCOMPARE(formatColorText(0), QStringLiteral("&H0"));
+        QCOMPARE(formatColorText(0x00c0e0ff), QStringLiteral("&HC0E0FF"));
     }
 };
 

@@ -2,34 +2,30 @@
 
 #include "base/clock.h"
 #include "storage/valuetables.h"
+#include "support/settingsfixture.h"
 
-#include <QDir>
-#include <QFile>
 #include <QRegularExpression>
-#include <QTemporaryDir>
-#include <QTest>
+
+#include <memory>
 
 using namespace telvane;
 
 namespace {
 
-QByteArray readAll(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-// Records what the history chart would receive, one "trace|date-time|value" per point.
+// Records what the history chart would receive, as "time trace=value" joined by ", ".
 class RecordingSink final : public DailyLogSink
 {
 public:
     void addPoint(int trace, const QDateTime &time, float value) override
     {
-        points << QStringLiteral("%1|%2|%3").arg(trace).arg(time.toString(QStringLiteral("dd/MM/yyyy HH:mm:ss"))).arg(value);
+        points << QStringLiteral("%1 %2=%3").arg(time.toString("HH:mm:ss")).arg(trace).arg(value);
+        dates << time.date();
     }
     void redraw() override { ++redraws; }
+    QString text() const { return points.join(", "); }
 
     QStringList points;
+    QList<QDate> dates;
     int redraws = 0;
 };
 
@@ -40,30 +36,11 @@ class TestDailyLog : public QObject
     Q_OBJECT
 
 private:
-    QTemporaryDir m_dir;
-    QString dataPath(const QString &fileName) const { return m_dir.path() + QStringLiteral("/Dati/") + fileName; }
+    std::unique_ptr<SettingsFolder> m_dir;
+    QByteArray dataFile(const QString &name) const { return m_dir->read(QStringLiteral("Dati/") + name); }
 
 private slots:
-    void init()
-    {
-        QVERIFY(m_dir.isValid());
-        QDir(m_dir.path()).removeRecursively();
-        QVERIFY(QDir().mkpath(m_dir.path() + QStringLiteral("/Dati")));
-    }
-
-    void fileName_data()
-    {
-        QTest::addColumn<QDate>("date");
-        QTest::addColumn<QString>("expected");
-        QTest::newRow("two-digit day and month") << QDate(2026, 11, 14) << "2026_11_14.csv";
-        QTest::newRow("leading zeros") << QDate(2027, 1, 5) << "2027_01_05.csv";
-    }
-    void fileName()
-    {
-        QFETCH(QDate, date);
-        QFETCH(QString, expected);
-        QCOMPARE(DailyLogFileName(date), expected);
-    }
+    void init() { m_dir = std::make_unique<SettingsFolder>(); }
 
     void line_data()
     {
@@ -72,10 +49,8 @@ private slots:
         QTest::addColumn<QList<int>>("decimals");
         QTest::addColumn<QString>("expected");
         const QDateTime evening(QDate(2026, 11, 14), QTime(22, 20, 9));
-        QTest::newRow("three zones") << evening << QList<float>{21.5f, 19.0f, 20.25f} << QList<int>{1, 1, 1}
-                                     << "14/11/2026 22:20:09;21.5;19.0;20.3;";
-        QTest::newRow("each zone its decimals") << evening << QList<float>{21.0f, 7.125f, -3.5f, 1.0f}
-                                                << QList<int>{0, 3, 2, 1} << "14/11/2026 22:20:09;21;7.125;-3.50;1.0;";
+        QTest::newRow("each zone its decimals") << evening << QList<float>{21.0f, 7.125f, -3.5f, 20.25f}
+                                                << QList<int>{0, 3, 2, 1} << "14/11/2026 22:20:09;21;7.125;-3.50;20.3;";
         QTest::newRow("zone that did not answer") << evening << QList<float>{InvalidValue} << QList<int>{1}
                                                   << "14/11/2026 22:20:09;-99999.0;";
         QTest::newRow("leading zeros in date and time")
@@ -91,131 +66,85 @@ private slots:
         for (qsizetype n = 0; n < values.size(); ++n)
             logged.append({values[n], decimals[n]});
         QCOMPARE(dailyLogLine(time, logged), expected);
+        QCOMPARE(DailyLogFileName(time.date()), time.toString("yyyy_MM_dd") + ".csv");
     }
 
-    void appendAddsCrLfAndKeepsEarlierLines()
+    void appendsWithCrLfIntoTheDaysFile()
     {
-        ManualClock clock(QDateTime(QDate(2026, 11, 14), QTime(10, 0)));
-        DailyLog log(ProgramFolder(m_dir.path()), clock);
-        QVERIFY(log.AppendDailyLogLine(QStringLiteral("14/11/2026 10:00:00;21.5;")));
-        clock.advance(60000);
-        QVERIFY(log.AppendDailyLogLine(QStringLiteral("14/11/2026 10:01:00;21.6;")));
-        QCOMPARE(readAll(dataPath(QStringLiteral("2026_11_14.csv"))),
-                 QByteArray("14/11/2026 10:00:00;21.5;\r\n14/11/2026 10:01:00;21.6;\r\n"));
-    }
-
-    void midnightStartsTheNewDaysFile()
-    {
-        ManualClock clock(QDateTime(QDate(2026, 12, 31), QTime(23, 59, 59)));
-        DailyLog log(ProgramFolder(m_dir.path()), clock);
-        QVERIFY(log.AppendDailyLogLine(QStringLiteral("old")));
+        ManualClock clock(QDateTime(QDate(2026, 12, 31), QTime(23, 59, 58)));
+        DailyLog log(m_dir->folder(), clock);
+        QVERIFY(log.AppendDailyLogLine("first"));
         clock.advance(1000);
-        QVERIFY(log.AppendDailyLogLine(QStringLiteral("new")));
-        QCOMPARE(readAll(dataPath(QStringLiteral("2026_12_31.csv"))), QByteArray("old\r\n"));
-        QCOMPARE(readAll(dataPath(QStringLiteral("2027_01_01.csv"))), QByteArray("new\r\n"));
+        QVERIFY(log.AppendDailyLogLine("second"));
+        clock.advance(1000);
+        QVERIFY(log.AppendDailyLogLine("new year"));
+        QCOMPARE(dataFile("2026_12_31.csv"), QByteArray("first\r\nsecond\r\n"));
+        QCOMPARE(dataFile("2027_01_01.csv"), QByteArray("new year\r\n"));
     }
 
     void failedAppendLosesOnlyThatLine()
     {
         ManualClock clock(QDateTime(QDate(2026, 3, 1), QTime(12, 0)));
-        DailyLog log(ProgramFolder(m_dir.path()), clock);
-        QVERIFY(log.AppendDailyLogLine(QStringLiteral("first")));
+        DailyLog log(m_dir->folder(), clock);
+        QVERIFY(log.AppendDailyLogLine("first"));
         // Something in the way of the next day's file.
-        QVERIFY(QDir().mkpath(dataPath(QStringLiteral("2026_03_02.csv"))));
+        QVERIFY(QDir().mkpath(m_dir->path("Dati/2026_03_02.csv")));
         clock.advance(24 * 3600 * 1000);
-        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("2026_03_02.csv.*lost")));
-        QVERIFY(!log.AppendDailyLogLine(QStringLiteral("lost")));
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression("2026_03_02.csv.*lost"));
+        QVERIFY(!log.AppendDailyLogLine("lost"));
         clock.setNow(QDateTime(QDate(2026, 3, 1), QTime(12, 2)));
-        QVERIFY(log.AppendDailyLogLine(QStringLiteral("third")));
-        QCOMPARE(readAll(dataPath(QStringLiteral("2026_03_01.csv"))), QByteArray("first\r\nthird\r\n"));
-    }
-
-    void removedFolderIsMadeAgain()
-    {
-        QVERIFY(QDir(m_dir.path() + QStringLiteral("/Dati")).removeRecursively());
-        ManualClock clock(QDateTime(QDate(2026, 3, 1), QTime(12, 0)));
-        DailyLog log(ProgramFolder(m_dir.path()), clock);
-        QVERIFY(log.AppendDailyLogLine(QStringLiteral("kept")));
-        QCOMPARE(readAll(dataPath(QStringLiteral("2026_03_01.csv"))), QByteArray("kept\r\n"));
+        QVERIFY(log.AppendDailyLogLine("third"));
+        QCOMPARE(dataFile("2026_03_01.csv"), QByteArray("first\r\nthird\r\n"));
     }
 
     void reading_data()
     {
-        QTest::addColumn<QByteArray>("content");
+        QTest::addColumn<QByteArray>("content"); // null: no file
         QTest::addColumn<bool>("complete");
-        QTest::addColumn<QStringList>("points");
-        const QString t1 = QStringLiteral("|14/11/2026 22:20:09|");
-        const QString t2 = QStringLiteral("|14/11/2026 22:21:09|");
-
-        QTest::newRow("empty file") << QByteArray() << true << QStringList();
-        QTest::newRow("two lines, CR LF") << QByteArray("14/11/2026 22:20:09;21.5;19;20.3;\r\n14/11/2026 22:21:09;21.6;19.1;20.4;\r\n")
-                                          << true
-                                          << QStringList{"1" + t1 + "21.5", "2" + t1 + "19", "3" + t1 + "20.3",
-                                                         "1" + t2 + "21.6", "2" + t2 + "19.1", "3" + t2 + "20.4"};
-        QTest::newRow("LF and comma") << QByteArray("14/11/2026 22:20:09;21,5;\n14/11/2026 22:21:09;-3,25;\n") << true
-                                      << QStringList{"1" + t1 + "21.5", "1" + t2 + "-3.25"};
-        QTest::newRow("last line without its line end") << QByteArray("14/11/2026 22:20:09;21.5;") << true
-                                                        << QStringList{"1" + t1 + "21.5"};
-        QTest::newRow("zones added during the day")
-            << QByteArray("14/11/2026 22:20:09;1;\r\n14/11/2026 22:21:09;1;2;\r\n") << true
-            << QStringList{"1" + t1 + "1", "1" + t2 + "1", "2" + t2 + "2"};
-        QTest::newRow("date without a value") << QByteArray("14/11/2026 22:20:09;\r\n") << false << QStringList();
-        QTest::newRow("empty line in the middle")
-            << QByteArray("14/11/2026 22:20:09;1;\r\n\r\n14/11/2026 22:21:09;2;\r\n") << false << QStringList{"1" + t1 + "1"};
-        QTest::newRow("empty line at the end") << QByteArray("14/11/2026 22:20:09;1;\r\n\r\n") << false
-                                               << QStringList{"1" + t1 + "1"};
-        QTest::newRow("last value without its ;") << QByteArray("14/11/2026 22:20:09;1;\r\n14/11/2026 22:21:09;2;3\r\n")
-                                                  << false << QStringList{"1" + t1 + "1", "1" + t2 + "2"};
-        QTest::newRow("blank after the last ;") << QByteArray("14/11/2026 22:20:09;1; \r\n") << false
-                                                << QStringList{"1" + t1 + "1"};
-        QTest::newRow("value that is no number") << QByteArray("14/11/2026 22:20:09;1;x;3;\r\n") << false
-                                                 << QStringList{"1" + t1 + "1"};
-        QTest::newRow("empty value") << QByteArray("14/11/2026 22:20:09;;3;\r\n") << false << QStringList();
-        QTest::newRow("value beyond a float") << QByteArray("14/11/2026 22:20:09;1" + QByteArray(45, '0') + ";\r\n")
-                                              << false << QStringList();
-        QTest::newRow("line without ;") << QByteArray("14/11/2026 22:20:09\r\n") << false << QStringList();
-        QTest::newRow("date that is no date") << QByteArray("31/02/2026 22:20:09;1;\r\n") << false << QStringList();
-        QTest::newRow("date in another order") << QByteArray("2026-11-14 22:20:09;1;\r\n") << false << QStringList();
-        QTest::newRow("ten-megabyte line")
-            << QByteArray("14/11/2026 22:20:09;") + QByteArray("1;").repeated(5 * 1024 * 1024) + "\r\n" << false
-            << QStringList();
-        QTest::newRow("binary garbage") << QByteArray("\x00\xff;\x01;\r\n\xfe\x80", 10).repeated(1000) << false
-                                        << QStringList();
+        QTest::addColumn<QString>("points");
+        const QByteArray t1 = "14/11/2026 22:20:09;";
+        const QByteArray t2 = "14/11/2026 22:21:09;";
+        QTest::newRow("empty file") << QByteArray("") << true << "";
+        QTest::newRow("two lines, CR LF") << t1 + "21.5;19;\r\n" + t2 + "21.6;19.1;\r\n" << true
+                                          << "22:20:09 1=21.5, 22:20:09 2=19, 22:21:09 1=21.6, 22:21:09 2=19.1";
+        QTest::newRow("LF and comma, no end on the last line") << t1 + "21,5;\n" + t2 + "-3,25;" << true
+                                                               << "22:20:09 1=21.5, 22:21:09 1=-3.25";
+        QTest::newRow("zones added during the day") << t1 + "1;\r\n" + t2 + "1;2;\r\n" << true
+                                                    << "22:20:09 1=1, 22:21:09 1=1, 22:21:09 2=2";
+        QTest::newRow("date without a value") << t1 + "\r\n" << false << "";
+        QTest::newRow("empty line in the middle") << t1 + "1;\r\n\r\n" + t2 + "2;\r\n" << false << "22:20:09 1=1";
+        QTest::newRow("empty line at the end") << t1 + "1;\r\n\r\n" << false << "22:20:09 1=1";
+        QTest::newRow("last value without its ;") << t1 + "1;\r\n" + t2 + "2;3\r\n" << false << "22:20:09 1=1, 22:21:09 1=2";
+        QTest::newRow("blank after the last ;") << t1 + "1; \r\n" << false << "22:20:09 1=1";
+        QTest::newRow("value that is no number") << t1 + "1;x;3;\r\n" << false << "22:20:09 1=1";
+        QTest::newRow("value beyond a float") << t1 + "1" + QByteArray(45, '0') + ";\r\n" << false << "";
+        QTest::newRow("line without ;") << QByteArray("14/11/2026 22:20:09\r\n") << false << "";
+        QTest::newRow("date that is no date") << QByteArray("31/02/2026 22:20:09;1;\r\n") << false << "";
+        QTest::newRow("date in another order") << QByteArray("2026-11-14 22:20:09;1;\r\n") << false << "";
+        QTest::newRow("no file") << QByteArray() << false << "";
     }
     void reading()
     {
         QFETCH(QByteArray, content);
         QFETCH(bool, complete);
-        QFETCH(QStringList, points);
-        {
-            QFile file(dataPath(QStringLiteral("2026_11_14.csv")));
-            QVERIFY(file.open(QIODevice::WriteOnly));
-            file.write(content);
-        }
+        QFETCH(QString, points);
+        if (!content.isNull())
+            m_dir->write("Dati/2026_11_14.csv", content);
         ManualClock clock;
-        const DailyLog log(ProgramFolder(m_dir.path()), clock);
+        const DailyLog log(m_dir->folder(), clock);
         RecordingSink sink;
         if (!complete)
-            QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("2026_11_14.csv.*damaged")));
-        QCOMPARE(log.ReadDailyLog(QStringLiteral("2026_11_14.csv"), sink), complete);
-        QCOMPARE(sink.points, points);
+            QTest::ignoreMessage(QtWarningMsg, QRegularExpression("2026_11_14.csv"));
+        QCOMPARE(log.ReadDailyLog("2026_11_14.csv", sink), complete);
+        QCOMPARE(sink.text(), points);
         QCOMPARE(sink.redraws, complete ? 1 : 0);
-    }
-
-    void missingFileIsNotRead()
-    {
-        ManualClock clock;
-        const DailyLog log(ProgramFolder(m_dir.path()), clock);
-        RecordingSink sink;
-        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("2020_01_01.csv")));
-        QVERIFY(!log.ReadDailyLog(QStringLiteral("2020_01_01.csv"), sink));
-        QVERIFY(sink.points.isEmpty());
+        QCOMPARE(sink.dates.count(QDate(2026, 11, 14)), sink.dates.size());
     }
 
     void writtenLinesReadBack()
     {
         ManualClock clock(QDateTime(QDate(2026, 11, 14), QTime(22, 20, 9)));
-        DailyLog log(ProgramFolder(m_dir.path()), clock);
+        DailyLog log(m_dir->folder(), clock);
         const QList<LoggedValue> first{{21.5f, 1}, {InvalidValue, 1}, {7.125f, 3}};
         QVERIFY(log.AppendDailyLogLine(dailyLogLine(clock.now(), first)));
         clock.advance(60000);
@@ -224,8 +153,7 @@ private slots:
 
         RecordingSink sink;
         QVERIFY(log.ReadDailyLog(DailyLogFileName(clock.now().date()), sink));
-        QCOMPARE(sink.points, (QStringList{"1|14/11/2026 22:20:09|21.5", "2|14/11/2026 22:20:09|-99999",
-                                           "3|14/11/2026 22:20:09|7.125", "1|14/11/2026 22:21:09|22"}));
+        QCOMPARE(sink.text(), QStringLiteral("22:20:09 1=21.5, 22:20:09 2=-99999, 22:20:09 3=7.125, 22:21:09 1=22"));
     }
 };
 

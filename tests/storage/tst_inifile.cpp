@@ -17,53 +17,39 @@ private slots:
         QTest::addColumn<QString>("section");
         QTest::addColumn<QString>("key");
         QTest::addColumn<QString>("expected"); // a null string: the key is absent
-
+        const auto row = [](const char *name, const QByteArray &bytes, const QString &expected,
+                            const QString &section = "A", const QString &key = "k") {
+            QTest::newRow(name) << bytes << section << key << expected;
+        };
         const QString absent;
-        QTest::newRow("plain") << QByteArray("[Generale]\r\nZone=5\r\n") << "Generale" << "Zone" << "5";
-        QTest::newRow("case of section and key") << QByteArray("[GENERALE]\r\nzone=5\r\n") << "generale" << "ZONE" << "5";
-        QTest::newRow("blanks around names and value")
-            << QByteArray("  [ Zona 01 ]  \r\n \t Nome   =  Sala  riunioni \t\r\n") << "Zona 01" << "Nome" << "Sala  riunioni";
-        QTest::newRow("LF line ends") << QByteArray("[COM]\nPorta=3\nRetry=2\n") << "COM" << "Retry" << "2";
-        QTest::newRow("no line end at the end") << QByteArray("[COM]\r\nPorta=3") << "COM" << "Porta" << "3";
-        QTest::newRow("equals sign in the value") << QByteArray("[A]\r\nk=a=b\r\n") << "A" << "k" << "a=b";
-        QTest::newRow("empty value is not absent") << QByteArray("[A]\r\nk=\r\n") << "A" << "k" << "";
-        QTest::newRow("double quotes stripped") << QByteArray("[A]\r\nk=\" x \"\r\n") << "A" << "k" << " x ";
-        QTest::newRow("single quotes stripped") << QByteArray("[A]\r\nk='x'\r\n") << "A" << "k" << "x";
-        QTest::newRow("quotes outside blanks") << QByteArray("[A]\r\nk=  \"x\"  \r\n") << "A" << "k" << "x";
-        QTest::newRow("mismatched quotes kept") << QByteArray("[A]\r\nk=\"x'\r\n") << "A" << "k" << "\"x'";
-        QTest::newRow("opening quote only kept") << QByteArray("[A]\r\nk=\"x\r\n") << "A" << "k" << "\"x";
-        QTest::newRow("lone quote kept") << QByteArray("[A]\r\nk=\"\r\n") << "A" << "k" << "\"";
-        QTest::newRow("inner quotes kept") << QByteArray("[A]\r\nk=a\"b\"\r\n") << "A" << "k" << "a\"b\"";
-        QTest::newRow("first of two keys") << QByteArray("[A]\r\nk=1\r\nK=2\r\n") << "A" << "k" << "1";
-        QTest::newRow("first of two sections")
-            << QByteArray("[A]\r\nk=1\r\n[B]\r\n[a]\r\nk=2\r\n") << "A" << "k" << "1";
-        QTest::newRow("keys of a repeated section are not read")
-            << QByteArray("[A]\r\nk=1\r\n[B]\r\n[a]\r\nj=2\r\n") << "A" << "j" << absent;
-        QTest::newRow("missing section") << QByteArray("[A]\r\nk=1\r\n") << "B" << "k" << absent;
-        QTest::newRow("missing key") << QByteArray("[A]\r\nk=1\r\n") << "A" << "j" << absent;
-        QTest::newRow("key of another section") << QByteArray("[A]\r\nk=1\r\n[B]\r\n") << "B" << "k" << absent;
-        QTest::newRow("key before any section") << QByteArray("k=1\r\n[A]\r\n") << "A" << "k" << absent;
-        QTest::newRow("comment line") << QByteArray("[A]\r\n;k=1\r\n") << "A" << "k" << absent;
-        QTest::newRow("line without equals") << QByteArray("[A]\r\nk\r\n") << "A" << "k" << absent;
-        QTest::newRow("bracket without close does not start a section")
-            << QByteArray("[A]\r\n[B\r\nk=1\r\n") << "A" << "k" << "1";
-        QTest::newRow("comment after a header") << QByteArray("[A] ; zone\r\nk=1\r\n") << "A" << "k" << "1";
-        QTest::newRow("300 characters read as 254")
-            << QByteArray("[A]\r\nk=" + QByteArray(254, 'a') + QByteArray(46, 'b') + "\r\n") << "A" << "k"
-            << QString(254, QLatin1Char('a'));
-        QTest::newRow("cut after the quotes go")
-            << QByteArray("[A]\r\nk=\"" + QByteArray(300, 'a') + "\"\r\n") << "A" << "k" << QString(254, QLatin1Char('a'));
-        QTest::newRow("NUL inside a value") << QByteArray("[A]\r\nk=a\0b\r\n", 11) << "A" << "k" << QString::fromUtf16(u"a\0b", 3);
-        QTest::newRow("UTF-8 BOM skipped") << QByteArray("\xEF\xBB\xBF[A]\r\nk=1\r\n") << "A" << "k" << "1";
-        QTest::newRow("UTF-8 degree sign") << QByteArray("[A]\r\nk=\xC2\xB0" "C\r\n") << "A" << "k" << QString::fromUtf16(u"°C");
-        QTest::newRow("Windows-1252 degree sign") << QByteArray("[A]\r\nk=\xB0" "C\r\n") << "A" << "k" << QString::fromUtf16(u"°C");
-        QTest::newRow("Windows-1252 euro") << QByteArray("[A]\r\nk=5 \x80\r\n") << "A" << "k" << QString::fromUtf16(u"5 €");
-        QTest::newRow("Windows-1252 dash and quotes")
-            << QByteArray("[A]\r\nk=\x93" "a\x94\x96" "b\r\n") << "A" << "k" << QString::fromUtf16(u"“a”–b");
-        QTest::newRow("Windows-1252 accented section")
-            << QByteArray("[Unit\xE0]\r\nk=1\r\n") << QString::fromUtf16(u"UNITÀ") << "k" << "1";
-        QTest::newRow("one invalid byte makes the whole file Windows-1252")
-            << QByteArray("[A]\r\nk=\xC3\xA8\r\nj=\xE8\r\n") << "A" << "k" << QString::fromUtf16(u"Ã¨");
+        row("case of section and key", "[GENERALE]\r\nzone=5\r\n", "5", "generale", "ZONE");
+        row("blanks around names and value", "  [ Zona 01 ]  \r\n \t Nome   =  Sala  riunioni \t\r\n", "Sala  riunioni",
+            "Zona 01", "Nome");
+        row("LF, no line end at the end", "[A]\nj=3\nk=2", "2");
+        row("equals sign in the value", "[A]\r\nk=a=b\r\n", "a=b");
+        row("empty value is not absent", "[A]\r\nk=\r\n", "");
+        row("quotes stripped outside the blanks", "[A]\r\nk=  \" x \"  \r\n", " x ");
+        row("single quotes stripped", "[A]\r\nk='x'\r\n", "x");
+        row("mismatched quotes kept", "[A]\r\nk=\"x'\r\n", "\"x'");
+        row("lone quote kept", "[A]\r\nk=\"\r\n", "\"");
+        row("first of two keys", "[A]\r\nk=1\r\nK=2\r\n", "1");
+        row("first of two sections", "[A]\r\nk=1\r\n[B]\r\n[a]\r\nk=2\r\n", "1");
+        row("keys of a repeated section are not read", "[A]\r\nk=1\r\n[B]\r\n[a]\r\nj=2\r\n", absent, "A", "j");
+        row("key of another section", "[A]\r\nk=1\r\n[B]\r\n", absent, "B");
+        row("key before any section", "k=1\r\n[A]\r\n", absent);
+        row("comment line", "[A]\r\n;k=1\r\n", absent);
+        row("bracket without close does not start a section", "[A]\r\n[B\r\nk=1\r\n", "1");
+        row("comment after a header", "[A] ; zone\r\nk=1\r\n", "1");
+        row("300 characters read as 254", "[A]\r\nk=" + QByteArray(254, 'a') + QByteArray(46, 'b') + "\r\n",
+            QString(254, 'a'));
+        row("cut after the quotes go", "[A]\r\nk=\"" + QByteArray(300, 'a') + "\"\r\n", QString(254, 'a'));
+        row("ten-megabyte line", "[A]\r\nj=2\r\nk=" + QByteArray(10 << 20, 'x') + "\r\n", QString(254, 'x'));
+        row("UTF-8 BOM skipped", "\xEF\xBB\xBF[A]\r\nk=1\r\n", "1");
+        row("UTF-8 degree sign", "[A]\r\nk=\xC2\xB0" "C\r\n", QString::fromUtf16(u"°C"));
+        row("Windows-1252 text", "[Unit\xE0]\r\nk=\x93\xB0" "C \x80\x94\r\n", QString::fromUtf16(u"“°C €”"),
+            QString::fromUtf16(u"UNITÀ"));
+        row("one invalid byte makes the whole file Windows-1252", "[A]\r\nk=\xC3\xA8\r\nj=\xE8\r\n",
+            QString::fromUtf16(u"Ã¨"));
     }
     void reading()
     {
@@ -73,21 +59,15 @@ private slots:
         QFETCH(QString, expected);
         const IniFile file = IniFile::parse(bytes);
         QCOMPARE(file.value(section, key), expected.isNull() ? std::nullopt : std::optional<QString>(expected));
-        QCOMPARE(file.value(section, key, QStringLiteral("default")), expected.isNull() ? QStringLiteral("default") : expected);
+        QCOMPARE(file.value(section, key, "default"), expected.isNull() ? QStringLiteral("default") : expected);
     }
 
-    void defaultIsCutLikeAValue()
+    void defaultsAndNames()
     {
-        const IniFile file;
-        QCOMPARE(file.value("A", "k", QString(300, QLatin1Char('d'))), QString(254, QLatin1Char('d')));
-    }
-
-    void namesReachableByReading()
-    {
+        QCOMPARE(IniFile().value("A", "k", QString(300, 'd')), QString(254, 'd'));
         const IniFile file = IniFile::parse("x=0\r\n[Zona 01]\r\nNome=a\r\n; c\r\nnome=b\r\nX=1\r\n[COM]\r\n[zona 01]\r\nY=2\r\n");
         QCOMPARE(file.sectionNames(), QStringList({"Zona 01", "COM"}));
         QCOMPARE(file.keyNames("ZONA 01"), QStringList({"Nome", "X"}));
-        QCOMPARE(file.keyNames("Webcam"), QStringList());
     }
 
     void updating_data()
@@ -97,47 +77,30 @@ private slots:
         QTest::addColumn<QString>("key");
         QTest::addColumn<QString>("value");
         QTest::addColumn<QByteArray>("after");
-
-        QTest::newRow("one line changes, comments and order stay")
-            << QByteArray("; Impianto\r\n[Generale]\r\nZone=3\r\n; fine\r\n\r\n[COM]\r\nPorta=1\r\nFormato=9600,N,8,1\r\n")
-            << "com" << "PORTA" << "2"
-            << QByteArray("; Impianto\r\n[Generale]\r\nZone=3\r\n; fine\r\n\r\n[COM]\r\nPorta=2\r\nFormato=9600,N,8,1\r\n");
-        QTest::newRow("the key keeps its spelling and blanks")
-            << QByteArray("[A]\r\n  ZONE = 3  \r\n") << "A" << "zone" << "5" << QByteArray("[A]\r\n  ZONE =5\r\n");
-        QTest::newRow("LF file is written with CRLF")
-            << QByteArray("[A]\nx=1\n\ny=2\n") << "A" << "x" << "9" << QByteArray("[A]\r\nx=9\r\n\r\ny=2\r\n");
-        QTest::newRow("last line gets its line end")
-            << QByteArray("[A]\r\nx=1") << "A" << "x" << "2" << QByteArray("[A]\r\nx=2\r\n");
-        QTest::newRow("first of two keys is updated")
-            << QByteArray("[A]\r\nk=1\r\nk=2\r\n") << "A" << "k" << "9" << QByteArray("[A]\r\nk=9\r\nk=2\r\n");
-        QTest::newRow("missing key goes after the last non-blank line of its section")
-            << QByteArray("[A]\r\nx=1\r\n; note\r\n\r\n[B]\r\ny=2\r\n") << "A" << "k" << "9"
-            << QByteArray("[A]\r\nx=1\r\n; note\r\nk=9\r\n\r\n[B]\r\ny=2\r\n");
-        QTest::newRow("missing key in the last section, trailing blanks stay")
-            << QByteArray("[A]\r\nx=1\r\n\r\n\r\n") << "A" << "k" << "9" << QByteArray("[A]\r\nx=1\r\nk=9\r\n\r\n\r\n");
-        QTest::newRow("missing key in an empty section")
-            << QByteArray("[A]\r\n\r\n[B]\r\n") << "A" << "k" << "9" << QByteArray("[A]\r\nk=9\r\n\r\n[B]\r\n");
-        QTest::newRow("missing key goes into the first of two sections")
-            << QByteArray("[A]\r\nx=1\r\n[B]\r\n[A]\r\nk=2\r\n") << "A" << "k" << "9"
-            << QByteArray("[A]\r\nx=1\r\nk=9\r\n[B]\r\n[A]\r\nk=2\r\n");
-        QTest::newRow("missing section is appended")
-            << QByteArray("[A]\r\nx=1\r\n") << "Zona 02" << "Nome" << "Cucina"
-            << QByteArray("[A]\r\nx=1\r\n\r\n[Zona 02]\r\nNome=Cucina\r\n");
-        QTest::newRow("missing section after a blank line")
-            << QByteArray("[A]\r\nx=1\r\n\r\n") << "B" << "k" << "9" << QByteArray("[A]\r\nx=1\r\n\r\n[B]\r\nk=9\r\n");
-        QTest::newRow("empty file") << QByteArray() << "Generale" << "Modo" << "1" << QByteArray("[Generale]\r\nModo=1\r\n");
-        QTest::newRow("names are written trimmed")
-            << QByteArray() << " B " << " k " << "9" << QByteArray("[B]\r\nk=9\r\n");
-        QTest::newRow("BOM is dropped") << QByteArray("\xEF\xBB\xBF[A]\r\nx=1\r\n") << "A" << "x" << "2"
-                                        << QByteArray("[A]\r\nx=2\r\n");
-        QTest::newRow("Windows-1252 file is written as UTF-8")
-            << QByteArray("[A]\r\nu=\xB0" "C\r\nx=1\r\n") << "A" << "x" << "2"
-            << QByteArray("[A]\r\nu=\xC2\xB0" "C\r\nx=2\r\n");
-        QTest::newRow("value is written as given")
-            << QByteArray("[A]\r\nx=1\r\n") << "A" << "x" << QString::fromUtf16(u"5 €") << QByteArray("[A]\r\nx=5 \xE2\x82\xAC\r\n");
-        QTest::newRow("junk lines stay")
-            << QByteArray("[A]\r\njunk\r\n[broken\r\n\x01\x02\r\nx=1\r\n") << "A" << "x" << "2"
-            << QByteArray("[A]\r\njunk\r\n[broken\r\n\x01\x02\r\nx=2\r\n");
+        const auto row = [](const char *name, const QByteArray &before, const QByteArray &after,
+                            const QString &section = "A", const QString &key = "k", const QString &value = "9") {
+            QTest::newRow(name) << before << section << key << value << after;
+        };
+        row("one line changes, comments and order stay",
+            "; Impianto\r\n[Generale]\r\nZone=3\r\n; fine\r\n\r\n[COM]\r\nPorta=1\r\nFormato=9600,N,8,1\r\n",
+            "; Impianto\r\n[Generale]\r\nZone=3\r\n; fine\r\n\r\n[COM]\r\nPorta=2\r\nFormato=9600,N,8,1\r\n", "com",
+            "PORTA", "2");
+        row("the key keeps its spelling and blanks", "[A]\r\n  K = 3  \r\n", "[A]\r\n  K =9\r\n");
+        row("LF file is written with CRLF, last line gets its end", "[A]\nk=1\n\ny=2", "[A]\r\nk=9\r\n\r\ny=2\r\n");
+        row("first of two keys is updated", "[A]\r\nk=1\r\nk=2\r\n", "[A]\r\nk=9\r\nk=2\r\n");
+        row("missing key goes after the last non-blank line of its section",
+            "[A]\r\nx=1\r\n; note\r\n\r\n[B]\r\ny=2\r\n", "[A]\r\nx=1\r\n; note\r\nk=9\r\n\r\n[B]\r\ny=2\r\n");
+        row("missing key in the last section, trailing blanks stay", "[A]\r\nx=1\r\n\r\n\r\n",
+            "[A]\r\nx=1\r\nk=9\r\n\r\n\r\n");
+        row("missing key goes into the first of two sections", "[A]\r\nx=1\r\n[B]\r\n[A]\r\nk=2\r\n",
+            "[A]\r\nx=1\r\nk=9\r\n[B]\r\n[A]\r\nk=2\r\n");
+        row("missing section is appended", "[A]\r\nx=1\r\n", "[A]\r\nx=1\r\n\r\n[Zona 02]\r\nNome=Cucina\r\n",
+            "Zona 02", "Nome", "Cucina");
+        row("empty file, names trimmed", "", "[Generale]\r\nModo=1\r\n", " Generale ", " Modo ", "1");
+        row("BOM is dropped", "\xEF\xBB\xBF[A]\r\nk=1\r\n", "[A]\r\nk=9\r\n");
+        row("Windows-1252 file is written as UTF-8", "[A]\r\nu=\xB0" "C\r\nk=1\r\n",
+            "[A]\r\nu=\xC2\xB0" "C\r\nk=5 \xE2\x82\xAC\r\n", "A", "k", QString::fromUtf16(u"5 €"));
+        row("junk lines stay", "[A]\r\njunk\r\n[broken\r\n\x01\x02\r\nk=1\r\n", "[A]\r\njunk\r\n[broken\r\n\x01\x02\r\nk=9\r\n");
     }
     void updating()
     {
@@ -149,7 +112,6 @@ private slots:
         IniFile file = IniFile::parse(before);
         QVERIFY(file.setValue(section, key, value));
         QCOMPARE(file.toBytes(), after);
-        QCOMPARE(file.value(section, key), value);
         QCOMPARE(IniFile::parse(after).value(section, key), value);
     }
 
@@ -162,9 +124,7 @@ private slots:
         QTest::newRow("equals in key") << "A" << "a=b" << "1";
         QTest::newRow("empty key") << "A" << "  " << "1";
         QTest::newRow("key like a comment") << "A" << ";k" << "1";
-        QTest::newRow("key like a header") << "A" << "[k" << "1";
         QTest::newRow("line break in value") << "A" << "x" << "1\r\n[B]";
-        QTest::newRow("line break in section") << "A\nB" << "x" << "1";
     }
     void unwritableNamesAreRefused()
     {
@@ -176,70 +136,13 @@ private slots:
         QTest::ignoreMessage(QtWarningMsg, QRegularExpression("Cannot write key"));
         QVERIFY(!file.setValue(section, key, value));
         QCOMPARE(file.toBytes(), before);
-        QCOMPARE(file.value("A", "x"), QStringLiteral("1"));
     }
 
-    void aLeadingByteOrderMarkInTheTextSurvivesAWrite()
-    {
-        // Two BOMs: the first is the file's, the second is text of the first line.
-        const QByteArray bytes("\xEF\xBB\xBF\xEF\xBB\xBF[A]\r\nk=1\r\n");
-        const IniFile file = IniFile::parse(bytes);
-        QCOMPARE(file.value("A", "k"), std::nullopt);
-        QCOMPARE(file.toBytes(), bytes);
-    }
-
-    void garbageNeverCrashes_data()
-    {
-        QTest::addColumn<QByteArray>("bytes");
-        QTest::newRow("NUL bytes") << QByteArray(4096, '\0');
-        QTest::newRow("binary") << []() {
-            QByteArray bytes;
-            for (int i = 0; i < 65536; ++i)
-                bytes.append(char((i * 7919 + 13) % 256));
-            return bytes;
-        }();
-        QTest::newRow("open brackets") << QByteArray("[[[[[\r\n[\r\n]\r\n[]\r\n=\r\n==\r\n[A\r\n");
-        QTest::newRow("lone carriage returns") << QByteArray("[A]\rk=1\r\r\r\n");
-        QTest::newRow("truncated UTF-8 at the end") << QByteArray("[A]\r\nk=\xE2\x82");
-    }
-    void garbageNeverCrashes()
-    {
-        QFETCH(QByteArray, bytes);
-        IniFile file = IniFile::parse(bytes);
-        QCOMPARE(file.value("A", "missing", "d"), QStringLiteral("d"));
-        QVERIFY(file.setValue("A", "k", "v"));
-        QCOMPARE(IniFile::parse(file.toBytes()).value("A", "k"), QStringLiteral("v"));
-    }
-
-    void aTenMegabyteLineReadsAs254Characters()
-    {
-        const QByteArray bytes = "[A]\r\nk=" + QByteArray(10 * 1024 * 1024, 'x') + "\r\nj=2\r\n";
-        const IniFile file = IniFile::parse(bytes);
-        QCOMPARE(file.value("A", "k"), QString(254, QLatin1Char('x')));
-        QCOMPARE(file.value("A", "j"), QStringLiteral("2"));
-    }
-
-    void windows1252HighHalf_data()
-    {
-        QTest::addColumn<int>("byte");
-        QTest::addColumn<int>("codePoint");
-        QTest::newRow("euro") << 0x80 << 0x20AC;
-        QTest::newRow("undefined 0x81 stays a control") << 0x81 << 0x0081;
-        QTest::newRow("S caron") << 0x8A << 0x0160;
-        QTest::newRow("en dash") << 0x96 << 0x2013;
-        QTest::newRow("trade mark") << 0x99 << 0x2122;
-        QTest::newRow("Y diaeresis") << 0x9F << 0x0178;
-        QTest::newRow("no-break space is Latin-1") << 0xA0 << 0x00A0;
-        QTest::newRow("degree is Latin-1") << 0xB0 << 0x00B0;
-        QTest::newRow("y diaeresis is Latin-1") << 0xFF << 0x00FF;
-    }
+    // The bytes the code page defines differently from Latin-1, and its undefined ones.
     void windows1252HighHalf()
     {
-        QFETCH(int, byte);
-        QFETCH(int, codePoint);
-        const char bytes[] = {char(byte)};
-        QCOMPARE(decodeWindows1252(QByteArrayView(bytes, 1)), QString(QChar(codePoint)));
-        QCOMPARE(decodeLegacyText(QByteArrayView(bytes, 1)), QString(QChar(codePoint)));
+        QCOMPARE(decodeWindows1252("\x80\x81\x8A\x96\x99\x9F\xA0\xB0\xFF"),
+                 QString::fromUtf16(u"€\u0081Š–™Ÿ\u00A0°ÿ"));
     }
 };
 

@@ -1,8 +1,5 @@
 #include "storage/numbertext.h"
-
-#include <QTest>
-
-#include <limits>
+#include "support/datarows.h"
 
 using namespace telvane;
 
@@ -11,104 +8,60 @@ class TestNumberText : public QObject
     Q_OBJECT
 
 private slots:
+    // text | value, or "none" when the text is refused
     void parseNumber_data()
     {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<bool>("valid");
-        QTest::addColumn<double>("value");
-        QTest::newRow("point") << "21.5" << true << 21.5;
-        QTest::newRow("comma from an Italian machine") << "21,5" << true << 21.5;
-        QTest::newRow("blanks around") << "  -3 " << true << -3.0;
-        QTest::newRow("trailing separator") << "7." << true << 7.0;
-        QTest::newRow("leading separator") << ".5" << true << 0.5;
-        QTest::newRow("both separators") << "1.234,5" << false << 0.0;
-        QTest::newRow("trailing garbage") << "12abc" << false << 0.0;
-        QTest::newRow("empty") << "" << false << 0.0;
-        QTest::newRow("sign only") << "-" << false << 0.0;
-        QTest::newRow("arabic-indic digits are not ours") << QString::fromUtf8("\u0661\u0662") << false << 0.0;
-        QTest::newRow("too large for a double") << QString(400, QLatin1Char('9')) << false << 0.0;
-        QTest::newRow("underflow is zero") << QStringLiteral("0.%1").arg(QString(400, QLatin1Char('0')) + QLatin1Char('1'))
-                                           << true << 0.0;
+        addRows({"21.5|21.5", "21,5|21.5", "  -3 |-3", "7.|7", ".5|0.5", "1.234,5|none", "12abc|none", "|none", "-|none",
+                 QString::fromUtf8("\u0661\u0662|none"), QString(400, '9') + "|none",
+                 "0." + QString(400, '0') + "1|0"});
     }
     void parseNumber()
     {
-        QFETCH(QString, text);
-        QFETCH(bool, valid);
-        QFETCH(double, value);
-        const auto parsed = telvane::parseNumber(text);
-        QCOMPARE(parsed.has_value(), valid);
-        if (valid)
-            QCOMPARE(*parsed, value);
+        const QStringList cells = rowCells();
+        const std::optional<double> parsed = telvane::parseNumber(cells[0]);
+        QCOMPARE(parsed.has_value(), cells[1] != "none");
+        if (parsed)
+            QCOMPARE(*parsed, cells[1].toDouble());
     }
 
-    void parseSingleKeepsTablesFinite_data()
+    // Set points and chart limits must stay finite.
+    void parseSingle_data()
     {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<bool>("valid");
-        QTest::addColumn<float>("value");
-        QTest::newRow("set point") << "20,5" << true << 20.5f;
-        QTest::newRow("largest float") << "340282346638528859811704183484516925440" << true
-                                       << std::numeric_limits<float>::max();
-        QTest::newRow("beyond a float") << "1" + QString(39, QLatin1Char('0')) << false << 0.0f;
-        QTest::newRow("beyond a float, negative") << "-1" + QString(39, QLatin1Char('0')) << false << 0.0f;
-        QTest::newRow("not a number") << "nan" << false << 0.0f;
+        addRows({"20,5|20.5", "340282346638528859811704183484516925440|3.40282346638528859811704183484516925440e38",
+                 "-1" + QString(39, '0') + "|none", "nan|none"});
     }
-    void parseSingleKeepsTablesFinite()
+    void parseSingle()
     {
-        QFETCH(QString, text);
-        QFETCH(bool, valid);
-        QFETCH(float, value);
-        const auto parsed = parseSingle(text);
-        QCOMPARE(parsed.has_value(), valid);
-        if (valid)
-            QCOMPARE(*parsed, value);
+        const QStringList cells = rowCells();
+        const std::optional<float> parsed = telvane::parseSingle(cells[0]);
+        QCOMPARE(parsed.has_value(), cells[1] != "none");
+        if (parsed)
+            QCOMPARE(*parsed, cells[1].toFloat());
     }
 
-    void leadingNumberStopsAtTheFirstStrangeCharacter_data()
+    // text | leading number | leading integer, -7 when there is none
+    void leadingNumber_data()
     {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<double>("value");
-        QTest::addColumn<int>("integer");
-        QTest::newRow("number then letters") << "12abc" << 12.0 << 12;
-        QTest::newRow("letters") << "abc" << 0.0 << -7;
-        QTest::newRow("second separator ends it") << "1.5.3" << 1.5 << 2;
-        QTest::newRow("comma") << "-2,5" << -2.5 << -2;
-        QTest::newRow("half to even") << "3.5" << 3.5 << 4;
-        QTest::newRow("huge is clamped") << "99999999999" << 99999999999.0 << 2147483647;
-        QTest::newRow("beyond a double") << QString(400, QLatin1Char('9')) << 0.0 << 2147483647;
-        QTest::newRow("beyond a double, negative") << QLatin1Char('-') + QString(400, QLatin1Char('9')) << 0.0
-                                                   << -2147483647 - 1;
+        addRows({"12abc|12|12", "abc|0|-7", "1.5.3|1.5|2", "-2,5|-2.5|-2", "3.5|3.5|4", "99999999999|99999999999|2147483647",
+                 "-" + QString(400, '9') + "|0|-2147483648"});
     }
-    void leadingNumberStopsAtTheFirstStrangeCharacter()
+    void leadingNumber()
     {
-        QFETCH(QString, text);
-        QFETCH(double, value);
-        QFETCH(int, integer);
-        QCOMPARE(leadingNumber(text), value);
-        QCOMPARE(leadingInteger(text, -7), integer);
+        const QStringList cells = rowCells();
+        QCOMPARE(telvane::leadingNumber(cells[0]), cells[1].toDouble());
+        QCOMPARE(leadingInteger(cells[0], -7), cells[2].toInt());
     }
 
+    // value | decimals | integer digits | text
     void formatFixed_data()
     {
-        QTest::addColumn<double>("value");
-        QTest::addColumn<int>("decimals");
-        QTest::addColumn<int>("minIntegerDigits");
-        QTest::addColumn<QString>("text");
-        QTest::newRow("padded set point") << 5.0 << 1 << 2 << "05.0";
-        QTest::newRow("wide set point") << 123.4 << 1 << 2 << "123.4";
-        QTest::newRow("rounded away from zero") << 0.25 << 1 << 1 << "0.3";
-        QTest::newRow("negative padded") << -5.0 << 1 << 2 << "-05.0";
-        QTest::newRow("no decimals") << 21.6 << 0 << 1 << "22";
-        QTest::newRow("three decimals") << 1.0 << 3 << 1 << "1.000";
-        QTest::newRow("negative that rounds to zero stays unsigned") << -0.04 << 1 << 1 << "0.0";
+        addRows({"5|1|2|05.0", "123.4|1|2|123.4", "0.25|1|1|0.3", "-5|1|2|-05.0", "21.6|0|1|22", "1|3|1|1.000",
+                 "-0.04|1|1|0.0"});
     }
     void formatFixed()
     {
-        QFETCH(double, value);
-        QFETCH(int, decimals);
-        QFETCH(int, minIntegerDigits);
-        QFETCH(QString, text);
-        QCOMPARE(telvane::formatFixed(value, decimals, minIntegerDigits), text);
+        const QStringList cells = rowCells();
+        QCOMPARE(telvane::formatFixed(cells[0].toDouble(), cells[1].toInt(), cells[2].toInt()), cells[3]);
     }
 };
 

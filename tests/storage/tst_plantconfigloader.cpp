@@ -1,26 +1,49 @@
 #include "storage/displayresets.h"
 #include "storage/inistore.h"
 #include "storage/plantconfigloader.h"
+#include "support/settingsfixture.h"
 
-#include <QFile>
 #include <QImageReader>
-#include <QLoggingCategory>
 #include <QRegularExpression>
-#include <QRandomGenerator>
-#include <QScopeGuard>
-#include <QTemporaryDir>
-#include <QTest>
-
-#include <iterator>
 
 using namespace telvane;
 
 namespace {
 
-const QString DemoPlant = QStringLiteral(TELVANE_SOURCE_DIR "/demo/plant");
+PlantConfig load(const IniStore &store)
+{
+    PlantConfig config;
+    DisplayResets resets;
+    LoadPlantConfig(store, config, resets);
+    return config;
+}
 
-// The demo pictures are drawn at 15 twips per pixel.
-constexpr int TwipsPerPixel = 15;
+// The loaded plant, one line per item, to compare whole.
+QString describe(const PlantConfig &c)
+{
+    const ZoneDisplaySettings &d = c.zoneDisplay;
+    QStringList lines{QStringLiteral("unit %1 text %2 chart %3 chrono %4, chart limits %5..%6")
+                          .arg(d.unit).arg(d.textQuantity).arg(d.chartQuantity).arg(d.chronoQuantity)
+                          .arg(c.chartMinAbs).arg(c.chartMaxAbs)};
+    for (const Zona &z : c.zones)
+        lines << QStringLiteral("zone '%1' %2,%3 '%4'").arg(z.name).arg(z.x).arg(z.y).arg(z.icon);
+    for (const Interruttore &s : c.switches)
+        lines << QStringLiteral("switch '%1' %2,%3").arg(s.name).arg(s.x).arg(s.y);
+    for (const LED &l : c.leds)
+        lines << QStringLiteral("LED '%1' %2,%3").arg(l.name).arg(l.x).arg(l.y);
+    lines << QStringLiteral("door '%1' %2 %3,%4").arg(c.apriporta.name).arg(c.apriporta.present).arg(c.apriporta.x).arg(c.apriporta.y);
+    lines << QStringLiteral("webcam '%1' %2 %3,%4").arg(c.webcam.name).arg(c.webcam.present).arg(c.webcam.x).arg(c.webcam.y);
+    lines << QStringLiteral("picture %1 sounds '%2' '%3'").arg(c.synoptic.picture, c.synoptic.doorSound, c.synoptic.alarmSound);
+    return lines.join('\n');
+}
+
+QByteArray numbered(const char *word, int count)
+{
+    QByteArray text;
+    for (int i = 1; i <= count; ++i)
+        text += QStringLiteral("[%1 %2]\r\nNome=%1%2\r\n").arg(word).arg(i, 2, 10, QLatin1Char('0')).toUtf8();
+    return text;
+}
 
 } // namespace
 
@@ -29,330 +52,134 @@ class TestPlantConfigLoader : public QObject
     Q_OBJECT
 
 private:
-    QTemporaryDir m_dir;
-
-    // Until a mode is loaded the store's current file is the industrial one.
-    IniStore storeWith(const QByteArray &settings)
-    {
-        QFile file(m_dir.filePath(QStringLiteral("Telvane2.ini")));
-        if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
-            qFatal("cannot write the settings file");
-        file.write(settings);
-        file.close();
-        return IniStore(ProgramFolder(m_dir.path()));
-    }
-
-    static PlantConfig load(const IniStore &store)
-    {
-        PlantConfig config;
-        DisplayResets resets;
-        LoadPlantConfig(store, config, resets);
-        return config;
-    }
-
-    static QByteArray zoneSections(int count)
-    {
-        QByteArray text;
-        for (int i = 1; i <= count; ++i)
-            text += QStringLiteral("[Zona %1]\r\nNome=Z%1\r\n").arg(i, 2, 10, QLatin1Char('0')).toUtf8();
-        return text;
-    }
-
-    // Every marker of a plant must land on its picture, or the operator cannot reach it.
-    static void verifyMarkersOnPicture(const PlantConfig &config)
-    {
-        const QSize picture = QImageReader(config.synoptic.picturePath).size();
-        QVERIFY2(picture.isValid(), qPrintable(config.synoptic.picturePath));
-        const QRect area(QPoint(0, 0), picture * TwipsPerPixel);
-        auto onPicture = [&](const QString &what, int x, int y) {
-            QVERIFY2(area.contains(x, y), qPrintable(QStringLiteral("%1 at %2,%3").arg(what).arg(x).arg(y)));
-        };
-        for (const Zona &z : config.zones)
-            onPicture(z.name, z.x, z.y);
-        for (const Interruttore &s : config.switches)
-            onPicture(s.name, s.x, s.y);
-        for (const LED &l : config.leds)
-            onPicture(l.name, l.x, l.y);
-        onPicture(config.apriporta.name, config.apriporta.x, config.apriporta.y);
-        onPicture(config.webcam.name, config.webcam.x, config.webcam.y);
-    }
+    SettingsFolder m_dir;
 
 private slots:
     void missingFileGivesTheDefaults()
     {
-        const IniStore store(ProgramFolder(m_dir.filePath(QStringLiteral("nessuna-cartella"))));
+        const IniStore store(ProgramFolder(m_dir.path("nessuna-cartella")));
         const PlantConfig config = load(store);
-        QCOMPARE(config.apriporta.name, QStringLiteral("Apriporta"));
-        QVERIFY(!config.apriporta.present);
-        QCOMPARE(config.apriporta.x, 300);
-        QCOMPARE(config.webcam.name, QStringLiteral("Webcam"));
-        QVERIFY(!config.webcam.present);
-        QCOMPARE(config.webcam.y, 300);
-        QCOMPARE(config.zoneDisplay.unit, QString::fromUtf8("°C"));
-        QCOMPARE(config.zoneDisplay.textQuantity, qint16(1));
-        QCOMPARE(config.zoneDisplay.chartQuantity, qint16(1));
-        QCOMPARE(config.zoneDisplay.chronoQuantity, qint16(0));
-        QCOMPARE(config.zoneCount(), 0);
-        QCOMPARE(config.switchCount(), 0);
-        QCOMPARE(config.ledCount(), 0);
-        QCOMPARE(config.chartMinAbs, -200.0f);
-        QCOMPARE(config.chartMaxAbs, 200.0f);
+        QCOMPARE(describe(config), QString::fromUtf8(R"(unit °C text 1 chart 1 chrono 0, chart limits -200..200
+door 'Apriporta' 0 300,300
+webcam 'Webcam' 0 300,300
+picture Pianta.jpg sounds '' '')"));
+        QCOMPARE(config.synoptic.picturePath, store.folder().filePath("Pianta.jpg"));
         QCOMPARE(config.chart.traceLabels[0], QStringLiteral("--------"));
-        QVERIFY(config.synoptic.doorSound.isEmpty());
-        QVERIFY(config.synoptic.alarmSound.isEmpty());
-        QCOMPARE(config.synoptic.picture, QStringLiteral("Pianta.jpg"));
-        QCOMPARE(config.synoptic.picturePath, store.folder().filePath(QStringLiteral("Pianta.jpg")));
-    }
-
-    void countsAreClamped_data()
-    {
-        QTest::addColumn<QByteArray>("general");
-        QTest::addColumn<int>("zones");
-        QTest::addColumn<int>("switches");
-        QTest::addColumn<int>("leds");
-        QTest::newRow("in range") << QByteArray("Zone=6\r\nInterruttori=3\r\nLED=2") << 6 << 3 << 2;
-        QTest::newRow("negative zone count") << QByteArray("Zone=-3") << 0 << 0 << 0;
-        QTest::newRow("31 zones") << QByteArray("Zone=31") << 30 << 0 << 0;
-        QTest::newRow("45 zones") << QByteArray("Zone=45") << 30 << 0 << 0;
-        QTest::newRow("12 switches") << QByteArray("Interruttori=12") << 0 << 10 << 0;
-        QTest::newRow("12 LEDs") << QByteArray("LED=12") << 0 << 0 << 10;
-        QTest::newRow("negative switches and LEDs") << QByteArray("Interruttori=-1\r\nLED=-7") << 0 << 0 << 0;
-        QTest::newRow("garbage counts") << QByteArray("Zone=tante\r\nInterruttori=\r\nLED=?") << 0 << 0 << 0;
-        QTest::newRow("leading number") << QByteArray("Zone=4 zone") << 4 << 0 << 0;
-        QTest::newRow("decimal comma rounds") << QByteArray("Zone=2,6") << 3 << 0 << 0;
-        QTest::newRow("beyond 32 bits") << QByteArray("Zone=99999999999") << 30 << 0 << 0;
-    }
-    void countsAreClamped()
-    {
-        QFETCH(QByteArray, general);
-        QFETCH(int, zones);
-        QFETCH(int, switches);
-        QFETCH(int, leds);
-        QByteArray items = zoneSections(MaxZones + 1);
-        for (int i = 1; i <= MaxSwitches + 2; ++i)
-            items += QStringLiteral("[Interruttore %1]\r\nNome=I%1\r\n").arg(i, 2, 10, QLatin1Char('0')).toUtf8();
-        for (int i = 1; i <= MaxLeds + 2; ++i)
-            items += QStringLiteral("[LED %1]\r\nNome=L%1\r\n").arg(i, 2, 10, QLatin1Char('0')).toUtf8();
-        const PlantConfig config = load(storeWith("[Generale]\r\n" + general + "\r\n" + items));
-        QCOMPARE(config.zoneCount(), zones);
-        QCOMPARE(config.switchCount(), switches);
-        QCOMPARE(config.ledCount(), leds);
-        // Items come from their own numbered sections, in order.
-        if (zones > 0)
-            QCOMPARE(config.zones.last().name, QStringLiteral("Z%1").arg(zones, 2, 10, QLatin1Char('0')));
-        if (switches > 0)
-            QCOMPARE(config.switches.last().name, QStringLiteral("I%1").arg(switches, 2, 10, QLatin1Char('0')));
-        if (leds > 0)
-            QCOMPARE(config.leds.last().name, QStringLiteral("L%1").arg(leds, 2, 10, QLatin1Char('0')));
-        for (int i = 0; i < MaxZones; ++i) {
-            const QString expected = i < zones ? QStringLiteral("Z%1").arg(i + 1, 2, 10, QLatin1Char('0'))
-                                               : QStringLiteral("--------");
-            QCOMPARE(config.chart.traceLabels[i], expected);
-        }
-    }
-
-    void zoneQuantities_data()
-    {
-        QTest::addColumn<QByteArray>("general");
-        QTest::addColumn<qint16>("text");
-        QTest::addColumn<qint16>("chart");
-        QTest::addColumn<qint16>("chrono");
-        QTest::newRow("as written") << QByteArray("Zone Testo=0\r\nZone Grafico=4\r\nZone Crono=2") << qint16(0) << qint16(4) << qint16(2);
-        QTest::newRow("Zone Testo 7 is 1") << QByteArray("Zone Testo=7") << qint16(1) << qint16(1) << qint16(0);
-        QTest::newRow("Zone Testo -1 is 1") << QByteArray("Zone Testo=-1") << qint16(1) << qint16(1) << qint16(0);
-        QTest::newRow("Zone Testo beyond 16 bits") << QByteArray("Zone Testo=65536") << qint16(1) << qint16(1) << qint16(0);
-        QTest::newRow("garbage text quantity") << QByteArray("Zone Testo=PV") << qint16(1) << qint16(1) << qint16(0);
-        QTest::newRow("chart and chrono out of range") << QByteArray("Zone Grafico=9\r\nZone Crono=-2") << qint16(1) << qint16(1) << qint16(0);
-    }
-    void zoneQuantities()
-    {
-        QFETCH(QByteArray, general);
-        QFETCH(qint16, text);
-        QFETCH(qint16, chart);
-        QFETCH(qint16, chrono);
-        const PlantConfig config = load(storeWith("[Generale]\r\n" + general + "\r\n"));
-        QCOMPARE(config.zoneDisplay.textQuantity, text);
-        QCOMPARE(config.zoneDisplay.chartQuantity, chart);
-        QCOMPARE(config.zoneDisplay.chronoQuantity, chrono);
-    }
-
-    void presentFlags_data()
-    {
-        QTest::addColumn<QByteArray>("value");
-        QTest::addColumn<bool>("present");
-        QTest::newRow("1") << QByteArray("1") << true;
-        QTest::newRow("2") << QByteArray("2") << true;
-        QTest::newRow("0") << QByteArray("0") << false;
-        QTest::newRow("-1 as a boolean true in memory is not present") << QByteArray("-1") << false;
-        QTest::newRow("text") << QByteArray("si") << false;
-    }
-    void presentFlags()
-    {
-        QFETCH(QByteArray, value);
-        QFETCH(bool, present);
-        const PlantConfig door = load(storeWith("[Generale]\r\nApriporta=" + value + "\r\n"));
-        QCOMPARE(door.apriporta.present, present);
-        QVERIFY(!door.webcam.present);
-        const PlantConfig webcam = load(storeWith("[Generale]\r\nWebcam=" + value + "\r\n"));
-        QCOMPARE(webcam.webcam.present, present);
-        QVERIFY(!webcam.apriporta.present);
     }
 
     void itemsReadTheirOwnSections()
     {
-        const PlantConfig config = load(storeWith(
+        const PlantConfig config = load(m_dir.store(
             "[Generale]\r\nZone=2\r\nInterruttori=1\r\nLED=1\r\nApriporta=1\r\nWebcam=1\r\nZone Unita=%\r\n"
+            "Zone Testo=0\r\nZone Grafico=4\r\nZone Crono=2\r\n"
             "[Zona 01]\r\nNome=Forno\r\nX=1500\r\nY=2250\r\nIcona=Tforno.bmp\r\nInfo_X=9\r\n"
-            "[Zona 02]\r\nX=45\r\n"
+            "[Zona 02]\r\nNome=Laboratorio analisi  Nord\r\nX=45\r\n"
             "[Interruttore 01]\r\nNome=Pompa\r\nX=10\r\nY=20\r\n"
             "[LED 01]\r\nNome=Allarme\r\nX=30\r\nY=40\r\n"
             "[Apriporta]\r\nNome=Cancello\r\nX=50\r\nY=60\r\n"
-            "[Webcam]\r\nNome=Camera\r\nX=70\r\nY=abc\r\n"
+            "[Webcam]\r\nNome=Camera\r\nX=70\r\n"
+            "[Grafico]\r\nT_Min_Ass=-20\r\nT_Max_Ass=1200.5\r\n"
             "[Sinottico]\r\nImmagine=Casa.png\r\nSuonoPorta=porta.wav\r\nSuonoAllarme=sirena.wav\r\n"));
-        QCOMPARE(config.zoneDisplay.unit, QStringLiteral("%"));
-        QCOMPARE(config.zones[0].name, QStringLiteral("Forno"));
-        QCOMPARE(config.zones[0].x, 1500);
-        QCOMPARE(config.zones[0].y, 2250);
-        QCOMPARE(config.zones[0].icon, QStringLiteral("Tforno.bmp"));
-        // A zone without Nome has an empty name, and its missing keys their defaults.
-        QCOMPARE(config.zones[1].name, QString());
-        QCOMPARE(config.zones[1].x, 45);
-        QCOMPARE(config.zones[1].y, 300);
-        QVERIFY(config.zones[1].icon.isEmpty());
-        QCOMPARE(config.chart.traceLabels[1], QString());
-        QCOMPARE(config.switches[0].name, QStringLiteral("Pompa"));
-        QCOMPARE(QPoint(config.switches[0].x, config.switches[0].y), QPoint(10, 20));
-        QCOMPARE(config.leds[0].name, QStringLiteral("Allarme"));
-        QCOMPARE(QPoint(config.leds[0].x, config.leds[0].y), QPoint(30, 40));
-        QCOMPARE(config.apriporta.name, QStringLiteral("Cancello"));
-        QCOMPARE(QPoint(config.apriporta.x, config.apriporta.y), QPoint(50, 60));
-        QCOMPARE(config.webcam.name, QStringLiteral("Camera"));
-        QCOMPARE(QPoint(config.webcam.x, config.webcam.y), QPoint(70, 300));
-        QCOMPARE(config.synoptic.picture, QStringLiteral("Casa.png"));
-        QCOMPARE(config.synoptic.picturePath, m_dir.filePath(QStringLiteral("Casa.png")));
-        QCOMPARE(config.synoptic.doorSound, QStringLiteral("porta.wav"));
-        QCOMPARE(config.synoptic.alarmSound, QStringLiteral("sirena.wav"));
-    }
-
-    void absoluteChartLimits_data()
-    {
-        QTest::addColumn<QByteArray>("grafico");
-        QTest::addColumn<float>("minimum");
-        QTest::addColumn<float>("maximum");
-        QTest::newRow("no section") << QByteArray() << -200.0f << 200.0f;
-        QTest::newRow("written") << QByteArray("[Grafico]\r\nT_Min_Ass=-20\r\nT_Max_Ass=1200.5\r\n") << -20.0f << 1200.5f;
-        QTest::newRow("garbage keeps the defaults") << QByteArray("[Grafico]\r\nT_Min_Ass=x\r\nT_Max_Ass=\r\n") << -200.0f << 200.0f;
-    }
-    void absoluteChartLimits()
-    {
-        QFETCH(QByteArray, grafico);
-        QFETCH(float, minimum);
-        QFETCH(float, maximum);
-        const PlantConfig config = load(storeWith(grafico));
-        QCOMPARE(config.chartMinAbs, minimum);
-        QCOMPARE(config.chartMaxAbs, maximum);
-        QCOMPARE(config.chart.absoluteMin, minimum);
-        QCOMPARE(config.chart.absoluteMax, maximum);
-    }
-
-    void chartTracesFollowTheLoadedZones()
-    {
-        const PlantConfig config = load(storeWith("[Generale]\r\nZone=2\r\n"
-                                                  "[Zona 01]\r\nNome=Soggiorno\r\nColore=&H00FF00\r\n"
-                                                  "[Zona 02]\r\nNome=Laboratorio analisi  Nord\r\n"));
-        QCOMPARE(config.chart.traceColors[0], 0x0000FF00u);
-        QCOMPARE(config.chart.traceColors[1], 0xFFFF80FFu);
+        QCOMPARE(describe(config), QString(R"(unit % text 0 chart 4 chrono 2, chart limits -20..1200.5
+zone 'Forno' 1500,2250 'Tforno.bmp'
+zone 'Laboratorio analisi  Nord' 45,300 ''
+switch 'Pompa' 10,20
+LED 'Allarme' 30,40
+door 'Cancello' 1 50,60
+webcam 'Camera' 1 70,300
+picture Casa.png sounds 'porta.wav' 'sirena.wav')"));
+        QCOMPARE(config.synoptic.picturePath, m_dir.path("Casa.png"));
+        // The chart gets the zones just loaded, and its own copy of the limits.
         QCOMPARE(config.chart.traceLabels[1], QStringLiteral("Laboratorio analisi"));
-        QCOMPARE(config.chart.traceToolTips[0],
-                 QStringLiteral("Doppio click per modificare il colore della traccia <Soggiorno>"));
         QCOMPARE(config.chart.traceLabels[2], QStringLiteral("--------"));
+        QCOMPARE(config.chart.absoluteMax, 1200.5f);
+    }
+
+    void generalKeysAreKeptInRange_data()
+    {
+        QTest::addColumn<QByteArray>("general");
+        QTest::addColumn<QString>("expected"); // zones switches LEDs | text chart chrono | door webcam
+        QTest::newRow("Zone -3") << QByteArray("Zone=-3") << "0 0 0|1 1 0|0 0";
+        QTest::newRow("Zone 31, 12 switches and LEDs") << QByteArray("Zone=31\r\nInterruttori=12\r\nLED=12") << "30 10 10|1 1 0|0 0";
+        QTest::newRow("garbage counts") << QByteArray("Zone=tante\r\nInterruttori=\r\nLED=?") << "0 0 0|1 1 0|0 0";
+        QTest::newRow("beyond 32 bits") << QByteArray("Zone=99999999999\r\nInterruttori=-1") << "30 0 0|1 1 0|0 0";
+        QTest::newRow("Zone Testo 7 is 1") << QByteArray("Zone Testo=7\r\nZone Crono=3") << "0 0 0|1 1 3|0 0";
+        QTest::newRow("huge numbers") << QByteArray("Zone Grafico=-1e308\r\nLED=NaN") << "0 0 0|1 1 0|0 0";
+        QTest::newRow("quantities out of range") << QByteArray("Zone Testo=-1\r\nZone Grafico=9\r\nZone Crono=-2") << "0 0 0|1 1 0|0 0";
+        QTest::newRow("present when above 0") << QByteArray("Apriporta=2\r\nWebcam=1") << "0 0 0|1 1 0|1 1";
+        QTest::newRow("-1 is not present") << QByteArray("Apriporta=-1\r\nWebcam=si") << "0 0 0|1 1 0|0 0";
+    }
+    void generalKeysAreKeptInRange()
+    {
+        QFETCH(QByteArray, general);
+        QFETCH(QString, expected);
+        const QByteArray items = numbered("Zona", MaxZones + 1) + numbered("Interruttore", 12) + numbered("LED", 12);
+        const PlantConfig c = load(m_dir.store("[Generale]\r\n" + general + "\r\n" + items));
+        const ZoneDisplaySettings &d = c.zoneDisplay;
+        QCOMPARE(QStringLiteral("%1 %2 %3|%4 %5 %6|%7 %8").arg(c.zoneCount()).arg(c.switchCount()).arg(c.ledCount())
+                     .arg(d.textQuantity).arg(d.chartQuantity).arg(d.chronoQuantity)
+                     .arg(c.apriporta.present).arg(c.webcam.present), expected);
+        // Items come from their own numbered sections, in order.
+        if (c.zoneCount() > 0)
+            QCOMPARE(c.zones.last().name, QStringLiteral("Zona%1").arg(c.zoneCount(), 2, 10, QLatin1Char('0')));
+        if (c.ledCount() > 0)
+            QCOMPARE(c.leds.last().name, QStringLiteral("LED%1").arg(c.ledCount(), 2, 10, QLatin1Char('0')));
     }
 
     void synopticFields()
     {
-        const IniStore store = storeWith("[Generale]\r\nZone=3\r\n"
-                                         "[Sinottico]\r\nCampo_1=  Superficie  \r\nCampo_3=Esposizione\r\n"
-                                         "[Zona 01]\r\nCampo_1= 30 m2 \r\nCampo_5=nota\r\n"
-                                         "[Zona 02]\r\nCampo_3=Sud\r\n"
-                                         "[Zona 03]\r\nCampo_1=12 m2\r\n");
+        const IniStore store = m_dir.store("[Generale]\r\nZone=3\r\n"
+                                           "[Sinottico]\r\nCampo_1=  Superficie  \r\nCampo_3=Esposizione\r\n"
+                                           "[Zona 01]\r\nCampo_1= 30 m2 \r\nCampo_5=nota\r\n"
+                                           "[Zona 02]\r\nCampo_3=Sud\r\n"
+                                           "[Zona 03]\r\nCampo_1=12 m2\r\n");
         PlantConfig config = load(store);
-        QCOMPARE(config.fields.names[0], QStringLiteral("Superficie"));
-        QCOMPARE(config.fields.names[1], QString());
-        QCOMPARE(config.fields.names[2], QStringLiteral("Esposizione"));
+        const auto fields = [&] {
+            QStringList text{QStringList(config.fields.names.begin(), config.fields.names.end()).join(',')};
+            for (int z = 0; z < 3; ++z)
+                text << QStringList(config.fields.values[z].begin(), config.fields.values[z].end()).join(',');
+            return text.join('|');
+        };
         // The plant load reads only the names; the synoptic asks for the values.
-        QCOMPARE(config.fields.values[0][0], QString());
-
+        QCOMPARE(fields(), QStringLiteral("Superficie,,Esposizione,,|,,,,|,,,,|,,,,"));
         LoadSynopticFields(store, config.fields, 2);
-        QCOMPARE(config.fields.values[0][0], QStringLiteral("30 m2"));
-        QCOMPARE(config.fields.values[0][4], QStringLiteral("nota"));
-        QCOMPARE(config.fields.values[1][2], QStringLiteral("Sud"));
-        QCOMPARE(config.fields.values[2][0], QString());
-
-        LoadSynopticFields(store, config.fields, 3);
-        QCOMPARE(config.fields.values[2][0], QStringLiteral("12 m2"));
-        LoadSynopticFields(store, config.fields, 1);
-        QCOMPARE(config.fields.values[1][2], QString());
-        QCOMPARE(config.fields.values[2][0], QString());
-
+        QCOMPARE(fields(), QStringLiteral("Superficie,,Esposizione,,|30 m2,,,,nota|,,Sud,,|,,,,"));
         LoadSynopticFields(store, config.fields, 1000);
-        QCOMPARE(config.fields.values[2][0], QStringLiteral("12 m2"));
+        QCOMPARE(fields(), QStringLiteral("Superficie,,Esposizione,,|30 m2,,,,nota|,,Sud,,|12 m2,,,,"));
         LoadSynopticFields(store, config.fields, -4);
-        QCOMPARE(config.fields.values[0][0], QString());
-        QCOMPARE(config.fields.names[2], QStringLiteral("Esposizione"));
-    }
-
-    void reloadReplacesEverything()
-    {
-        PlantConfig config;
-        DisplayResets resets;
-        LoadPlantConfig(storeWith("[Generale]\r\nZone=5\r\nLED=2\r\nApriporta=1\r\n"
-                                  "[Sinottico]\r\nImmagine=Vecchia.jpg\r\nCampo_1=Nome\r\n"
-                                  "[Zona 05]\r\nNome=Ultima\r\n"),
-                        config, resets);
-        LoadSynopticFields(storeWith(""), config.fields, 5);
-        QCOMPARE(config.zones[4].name, QStringLiteral("Ultima"));
-
-        LoadPlantConfig(storeWith("[Generale]\r\nZone=2\r\n"), config, resets);
-        QCOMPARE(config.zoneCount(), 2);
-        QCOMPARE(config.ledCount(), 0);
-        QVERIFY(!config.apriporta.present);
-        QCOMPARE(config.synoptic.picture, QStringLiteral("Pianta.jpg"));
-        QCOMPARE(config.fields.names[0], QString());
-        QCOMPARE(config.chart.traceLabels[4], QStringLiteral("--------"));
+        QCOMPARE(fields(), QStringLiteral("Superficie,,Esposizione,,|,,,,|,,,,|,,,,"));
     }
 
     // Resets come after the items are in place and before the picture is read, so a
     // window that rebuilds on the reset sees the new items and can load the picture
-    // once the load returns.
-    void resetsFireInOrderOnceItemsAreLoaded()
+    // once the load returns. A reload replaces everything.
+    void reloadAndResets()
     {
-        const IniStore store = storeWith("[Generale]\r\nZone=2\r\nInterruttori=1\r\nLED=3\r\n"
-                                         "[Sinottico]\r\nImmagine=Nuova.jpg\r\n");
         PlantConfig config;
         DisplayResets resets;
+        LoadPlantConfig(m_dir.store("[Generale]\r\nZone=5\r\nLED=2\r\nApriporta=1\r\n"
+                                    "[Sinottico]\r\nImmagine=Vecchia.jpg\r\nCampo_1=Nome\r\n"),
+                        config, resets);
         QStringList seen;
-        auto snapshot = [&](const char *which) {
-            seen << QStringLiteral("%1 zones=%2 switches=%3 leds=%4 picture=%5")
-                        .arg(QLatin1String(which))
-                        .arg(config.zoneCount())
-                        .arg(config.switchCount())
-                        .arg(config.ledCount())
-                        .arg(config.synoptic.picture);
+        const auto snapshot = [&](const char *which) {
+            seen << QStringLiteral("%1 %2 %3 %4 %5").arg(which).arg(config.zoneCount()).arg(config.switchCount())
+                        .arg(config.ledCount()).arg(config.synoptic.picture);
         };
         connect(&resets, &DisplayResets::ResetZoneDisplays, this, [&] { snapshot("zone"); });
         connect(&resets, &DisplayResets::ResetIndicatorDisplays, this, [&] { snapshot("indicator"); });
 
-        LoadPlantConfig(store, config, resets);
-        QCOMPARE(seen, QStringList({QStringLiteral("zone zones=2 switches=1 leds=3 picture=Pianta.jpg"),
-                                    QStringLiteral("indicator zones=2 switches=1 leds=3 picture=Pianta.jpg")}));
+        LoadPlantConfig(m_dir.store("[Generale]\r\nZone=2\r\nInterruttori=1\r\n[Sinottico]\r\nImmagine=Nuova.jpg\r\n"),
+                        config, resets);
+        QCOMPARE(seen, QStringList({"zone 2 1 0 Pianta.jpg", "indicator 2 1 0 Pianta.jpg"}));
         QCOMPARE(config.synoptic.picture, QStringLiteral("Nuova.jpg"));
+        QVERIFY(!config.apriporta.present);
+        QCOMPARE(config.fields.names[0], QString());
+        QCOMPARE(config.chart.traceLabels[4], QStringLiteral("--------"));
 
         // Stopping acquisition resets the displays in the same order, without a load.
         seen.clear();
         resets.resetAll();
-        QCOMPARE(seen.size(), 2);
-        QVERIFY(seen[0].startsWith(QLatin1String("zone ")));
-        QVERIFY(seen[1].startsWith(QLatin1String("indicator ")));
+        QCOMPARE(seen, QStringList({"zone 2 1 0 Nuova.jpg", "indicator 2 1 0 Nuova.jpg"}));
     }
 
     // A technician finds a hand-edited value that went wrong in the log, once per read.
@@ -361,18 +188,12 @@ private slots:
         QTest::addColumn<QByteArray>("settings");
         QTest::addColumn<QString>("warning");
         QTest::addColumn<int>("times");
-        QTest::newRow("count beyond the maximum")
-            << QByteArray("[Generale]\r\nInterruttori=12\r\n")
-            << R"(^\[Generale\] Interruttori = "12" is outside 0\.\.10; using 10$)" << 1;
-        QTest::newRow("negative count") << QByteArray("[Generale]\r\nZone=-3\r\n")
-                                        << R"(^\[Generale\] Zone = "-3" is outside 0\.\.30; using 0$)" << 1;
-        QTest::newRow("zone quantity")
-            << QByteArray("[Generale]\r\nZone Testo=7\r\n")
-            << R"(^\[Generale\] Zone Testo = "7" is not a zone quantity \(0\.\.4\); using 1$)" << 1;
+        QTest::newRow("count beyond the maximum") << QByteArray("[Generale]\r\nInterruttori=12\r\n")
+                                                  << R"(^\[Generale\] Interruttori = "12" is outside 0\.\.10; using 10$)" << 1;
+        QTest::newRow("zone quantity") << QByteArray("[Generale]\r\nZone Testo=7\r\n")
+                                       << R"(^\[Generale\] Zone Testo = "7" is not a zone quantity \(0\.\.4\); using 1$)" << 1;
         QTest::newRow("position") << QByteArray("[Generale]\r\nZone=1\r\n[Zona 01]\r\nX=dieci\r\n")
                                   << R"(^\[Zona 01\] X = "dieci" is not a number; using 300$)" << 1;
-        QTest::newRow("chart colour") << QByteArray("[Grafico]\r\nColore_Bordo=blu\r\n")
-                                      << R"(^\[Grafico\] Colore_Bordo = "blu" is not a colour; using &HFFFFFF$)" << 1;
         QTest::newRow("trace colour") << QByteArray("[Generale]\r\nZone=2\r\n[Zona 02]\r\nColore=&HZZ\r\n")
                                       << R"(^\[Zona 02\] Colore = "&HZZ" is not a colour; using &HFFFF80FF$)" << 1;
         // Read once for the plant and once more for the chart.
@@ -384,124 +205,47 @@ private slots:
         QFETCH(QByteArray, settings);
         QFETCH(QString, warning);
         QFETCH(int, times);
-        const IniStore store = storeWith(settings);
-        QTest::failOnWarning(QRegularExpression(QStringLiteral(".")));
+        const IniStore store = m_dir.store(settings);
+        QTest::failOnWarning(QRegularExpression("."));
         for (int i = 0; i < times; ++i)
             QTest::ignoreMessage(QtWarningMsg, QRegularExpression(warning));
         load(store);
     }
 
-    void civilDemoPlant()
+    // Every marker of a demo plant must land on its picture (drawn at 15 twips per
+    // pixel), or the operator cannot reach it.
+    void demoPlants_data()
     {
-        QTest::failOnWarning(QRegularExpression(QStringLiteral(".")));
-        IniStore store{ProgramFolder(DemoPlant)};
-        QCOMPARE(store.ReadModeKey(QStringLiteral("Generale"), QStringLiteral("Modo"), QStringLiteral("0")),
-                 QStringLiteral("1"));
-        store.setCurrentIniName(QStringLiteral("Telvane1.ini"));
-        PlantConfig config = load(store);
-
-        QStringList names;
-        for (const Zona &z : config.zones)
-            names << z.name;
-        QCOMPARE(names, QStringList({QStringLiteral("Soggiorno"), QStringLiteral("Cucina"), QStringLiteral("Camera 1"),
-                                     QStringLiteral("Camera 2"), QStringLiteral("Bagno"), QStringLiteral("Studio")}));
-        QCOMPARE(config.switchCount(), 3);
-        QCOMPARE(config.switches[1].name, QStringLiteral("Caldaia"));
-        QCOMPARE(config.ledCount(), 3);
-        QCOMPARE(config.leds[0].name, QStringLiteral("Allarme gelo"));
-        QVERIFY(config.apriporta.present);
-        QCOMPARE(config.apriporta.name, QStringLiteral("Porta ingresso"));
-        QVERIFY(config.webcam.present);
-        QCOMPARE(config.zoneDisplay.unit, QString::fromUtf8("°C"));
-        QCOMPARE(config.zoneDisplay.textQuantity, qint16(0));
-        QCOMPARE(config.zoneDisplay.chronoQuantity, qint16(1));
-        QCOMPARE(QPoint(config.zones[0].x, config.zones[0].y), QPoint(9975, 3300));
-        QCOMPARE(config.chart.traceColors[0], 0x000000FFu);
-        QCOMPARE(config.chart.traceColors[3], 0x000080FFu);
-        QCOMPARE(config.chart.grid, 0x00C0C0C0u);
-        QCOMPARE(config.chart.displayMin, 10.0f);
-        QCOMPARE(config.chart.displayMax, 30.0f);
-        QCOMPARE(config.chartMinAbs, -20.0f);
-        QCOMPARE(config.synoptic.picture, QStringLiteral("Pianta.jpg"));
-        QCOMPARE(config.fields.names[4], QStringLiteral("Note"));
-        LoadSynopticFields(store, config.fields, config.zoneCount());
-        QCOMPARE(config.fields.values[0][0], QString::fromUtf8("30,0 m²"));
-        QCOMPARE(config.fields.values[4][4], QString());
-        verifyMarkersOnPicture(config);
+        QTest::addColumn<QString>("file");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("civil") << "Telvane1.ini" << "6 3 3 1 1 Pianta.jpg";
+        QTest::newRow("industrial") << "Telvane2.ini" << "3 2 2 1 1 Reparto.jpg";
     }
+    void demoPlants()
+    {
+        QFETCH(QString, file);
+        QFETCH(QString, expected);
+        QTest::failOnWarning(QRegularExpression("."));
+        IniStore store{ProgramFolder(TELVANE_SOURCE_DIR "/demo/plant")};
+        store.setCurrentIniName(file);
+        const PlantConfig c = load(store);
+        QCOMPARE(QStringLiteral("%1 %2 %3 %4 %5 %6").arg(c.zoneCount()).arg(c.switchCount()).arg(c.ledCount())
+                     .arg(c.apriporta.present).arg(c.webcam.present).arg(c.synoptic.picture), expected);
 
-    void industrialDemoPlant()
-    {
-        QTest::failOnWarning(QRegularExpression(QStringLiteral(".")));
-        IniStore store{ProgramFolder(DemoPlant)};
-        store.setCurrentIniName(QStringLiteral("Telvane2.ini"));
-        const PlantConfig config = load(store);
-        QCOMPARE(config.zoneCount(), 3);
-        QCOMPARE(config.zones[2].name, QStringLiteral("Vasca di tempra"));
-        QCOMPARE(config.switchCount(), 2);
-        QCOMPARE(config.ledCount(), 2);
-        QCOMPARE(config.apriporta.name, QStringLiteral("Portone carico"));
-        QCOMPARE(config.chart.absoluteMax, 1200.0f);
-        QCOMPARE(config.synoptic.picture, QStringLiteral("Reparto.jpg"));
-        verifyMarkersOnPicture(config);
-    }
-
-    void garbageNeverEscapesTheLimits_data()
-    {
-        QTest::addColumn<QByteArray>("settings");
-        static const char binary[] = "\x00\xff\xfe[Generale\r\nZone=\x01\x02\r\n=\r\n[]\r\n";
-        QTest::newRow("binary") << QByteArray(binary, sizeof(binary) - 1);
-        QTest::newRow("no sections") << QByteArray("Zone=30\r\nInterruttori=10\r\n");
-        QTest::newRow("lone CR line ends") << QByteArray("[Generale]\rZone=3\r[Zona 01]\rNome=A\r");
-        QTest::newRow("huge numbers") << QByteArray("[Generale]\r\nZone=1e308\r\nZone Testo=-1e308\r\nLED=NaN\r\n"
-                                                    "[Zona 01]\r\nX=1e400\r\nY=-99999999999999\r\n");
-        QTest::newRow("long lines") << (QByteArray("[Generale]\r\nZone=") + QByteArray(100000, '9') + "\r\n"
-                                        + "[Zona 01]\r\nNome=" + QByteArray(5000, 'x') + "\r\n");
-        QTest::newRow("invalid UTF-8 names") << QByteArray("[Generale]\r\nZone=1\r\n[Zona 01]\r\nNome=Camera \xe0 \xc3\r\n");
-    }
-    void garbageNeverEscapesTheLimits()
-    {
-        QFETCH(QByteArray, settings);
-        const PlantConfig config = load(storeWith(settings));
-        QVERIFY(config.zoneCount() >= 0 && config.zoneCount() <= MaxZones);
-        QVERIFY(config.switchCount() >= 0 && config.switchCount() <= MaxSwitches);
-        QVERIFY(config.ledCount() >= 0 && config.ledCount() <= MaxLeds);
-        QVERIFY(config.zoneDisplay.textQuantity >= 0 && config.zoneDisplay.textQuantity <= 4);
-        for (const Zona &z : config.zones)
-            QVERIFY(z.name.size() <= 254);
-    }
-
-    // Files put together from the keys the loader reads, with random values: the load
-    // must finish with every count and quantity inside its range.
-    void randomSettingsStayInRange()
-    {
-        static const char *const keys[] = {"Zone", "Interruttori", "LED", "Zone Testo", "Zone Grafico", "Zone Crono",
-                                           "Apriporta", "Webcam", "Nome", "X", "Y", "Icona", "Colore", "Immagine",
-                                           "T_Max", "T_Min_Ass", "Campo_1", "Colore_Sfondo"};
-        static const char *const sections[] = {"Generale", "Zona 01", "Zona 30", "Interruttore 10", "LED 01",
-                                               "Apriporta", "Webcam", "Sinottico", "Grafico", "generale"};
-        static const char *const values[] = {"", "-", "0", "1", "-1", "31", "4", "&H", "&HFFFFFFFFF", "1,5,",
-                                             "2147483648", "-2147483649", "  ", "\"", "x", "9.9.9", "+5"};
-        // Most of these values are bad on purpose; their warnings are tested elsewhere.
-        QLoggingCategory::setFilterRules(QStringLiteral("telvane.storage.warning=false"));
-        const auto restoreLogging = qScopeGuard([] { QLoggingCategory::setFilterRules(QString()); });
-        QRandomGenerator random(20261122);
-        for (int round = 0; round < 200; ++round) {
-            QByteArray text;
-            const int lines = random.bounded(1, 60);
-            for (int i = 0; i < lines; ++i) {
-                if (random.bounded(4) == 0)
-                    text += QByteArray("[") + sections[random.bounded(int(std::size(sections)))] + "]\r\n";
-                text += QByteArray(keys[random.bounded(int(std::size(keys)))]) + "="
-                        + values[random.bounded(int(std::size(values)))] + "\r\n";
-            }
-            const PlantConfig config = load(storeWith(text));
-            QVERIFY2(config.zoneCount() <= MaxZones && config.switchCount() <= MaxSwitches
-                         && config.ledCount() <= MaxLeds,
-                     text.constData());
-            QVERIFY2(config.zoneDisplay.chartQuantity >= 0 && config.zoneDisplay.chartQuantity <= 4, text.constData());
-            QVERIFY2(config.zoneDisplay.chronoQuantity >= 0 && config.zoneDisplay.chronoQuantity <= 4, text.constData());
-        }
+        const QSize picture = QImageReader(c.synoptic.picturePath).size();
+        QVERIFY2(picture.isValid(), qPrintable(c.synoptic.picturePath));
+        const QRect area(QPoint(0, 0), picture * 15);
+        const auto onPicture = [&](const QString &what, int x, int y) {
+            QVERIFY2(area.contains(x, y), qPrintable(QStringLiteral("%1 at %2,%3").arg(what).arg(x).arg(y)));
+        };
+        for (const Zona &z : c.zones)
+            onPicture(z.name, z.x, z.y);
+        for (const Interruttore &s : c.switches)
+            onPicture(s.name, s.x, s.y);
+        for (const LED &l : c.leds)
+            onPicture(l.name, l.x, l.y);
+        onPicture(c.apriporta.name, c.apriporta.x, c.apriporta.y);
+        onPicture(c.webcam.name, c.webcam.x, c.webcam.y);
     }
 };
 

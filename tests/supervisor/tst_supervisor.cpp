@@ -86,13 +86,11 @@ private slots:
         QFETCH(bool, portOpens);
         RuntimeFixture fx;
         fx.line.setOpenRefused(!portOpens);
-        QFile ini(fx.dir.filePath(QStringLiteral("Telvane2.ini")));
-        QVERIFY(ini.open(QIODevice::WriteOnly));
-        ini.write(QStringLiteral("[Generale]\nZone=1\nAutoAvvio=%1\nGrafico=%2\n[Zona 01]\nIndirizzo=5\nPV_r=3,40001\n"
-                                 "[COM]\nPorta=2\n")
-                      .arg(autoAvvio, grafico)
-                      .toUtf8());
-        ini.close();
+        fx.writeFile(QStringLiteral("Telvane2.ini"),
+                     QStringLiteral("[Generale]\nZone=1\nAutoAvvio=%1\nGrafico=%2\n[Zona 01]\nIndirizzo=5\nPV_r=3,40001\n"
+                                    "[COM]\nPorta=2\n")
+                         .arg(autoAvvio, grafico)
+                         .toUtf8());
         Supervisor supervisor(fx.rt);
 
         supervisor.startUp();

@@ -6,6 +6,7 @@
 #include "base/soundplayer.h"
 #include "fieldbus/scriptedline.h"
 #include "supervisor/runtime.h"
+#include "support/settingsfixture.h"
 
 #include <QHash>
 #include <QSet>
@@ -54,6 +55,9 @@ struct RuntimeFixture
     }
 
     void login(bool technician, bool administrator) { rt.user = {technician, administrator}; }
+
+    // A file of the program folder, its folders made as needed.
+    void writeFile(const QString &name, const QByteArray &bytes) const { writeTestFile(dir.filePath(name), bytes); }
 
     // Every write is answered with `echo` in place of the value written; reads go unanswered.
     void echoWrites(quint16 echo)

@@ -1,0 +1,72 @@
+#include "commandline.h"
+
+#include <QCommandLineParser>
+#include <QCoreApplication>
+
+#include <cstring>
+
+namespace telvane {
+
+namespace {
+
+const QString Description = QStringLiteral(
+    "Telvane: supervisore Modbus RTU\n"
+    "\n"
+    "Senza finestre (--headless), per un impianto senza schermo: avvia l'acquisizione subito e\n"
+    "scrive su una riga dello standard output ogni cambio della barra di stato\n"
+    "(\"Pannello 2: Acquisizione\"), ogni nuovo allarme (\"Allarme: Soggiorno (14/11/2026 10:15:00)\"),\n"
+    "ogni messaggio all'operatore e l'esito di ogni comando; il registro giornaliero in Dati e\n"
+    "il cronotermostato funzionano come con le finestre. SIGINT o SIGTERM: si ferma alla fine\n"
+    "del ciclo in corso e chiude la porta (uscita 0). Con --communicate e nessuna porta\n"
+    "utilizzabile scrive \"Nessuna COM\" ed esce con 1; argomenti errati: uscita 2.\n"
+    "\n"
+    "  telvane --headless (--simulate | --communicate) [--dir DIR] [--ticks N] [--tick-ms MS]\n"
+    "          [--login NOME:PASSWORD] [--command COMANDO ...]\n"
+    "\n"
+    "Comandi (uno per ciclo, nell'ordine dato; N da 1): \"switch N on\", \"switch N off\",\n"
+    "\"door\", \"set N VALORE\" (VALORE con \",\" o \".\"). I comandi chiedono un utente: --login.\n"
+    "Il dettaglio di ogni scambio Modbus: QT_LOGGING_RULES=\"telvane.*.debug=true\".");
+
+} // namespace
+
+CommandLineOptions::CommandLineOptions()
+    : dir(QStringLiteral("dir"), QStringLiteral("Cartella del programma (impostazioni, Dati, Crono, Ricetta)."),
+          QStringLiteral("DIR"))
+    , simulate(QStringLiteral("simulate"), QStringLiteral("Simula gli strumenti, senza chiederlo all'avvio."))
+    , communicate(QStringLiteral("communicate"),
+                  QStringLiteral("Comunica con gli strumenti, senza chiederlo all'avvio."))
+    , headless(QStringLiteral("headless"), QStringLiteral("Senza finestre: acquisisce e scrive su standard output."))
+    , ticks(QStringLiteral("ticks"), QStringLiteral("Con --headless: si ferma dopo N cicli (1..2147483647)."),
+            QStringLiteral("N"))
+    , tickMs(QStringLiteral("tick-ms"),
+             QStringLiteral("Con --headless: durata di un ciclo in ms (1..60000, normale 1000); i periodi "
+                            "restano contati in cicli."),
+             QStringLiteral("MS"))
+    , command(QStringLiteral("command"),
+              QStringLiteral("Con --headless: un comando dell'operatore, eseguito dal ciclo (ripetibile)."),
+              QStringLiteral("COMANDO"))
+    , login(QStringLiteral("login"), QStringLiteral("Con --headless: accede come utente prima di avviare."),
+            QStringLiteral("NOME:PASSWORD"))
+{
+}
+
+void CommandLineOptions::addTo(QCommandLineParser &parser) const
+{
+    parser.setApplicationDescription(Description);
+    parser.addHelpOption();
+    parser.addVersionOption();
+    parser.addOptions({dir, simulate, communicate, headless, ticks, tickMs, command, login});
+}
+
+bool headlessRequested(int argc, char *argv[])
+{
+    for (int i = 1; i < argc; ++i) {
+        if (std::strcmp(argv[i], "--headless") == 0 || std::strcmp(argv[i], "-headless") == 0)
+            return true;
+        if (std::strcmp(argv[i], "--") == 0)
+            break;
+    }
+    return false;
+}
+
+} // namespace telvane

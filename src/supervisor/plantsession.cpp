@@ -1,0 +1,48 @@
+#include "supervisor/plantsession.h"
+
+#include "storage/chronofiles.h"
+#include "supervisor/runtime.h"
+#include "supervisor/supervisor.h"
+
+namespace telvane {
+
+PlantSession::PlantSession(Runtime &rt, Supervisor &supervisor, Prompts &prompts)
+    : m_rt(rt)
+    , m_supervisor(supervisor)
+    , m_chrono(rt)
+    , m_clockAlignment(rt)
+    , m_commands(rt, prompts, supervisor)
+{
+    m_rt.cycleTasks.append(&m_chrono);
+    m_rt.cycleTasks.append(&m_clockAlignment);
+    m_rt.operatorCommands = &m_commands;
+}
+
+PlantSession::~PlantSession()
+{
+    m_rt.cycleTasks.removeOne(&m_chrono);
+    m_rt.cycleTasks.removeOne(&m_clockAlignment);
+    if (m_rt.operatorCommands == &m_commands)
+        m_rt.operatorCommands = nullptr;
+}
+
+void PlantSession::startUp()
+{
+    m_supervisor.startUp();
+    loadChronoFiles();
+}
+
+void PlantSession::reload()
+{
+    ReloadEditor(m_rt);
+    loadChronoFiles();
+    m_chrono.restart();
+}
+
+void PlantSession::loadChronoFiles()
+{
+    // A file that cannot be read is logged by the loader; the schedule then keeps 20.0.
+    LoadChronoFiles(m_rt.ini.folder(), m_rt.chrono, m_rt.holidays);
+}
+
+} // namespace telvane

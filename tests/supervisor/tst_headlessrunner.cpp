@@ -1,0 +1,420 @@
+// The headless mode's run of a plant, tick by tick, over a scripted line: what it prints,
+// when it stops, and how the operator commands go through the queue.
+
+#include "support/runtimefixture.h"
+
+#include "supervisor/headlessprompts.h"
+#include "supervisor/headlessrunner.h"
+#include "supervisor/plantsession.h"
+#include "supervisor/supervisor.h"
+
+#include <QFile>
+#include <QLoggingCategory>
+#include <QSignalSpy>
+#include <QTest>
+#include <QTextStream>
+
+using namespace telvane;
+
+namespace {
+
+constexpr int SwitchSlave = 7;
+
+// Two zones on slaves 1 and 2 with all five quantities, a measurement round every
+// other tick and no other poll, one switch and the log on.
+const char PlantIni[] = R"([Generale]
+Zone=2
+Interruttori=1
+LED=0
+Apriporta=0
+Grafico=1
+Cronotermostato=0
+Zone Testo=1
+Zone Grafico=0
+
+[COM]
+Porta=/dev/ttyTEST
+Retry=1
+TimeOut=100
+Base Misura=2
+Base Remoto=0
+Base LED=0
+Remoto=0
+Attivita=0
+
+[Zona 01]
+Nome=Soggiorno
+Indirizzo=1
+Decimali=1
+PV_r=3,1
+SP_r=3,2
+AL1_r=3,3
+AL2_r=3,4
+AL3_r=3,5
+SP_w=6,2
+
+[Zona 02]
+Nome=Cucina
+Indirizzo=2
+Decimali=0
+PV_r=3,1
+SP_r=3,2
+AL1_r=3,3
+AL2_r=3,4
+AL3_r=3,5
+
+[Interruttore 01]
+Nome=Caldaia
+Indirizzo=7
+Decimali=0
+On_w=5,1
+Off_w=5,1
+Val_on=1
+Val_off=0
+)";
+
+// A plant rig with the plant above on disk and a runner printing into `output`.
+struct HeadlessRig : RuntimeFixture
+{
+    explicit HeadlessRig(HeadlessOptions options = communicating())
+    {
+        writeFile(QStringLiteral("Telvane0.ini"), "[Generale]\r\nModo=1\r\n");
+        writeFile(QStringLiteral("Telvane1.ini"), PlantIni);
+        for (int k = 0; k < 5; ++k) {
+            setValue(1, 3, k + 1, 215 + k);
+            setValue(2, 3, k + 1, 40 + k);
+        }
+        slaves.insert(SwitchSlave);
+        runner = std::make_unique<HeadlessRunner>(rt, supervisor, session, prompts, out, std::move(options));
+    }
+
+    static HeadlessOptions communicating()
+    {
+        HeadlessOptions options;
+        options.communicate = true;
+        return options;
+    }
+
+    // One tick a second of the clock, as the timer would run them.
+    void tick()
+    {
+        clock.advance(1000);
+        supervisor.MonitorCycle();
+    }
+
+    // Everything printed since the last call, line by line.
+    QStringList takeLines()
+    {
+        out.flush();
+        const QStringList lines = printed.mid(m_taken).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+        m_taken = printed.size();
+        return lines;
+    }
+
+    // The writes put on the wire since the last call (reads left out).
+    QStringList takeWrites()
+    {
+        return takeRequests().filter(QRegularExpression(QStringLiteral("^.. 0[5-9]")));
+    }
+
+    QStringList logLines()
+    {
+        QFile log(dir.filePath(QStringLiteral("Dati/2026_11_14.csv")));
+        if (!log.open(QIODevice::ReadOnly))
+            return {};
+        return QString::fromUtf8(log.readAll()).split(QStringLiteral("\r\n"), Qt::SkipEmptyParts);
+    }
+
+    QString printed;
+    QTextStream out{&printed};
+    HeadlessPrompts prompts{out};
+    Supervisor supervisor{rt};
+    PlantSession session{rt, supervisor, prompts};
+    std::unique_ptr<HeadlessRunner> runner;
+
+private:
+    qsizetype m_taken = 0;
+};
+
+HeadlessOptions withTicks(int ticks, bool communicate = true)
+{
+    HeadlessOptions options;
+    options.communicate = communicate;
+    options.ticks = ticks;
+    return options;
+}
+
+HeadlessCommand command(const QString &text)
+{
+    QString error;
+    const std::optional<HeadlessCommand> parsed = parseHeadlessCommand(text, error);
+    Q_ASSERT(parsed);
+    return *parsed;
+}
+
+} // namespace
+
+class TestHeadlessRunner : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase() { QLoggingCategory::setFilterRules(QStringLiteral("telvane.*.debug=false")); }
+
+    // Start-up, the start's round, the ticks, an absent slave reaching its sixth failure
+    // in the second round, and the stop after the fourth tick.
+    void printsWhatTheWindowWouldShow()
+    {
+        HeadlessRig rig(withTicks(4));
+        rig.slaves.remove(2);
+        QSignalSpy finished(rig.runner.get(), &HeadlessRunner::finished);
+
+        rig.runner->start();
+        QVERIFY(rig.supervisor.AcquisitionRunning());
+        QCOMPARE(rig.takeLines(), (QStringList{
+                                      QStringLiteral("Pannello 2: Standby"),
+                                      QStringLiteral("Pannello 1: COM/dev/ttyTEST:9600,N,8,1"),
+                                      QStringLiteral("Pannello 3: Lettura..."),
+                                      QStringLiteral("Pannello 3:"),
+                                      QStringLiteral("Pannello 2: Acquisizione"),
+                                  }));
+        QCOMPARE(rig.supervisor.Timer_Monitor().interval(), Supervisor::MonitorIntervalMs);
+
+        rig.tick();
+        QCOMPARE(rig.takeLines(), QStringList());
+        rig.tick();
+        const QStringList entries = rig.rt.alarms.zoneEntries();
+        QCOMPARE(entries.size(), 1);
+        QVERIFY2(entries.first().startsWith(QStringLiteral("Cucina (14/11/2026 22:20:")), qPrintable(entries.first()));
+        QCOMPARE(rig.takeLines(), (QStringList{
+                                      QStringLiteral("Pannello 3: Lettura..."),
+                                      QStringLiteral("Allarme: ") + entries.first(),
+                                      QStringLiteral("Pannello 3:"),
+                                  }));
+        rig.tick();
+        QCOMPARE(finished.count(), 0);
+        rig.tick();
+        QCOMPARE(finished.count(), 1);
+        QCOMPARE(finished.first().first().toInt(), 0);
+        QCOMPARE(rig.runner->ticksRun(), 4);
+        // Listed once: the third round adds nothing.
+        QCOMPARE(rig.takeLines(), (QStringList{
+                                      QStringLiteral("Pannello 3: Lettura..."),
+                                      QStringLiteral("Pannello 3:"),
+                                      QStringLiteral("Pannello 2: Standby"),
+                                  }));
+        QVERIFY(!rig.supervisor.AcquisitionRunning());
+        QVERIFY(!rig.supervisor.Timer_Monitor().isActive());
+        QVERIFY(!rig.line.isOpen());
+
+        const QStringList log = rig.logLines();
+        QCOMPARE(log.size(), 3);
+        for (const QString &line : log)
+            QVERIFY2(line.endsWith(QStringLiteral(";21.5;-99999;")), qPrintable(line));
+    }
+
+    void tickLengthIsPassedOn()
+    {
+        HeadlessOptions options = withTicks(1, false);
+        options.tickMs = 20;
+        HeadlessRig rig(options);
+        rig.runner->start();
+        QCOMPARE(rig.supervisor.Timer_Monitor().interval(), 20);
+        QVERIFY(rig.supervisor.Timer_Monitor().isActive());
+        // Simulated: nothing on the line, and the round still pauses as a real one.
+        QVERIFY(rig.line.requests().isEmpty());
+        QCOMPARE(rig.pause.pauses(), QList<int>{250});
+    }
+
+    // Each command waits for its own tick, in the order given, and its outcome is told.
+    void commandsRunOneATick()
+    {
+        HeadlessOptions options = withTicks(5);
+        options.login = HeadlessOptions::Credentials{QStringLiteral("Tecnico"), QStringLiteral("Qx7")};
+        options.commands = {command(QStringLiteral("switch 1 on")), command(QStringLiteral("set 1 21,5")),
+                            command(QStringLiteral("door")), command(QStringLiteral("set 2 19")),
+                            command(QStringLiteral("switch 1 off"))};
+        HeadlessRig rig(options);
+        rig.runner->start();
+        QVERIFY(rig.takeLines().contains(QStringLiteral("Pannello 1: Utente: Tecnico")));
+        QVERIFY(rig.takeWrites().isEmpty());
+
+        rig.tick();
+        QCOMPARE(rig.takeWrites(), QStringList{"07 05 0001 ff00"});
+        QVERIFY(rig.takeLines().contains(QStringLiteral("Comando \"switch 1 on\": confermato")));
+
+        rig.tick();
+        QCOMPARE(rig.takeWrites(), QStringList{"01 06 0002 00d7"});
+        QVERIFY(rig.takeLines().contains(QStringLiteral("Comando \"set 1 21,5\": confermato")));
+
+        rig.tick();
+        QVERIFY(rig.takeWrites().isEmpty());
+        QVERIFY(rig.takeLines().contains(QStringLiteral("Comando \"door\": non configurato")));
+
+        rig.tick();
+        QVERIFY(rig.takeWrites().isEmpty());
+        QVERIFY(rig.takeLines().contains(QStringLiteral("Comando \"set 2 19\": non configurato")));
+
+        rig.tick();
+        QCOMPARE(rig.takeWrites(), QStringList{"07 05 0001 0000"});
+        QVERIFY(rig.takeLines().contains(QStringLiteral("Comando \"switch 1 off\": confermato")));
+    }
+
+    // Nobody answers a box: a wrong password is told on a line, and the command that
+    // follows is refused for want of rights.
+    void wrongPasswordLeavesCommandsRefused()
+    {
+        HeadlessOptions options = withTicks(2);
+        options.login = HeadlessOptions::Credentials{QStringLiteral("Tecnico"), QStringLiteral("qx7")};
+        options.commands = {command(QStringLiteral("switch 1 on"))};
+        HeadlessRig rig(options);
+        rig.runner->start();
+        const QStringList start = rig.takeLines();
+        QVERIFY2(start.contains(QStringLiteral("Avviso (Accesso): Password errata.")), qPrintable(start.join('\n')));
+        QVERIFY(!start.contains(QStringLiteral("Pannello 1: Utente: Tecnico")));
+
+        rig.tick();
+        QVERIFY(rig.takeWrites().isEmpty());
+        const QStringList tick = rig.takeLines();
+        QVERIFY(tick.contains(QStringLiteral("Pannello 4: Privilegi insufficienti")));
+        QVERIFY(tick.contains(QStringLiteral("Comando \"switch 1 on\": rifiutato")));
+    }
+
+    // A stop that arrives while a tick waits for a reply lets the tick finish its round
+    // and its line in the log.
+    void stopDuringATickWaitsForItsEnd()
+    {
+        HeadlessRig rig; // no tick limit
+        QSignalSpy finished(rig.runner.get(), &HeadlessRunner::finished);
+        rig.runner->start();
+        rig.tick();
+        QCOMPARE(rig.logLines().size(), 1);
+
+        bool asked = false;
+        rig.line.setDuringYield([&] {
+            if (!asked) {
+                asked = true;
+                rig.runner->requestStop();
+                QCOMPARE(finished.count(), 0);
+                QVERIFY(rig.supervisor.AcquisitionRunning());
+            }
+        });
+        rig.tick();
+        QVERIFY(asked);
+        QCOMPARE(finished.count(), 1);
+        QCOMPARE(finished.first().first().toInt(), 0);
+        QCOMPARE(rig.runner->ticksRun(), 2);
+        QCOMPARE(rig.logLines().size(), 2);
+        QCOMPARE(rig.takeLines().last(), QStringLiteral("Pannello 2: Standby"));
+        QVERIFY(!rig.supervisor.Timer_Monitor().isActive());
+        QVERIFY(!rig.line.isOpen());
+    }
+
+    void stopBetweenTicksIsImmediate()
+    {
+        HeadlessRig rig;
+        QSignalSpy finished(rig.runner.get(), &HeadlessRunner::finished);
+        rig.runner->start();
+        rig.tick();
+        rig.takeLines();
+        rig.runner->requestStop();
+        QCOMPARE(finished.count(), 1);
+        QCOMPARE(rig.takeLines(), QStringList{QStringLiteral("Pannello 2: Standby")});
+        // A second signal changes nothing.
+        rig.runner->requestStop();
+        QCOMPARE(finished.count(), 1);
+    }
+
+    // A stop that comes before the start: finished at once, and the start does nothing.
+    void stopBeforeTheStart()
+    {
+        HeadlessRig rig;
+        QSignalSpy finished(rig.runner.get(), &HeadlessRunner::finished);
+        rig.runner->requestStop();
+        QCOMPARE(finished.count(), 1);
+        QCOMPARE(finished.first().first().toInt(), 0);
+        rig.runner->start();
+        QCOMPARE(finished.count(), 1);
+        QVERIFY(rig.line.requests().isEmpty());
+        QVERIFY(!rig.supervisor.AcquisitionRunning());
+        QCOMPARE(rig.takeLines(), QStringList());
+    }
+
+    void noPortIsNessunaCom_data()
+    {
+        QTest::addColumn<bool>("communicate");
+        QTest::addColumn<int>("exitCode");
+        QTest::newRow("communicate") << true << 1;
+        QTest::newRow("simulate") << false << -1;
+    }
+
+    // Talking to the instruments needs the port; a simulation runs without.
+    void noPortIsNessunaCom()
+    {
+        QFETCH(bool, communicate);
+        QFETCH(int, exitCode);
+        HeadlessRig rig(withTicks(1, communicate));
+        rig.line.setOpenRefused(true);
+        QSignalSpy finished(rig.runner.get(), &HeadlessRunner::finished);
+        rig.runner->start();
+
+        const QStringList lines = rig.takeLines();
+        QVERIFY(lines.contains(QStringLiteral("Pannello 1: Nessuna COM")));
+        if (exitCode < 0) {
+            QCOMPARE(finished.count(), 0);
+            QVERIFY(rig.supervisor.AcquisitionRunning());
+        } else {
+            QCOMPARE(lines.last(), QStringLiteral("Nessuna COM"));
+            QCOMPARE(finished.count(), 1);
+            QCOMPARE(finished.first().first().toInt(), exitCode);
+            QVERIFY(!rig.supervisor.AcquisitionRunning());
+            QVERIFY(rig.line.requests().isEmpty());
+        }
+    }
+
+    void boxesBecomeLines_data()
+    {
+        QTest::addColumn<int>("kind");
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("line");
+
+        QTest::newRow("warning") << 0 << "Il comando potrebbe non essere stato eseguito."
+                                 << "Avviso (Titolo): Il comando potrebbe non essere stato eseguito.";
+        QTest::newRow("two lines") << 0 << "Prima riga\r\nseconda riga\n"
+                                   << "Avviso (Titolo): Prima riga seconda riga";
+        QTest::newRow("information") << 1 << "Fatto." << "Informazione (Titolo): Fatto.";
+        QTest::newRow("question") << 2 << "Procedo?" << "Domanda (Titolo): Procedo? -> No";
+        QTest::newRow("input") << 3 << "Nuovo valore" << "Richiesta (Titolo): Nuovo valore -> Annulla";
+    }
+
+    // Nobody is there to answer: No and Cancel, so nothing is done on a guess.
+    void boxesBecomeLines()
+    {
+        QFETCH(int, kind);
+        QFETCH(QString, text);
+        QFETCH(QString, line);
+
+        QString printed;
+        QTextStream out(&printed);
+        HeadlessPrompts prompts(out);
+        const QString title = QStringLiteral("Titolo");
+        switch (kind) {
+        case 0:
+            prompts.warning(title, text);
+            break;
+        case 1:
+            prompts.information(title, text);
+            break;
+        case 2:
+            QVERIFY(!prompts.question(title, text));
+            break;
+        case 3:
+            QCOMPARE(prompts.textInput(title, text, QStringLiteral("20")), std::nullopt);
+            break;
+        }
+        QCOMPARE(printed, line + QLatin1Char('\n'));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestHeadlessRunner)
+#include "tst_headlessrunner.moc"
