@@ -47,14 +47,6 @@ struct Rig
     CommErrorTable table{alarms, plant, tables, master, clock};
 };
 
-QByteArray bytes(std::initializer_list<int> values)
-{
-    QByteArray out;
-    for (int value : values)
-        out.append(char(value));
-    return out;
-}
-
 } // namespace
 
 class TestCommErrorTable : public QObject
@@ -127,9 +119,9 @@ private slots:
         QTest::addColumn<QByteArray>("reply");
         QTest::addColumn<QString>("reason");
         QTest::newRow("silence") << 1 << QByteArray() << "Time out";
-        QTest::newRow("short reply") << 1 << bytes({1, 0x83}) << "(Exception)";
+        QTest::newRow("short reply") << 1 << QByteArray::fromHex("0183") << "(Exception)";
         QTest::newRow("broadcast") << 0 << QByteArray() << "Broadcast";
-        QTest::newRow("bad CRC") << 1 << bytes({1, 3, 2, 0, 7, 0, 0}) << "";
+        QTest::newRow("bad CRC") << 1 << QByteArray::fromHex("01030200070000") << "";
     }
 
     void lastFailureTellsWhy()

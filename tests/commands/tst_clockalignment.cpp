@@ -22,10 +22,8 @@ struct ClockFixture : RuntimeFixture
         for (int zone = 0; zone < 3; ++zone)
             setRow(rt.editor.tables.ZoneWriteTable, zone, {zone + 1, 2});
         slaves = {1, 2, 3};
-        for (auto [section, key, value] : {std::tuple{"Zona 01", "Ora_w", "6,256"}, {"Zona 01", "Minuti_w", " 6, 257 "},
-                                           {"Zona 01", "Giorno_w", "6,40202"}, {"Zona 02", "Ora_w", "8,512"},
-                                           {"Zona 04", "Ora_w", "6,1024"}})
-            rt.ini.WriteIniKey(QLatin1String(section), QLatin1String(key), QLatin1String(value));
+        writeFile(QStringLiteral("Telvane2.ini"), "[Zona 01]\nOra_w=6,256\nMinuti_w= 6, 257 \nGiorno_w=6,40202\n"
+                                                  "[Zona 02]\nOra_w=8,512\n[Zona 04]\nOra_w=6,1024\n");
         clock.setNow(QDateTime(QDate(2026, 11, 16), QTime(9, 5)));
     }
 };

@@ -86,11 +86,9 @@ private slots:
         QFETCH(bool, portOpens);
         RuntimeFixture fx;
         fx.line.setOpenRefused(!portOpens);
-        fx.writeFile(QStringLiteral("Telvane2.ini"),
-                     QStringLiteral("[Generale]\nZone=1\nAutoAvvio=%1\nGrafico=%2\n[Zona 01]\nIndirizzo=5\nPV_r=3,40001\n"
-                                    "[COM]\nPorta=2\n")
-                         .arg(autoAvvio, grafico)
-                         .toUtf8());
+        const QString ini = QStringLiteral("[Generale]\nZone=1\nAutoAvvio=%1\nGrafico=%2\n"
+                                           "[Zona 01]\nIndirizzo=5\nPV_r=3,40001\n[COM]\nPorta=2\n");
+        fx.writeFile(QStringLiteral("Telvane2.ini"), ini.arg(autoAvvio, grafico).toUtf8());
         Supervisor supervisor(fx.rt);
 
         supervisor.startUp();
