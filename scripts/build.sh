@@ -2,6 +2,8 @@
 # Configures and builds Telvane into build/ (clang, so the fuzz targets build too).
 set -euo pipefail
 cd "$(dirname "$0")/.."
+# Paths relative to the checkout, so a fresh clone reuses what ccache already compiled.
+export CCACHE_BASEDIR="$PWD"
 if [ ! -f build/CMakeCache.txt ]; then
   cmake -S . -B build -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
     -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++

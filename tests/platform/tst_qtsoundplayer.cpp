@@ -1,53 +1,13 @@
 #include "platform/qtsoundplayer.h"
 
+#include "support/settingsfixture.h"
+
 #include <QAudioDevice>
 #include <QElapsedTimer>
-#include <QFile>
 #include <QMediaDevices>
 #include <QRegularExpression>
-#include <QTemporaryDir>
-#include <QTest>
 
 using namespace telvane;
-
-namespace {
-
-// A tenth of a second of silence, 8 kHz mono 8-bit PCM.
-QByteArray silentWave()
-{
-    const quint32 samples = 800;
-    QByteArray wave;
-    const auto le32 = [&wave](quint32 v) {
-        for (int i = 0; i < 4; ++i)
-            wave.append(char(v >> (8 * i)));
-    };
-    const auto le16 = [&wave](quint16 v) {
-        wave.append(char(v));
-        wave.append(char(v >> 8));
-    };
-    wave.append("RIFF");
-    le32(36 + samples);
-    wave.append("WAVEfmt ");
-    le32(16);
-    le16(1);
-    le16(1);
-    le32(8000);
-    le32(8000);
-    le16(1);
-    le16(8);
-    wave.append("data");
-    le32(samples);
-    wave.append(QByteArray(samples, char(0x80)));
-    return wave;
-}
-
-bool writeFile(const QString &path, const QByteArray &bytes)
-{
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
-}
-
-} // namespace
 
 // The alarm sound plays on every second blink: whatever the file and the machine, a
 // call returns at once and a problem is told once, not every time.
@@ -56,41 +16,34 @@ class TestQtSoundPlayer : public QObject
     Q_OBJECT
 
 private slots:
-    void missingFileStaysSilentAndSaysSoOnce()
-    {
-        QTemporaryDir dir;
-        const QString path = dir.filePath(QStringLiteral("allarme.wav"));
-        QtSoundPlayer player;
-        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("allarme\\.wav.*does not exist")));
-        player.play(path);
-        player.play(path);
-        player.play(path);
-    }
-
     void playingNeverWaits_data()
     {
+        // A tenth of a second of silence, 8 kHz mono 8-bit PCM.
+        const QByteArray wave = QByteArray::fromHex("524946464403000057415645666d74201000000001000100401f0000401f00"
+                                                    "00010008006461746120030000") + QByteArray(800, char(0x80));
         QTest::addColumn<QByteArray>("contents");
-        QTest::newRow("a short WAV") << silentWave();
+        QTest::newRow("a short WAV") << wave;
         QTest::newRow("not a sound") << QByteArray("[Generale]\r\nModo=1\r\n");
         QTest::newRow("empty file") << QByteArray();
+        QTest::newRow("missing file: said once") << QByteArray("none");
     }
-
     void playingNeverWaits()
     {
         QFETCH(QByteArray, contents);
-
-        QTemporaryDir dir;
-        const QString path = dir.filePath(QStringLiteral("allarme.wav"));
-        QVERIFY(writeFile(path, contents));
+        SettingsFolder dir;
         QtSoundPlayer player;
-        const bool noOutput = QMediaDevices::defaultAudioOutput().isNull();
-        if (noOutput)
-            QTest::ignoreMessage(QtWarningMsg, "No audio output: sounds stay silent");
-
+        // A missing file is told first, and once; a file that is there, only when no device plays it.
+        if (contents == "none") {
+            QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("allarme\\.wav.*does not exist")));
+        } else {
+            dir.write(QStringLiteral("allarme.wav"), contents);
+            if (QMediaDevices::defaultAudioOutput().isNull())
+                QTest::ignoreMessage(QtWarningMsg, "No audio output: sounds stay silent");
+        }
         QElapsedTimer elapsed;
         elapsed.start();
         for (int blink = 0; blink < 5; ++blink)
-            player.play(path);
+            player.play(dir.path(QStringLiteral("allarme.wav")));
         // Five plays of a tenth of a second each would take half a second if they waited.
         QVERIFY2(elapsed.elapsed() < 400, qPrintable(QString::number(elapsed.elapsed())));
     }

@@ -1,3 +1,4 @@
+#include "support/datarows.h"
 #include "ui/about.h"
 #include "ui/splash.h"
 
@@ -12,35 +13,21 @@ class TestSplash : public QObject
     Q_OBJECT
 
 private slots:
-    void onlyNoSimulates_data()
-    {
-        QTest::addColumn<QString>("answer");
-        QTest::addColumn<bool>("communicate");
-        QTest::newRow("Sì") << "cmdSi" << true;
-        QTest::newRow("No") << "cmdNo" << false;
-        QTest::newRow("Enter") << "Enter" << true;
-        QTest::newRow("Esc") << "Esc" << true;
-        QTest::newRow("window closed") << "close" << true;
-    }
-
+    // answer|communicate: only "No" simulates.
+    void onlyNoSimulates_data() { addRows({"cmdSi|1", "cmdNo|0", "Enter|1", "Esc|1", "close|1"}); }
     void onlyNoSimulates()
     {
-        QFETCH(QString, answer);
-        QFETCH(bool, communicate);
-
+        const QStringList cells = rowCells();
         Splash splash;
         splash.show();
-        if (answer == QLatin1String("Enter"))
-            QTest::keyClick(&splash, Qt::Key_Return);
-        else if (answer == QLatin1String("Esc"))
-            QTest::keyClick(&splash, Qt::Key_Escape);
-        else if (answer == QLatin1String("close"))
+        if (cells[0] == QLatin1String("Enter") || cells[0] == QLatin1String("Esc"))
+            QTest::keyClick(&splash, cells[0] == QLatin1String("Enter") ? Qt::Key_Return : Qt::Key_Escape);
+        else if (cells[0] == QLatin1String("close"))
             splash.close();
         else
-            QTest::mouseClick(splash.findChild<QPushButton *>(answer), Qt::LeftButton);
-
+            QTest::mouseClick(splash.findChild<QPushButton *>(cells[0]), Qt::LeftButton);
         QVERIFY(!splash.isVisible());
-        QCOMPARE(splash.communicate(), communicate);
+        QCOMPARE(splash.communicate(), cells[1] == QLatin1String("1"));
     }
 
     void bothWindowsNameTheProduct()

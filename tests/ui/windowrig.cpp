@@ -7,6 +7,8 @@
 #include <QTimer>
 #include <QToolButton>
 
+#include <algorithm>
+
 namespace telvane {
 
 namespace {
@@ -28,11 +30,8 @@ void dropOffscreenNotices(QtMsgType type, const QMessageLogContext &context, con
 WindowRig::WindowRig()
     : supervisor(plant.rt)
 {
-    static const bool installed = [] {
-        forwardedHandler = qInstallMessageHandler(dropOffscreenNotices);
-        return true;
-    }();
-    Q_UNUSED(installed);
+    static const QtMessageHandler once = forwardedHandler = qInstallMessageHandler(dropOffscreenNotices);
+    Q_UNUSED(once);
 }
 
 WindowRig::~WindowRig() = default;
@@ -45,25 +44,10 @@ void WindowRig::startUp()
     window->show();
 }
 
-QToolButton *WindowRig::button(const QString &key) const
-{
-    return window->toolbarButton(key);
-}
-
-QAction *WindowRig::entry(const QString &name) const
-{
-    return window->findChild<QAction *>(name);
-}
-
-QString WindowRig::panel(int number) const
-{
-    return window->statusPanel(number)->text();
-}
-
-int WindowRig::acquisitionImage() const
-{
-    return button(QStringLiteral("8"))->property("image").toInt();
-}
+QToolButton *WindowRig::button(const QString &key) const { return window->toolbarButton(key); }
+QAction *WindowRig::entry(const QString &name) const { return window->findChild<QAction *>(name); }
+QString WindowRig::panel(int number) const { return window->statusPanel(number)->text(); }
+int WindowRig::acquisitionImage() const { return button(QStringLiteral("8"))->property("image").toInt(); }
 
 QStringList WindowRig::messagesDuring(const std::function<void()> &action)
 {
@@ -90,11 +74,9 @@ void WindowRig::chooseFromAcquisitionButton(const QString &text)
 {
     QToolButton *target = button(QStringLiteral("8"));
     QMenu *menu = target->menu();
-    QAction *chosen = nullptr;
-    for (QAction *candidate : menu->actions()) {
-        if (candidate->text() == text)
-            chosen = candidate;
-    }
+    const QList<QAction *> entries = menu->actions();
+    const auto found = std::find_if(entries.cbegin(), entries.cend(), [&](QAction *a) { return a->text() == text; });
+    QAction *chosen = found == entries.cend() ? nullptr : *found;
     QVERIFY2(chosen, qPrintable(text));
     // The arrow opens the menu modally; the entry is clicked from inside its loop.
     QTimer::singleShot(0, menu, [menu, chosen] { clickMenuEntry(menu, chosen); });

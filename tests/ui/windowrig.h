@@ -28,7 +28,6 @@ public:
     // The supervisor's start-up over the settings written so far, then the window shown.
     void startUp();
 
-    // --- What the operator does ----------------------------------------------------
     // A click on the main part of the toolbar button with `key`.
     void clickButton(const QString &key);
     // The entry of button "8"'s drop-down whose text is `text`, through its arrow.
@@ -36,11 +35,9 @@ public:
     // Opens the menu `menuName` on the menu bar and clicks its entry `entryName`.
     void chooseMenuEntry(const QString &menuName, const QString &entryName);
 
-    // --- What the operator sees ----------------------------------------------------
     QToolButton *button(const QString &key) const;
     QAction *entry(const QString &name) const;
     QString panel(int number) const;
-    // The image the acquisition button shows.
     int acquisitionImage() const;
     // Every text panel 4 showed while `action` ran.
     QStringList messagesDuring(const std::function<void()> &action);
