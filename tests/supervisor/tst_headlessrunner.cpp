@@ -73,10 +73,29 @@ Val_on=1
 Val_off=0
 )";
 
+HeadlessOptions withTicks(int ticks, bool communicate = true)
+{
+    HeadlessOptions options;
+    options.communicate = communicate;
+    options.ticks = ticks;
+    return options;
+}
+
+// Logged in as the technician with `password`, the commands queued one a tick.
+HeadlessOptions withCommands(const QString &password, const QStringList &commands)
+{
+    HeadlessOptions options = withTicks(int(commands.size()) + 1);
+    options.login = HeadlessOptions::Credentials{QStringLiteral("Tecnico"), password};
+    QString error;
+    for (const QString &text : commands)
+        options.commands.append(parseHeadlessCommand(text, error).value());
+    return options;
+}
+
 // A plant rig with the plant above on disk and a runner printing into `output`.
 struct HeadlessRig : RuntimeFixture
 {
-    explicit HeadlessRig(HeadlessOptions options = communicating())
+    explicit HeadlessRig(HeadlessOptions options = withTicks(0))
     {
         writeFile(QStringLiteral("Telvane0.ini"), "[Generale]\r\nModo=1\r\n");
         writeFile(QStringLiteral("Telvane1.ini"), PlantIni);
@@ -86,13 +105,6 @@ struct HeadlessRig : RuntimeFixture
         }
         slaves.insert(SwitchSlave);
         runner = std::make_unique<HeadlessRunner>(rt, supervisor, session, prompts, out, std::move(options));
-    }
-
-    static HeadlessOptions communicating()
-    {
-        HeadlessOptions options;
-        options.communicate = true;
-        return options;
     }
 
     // One tick a second of the clock, as the timer would run them.
@@ -135,22 +147,6 @@ struct HeadlessRig : RuntimeFixture
 private:
     qsizetype m_taken = 0;
 };
-
-HeadlessOptions withTicks(int ticks, bool communicate = true)
-{
-    HeadlessOptions options;
-    options.communicate = communicate;
-    options.ticks = ticks;
-    return options;
-}
-
-HeadlessCommand command(const QString &text)
-{
-    QString error;
-    const std::optional<HeadlessCommand> parsed = parseHeadlessCommand(text, error);
-    Q_ASSERT(parsed);
-    return *parsed;
-}
 
 } // namespace
 
@@ -217,45 +213,29 @@ private slots:
     // Each command waits for its own tick, in the order given, and its outcome is told.
     void commandsRunOneATick()
     {
-        HeadlessOptions options = withTicks(5);
-        options.login = HeadlessOptions::Credentials{QStringLiteral("Tecnico"), QStringLiteral("Qx7")};
-        options.commands = {command(QStringLiteral("switch 1 on")), command(QStringLiteral("set 1 21,5")),
-                            command(QStringLiteral("door")), command(QStringLiteral("set 2 19")),
-                            command(QStringLiteral("switch 1 off"))};
-        HeadlessRig rig(options);
+        HeadlessRig rig(withCommands(QStringLiteral("Qx7"), {"switch 1 on", "set 1 21,5", "door", "set 2 19",
+                                                             "switch 1 off"}));
         rig.runner->start();
         QVERIFY(rig.takeLines().contains(QStringLiteral("Pannello 1: Utente: Tecnico")));
         QVERIFY(rig.takeWrites().isEmpty());
-
-        rig.tick();
-        QCOMPARE(rig.takeWrites(), QStringList{"07 05 0001 ff00"});
-        QVERIFY(rig.takeLines().contains(QStringLiteral("Comando \"switch 1 on\": confermato")));
-
-        rig.tick();
-        QCOMPARE(rig.takeWrites(), QStringList{"01 06 0002 00d7"});
-        QVERIFY(rig.takeLines().contains(QStringLiteral("Comando \"set 1 21,5\": confermato")));
-
-        rig.tick();
-        QVERIFY(rig.takeWrites().isEmpty());
-        QVERIFY(rig.takeLines().contains(QStringLiteral("Comando \"door\": non configurato")));
-
-        rig.tick();
-        QVERIFY(rig.takeWrites().isEmpty());
-        QVERIFY(rig.takeLines().contains(QStringLiteral("Comando \"set 2 19\": non configurato")));
-
-        rig.tick();
-        QCOMPARE(rig.takeWrites(), QStringList{"07 05 0001 0000"});
-        QVERIFY(rig.takeLines().contains(QStringLiteral("Comando \"switch 1 off\": confermato")));
+        const QList<std::pair<QStringList, QString>> ticks{
+            {{"07 05 0001 ff00"}, "Comando \"switch 1 on\": confermato"},
+            {{"01 06 0002 00d7"}, "Comando \"set 1 21,5\": confermato"},
+            {{}, "Comando \"door\": non configurato"},
+            {{}, "Comando \"set 2 19\": non configurato"},
+            {{"07 05 0001 0000"}, "Comando \"switch 1 off\": confermato"}};
+        for (const auto &[writes, told] : ticks) {
+            rig.tick();
+            QCOMPARE(rig.takeWrites(), writes);
+            QVERIFY2(rig.takeLines().contains(told), qPrintable(told));
+        }
     }
 
     // Nobody answers a box: a wrong password is told on a line, and the command that
     // follows is refused for want of rights.
     void wrongPasswordLeavesCommandsRefused()
     {
-        HeadlessOptions options = withTicks(2);
-        options.login = HeadlessOptions::Credentials{QStringLiteral("Tecnico"), QStringLiteral("qx7")};
-        options.commands = {command(QStringLiteral("switch 1 on"))};
-        HeadlessRig rig(options);
+        HeadlessRig rig(withCommands(QStringLiteral("qx7"), {"switch 1 on"}));
         rig.runner->start();
         const QStringList start = rig.takeLines();
         QVERIFY2(start.contains(QStringLiteral("Avviso (Accesso): Password errata.")), qPrintable(start.join('\n')));
