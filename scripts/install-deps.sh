@@ -7,7 +7,7 @@ packages=(
   cmake ninja-build g++ clang libclang-rt-14-dev ccache pkg-config
   qt6-base-dev qt6-serialport-dev qt6-charts-dev libqt6opengl6-dev qt6-multimedia-dev qt6-svg-dev
   qt6-qpa-plugins libqt6svg6 xvfb xauth
-  socat python3-pymodbus libmodbus-dev libbenchmark-dev poppler-utils
+  socat python3-pymodbus python3-serial python3-serial-asyncio libmodbus-dev libbenchmark-dev poppler-utils
 )
 
 missing=()
@@ -23,4 +23,4 @@ if [ "$(id -u)" -ne 0 ]; then
 fi
 echo "Installo: ${missing[*]}"
 $sudo apt-get update -qq
-DEBIAN_FRONTEND=noninteractive $sudo apt-get install -y -qq --no-install-recommends "${missing[@]}"
+DEBIAN_FRONTEND=noninteractive $sudo apt-get install -y -qq "${missing[@]}"
