@@ -2,15 +2,10 @@
 // only finite values on traces counted from 1.
 #include "base/clock.h"
 #include "storage/dailylog.h"
-#include "storage/programfolder.h"
 
-#include <QDir>
-#include <QFile>
-#include <QLoggingCategory>
-#include <QTemporaryDir>
+#include "fuzzfolder.h"
 
 #include <cmath>
-#include <cstdint>
 #include <cstdlib>
 
 using namespace telvane;
@@ -38,23 +33,14 @@ public:
 
 extern "C" int LLVMFuzzerInitialize(int *, char ***)
 {
-    QLoggingCategory::setFilterRules(QStringLiteral("telvane.storage.warning=false"));
+    quietStorageWarnings();
     return 0;
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
-    static QTemporaryDir dir;
-    static const ProgramFolder folder(dir.path());
-    static const bool made = QDir().mkpath(folder.filePath(QLatin1String(DailyLogFolderName)));
-    if (!made)
-        std::abort();
-    {
-        QFile file(folder.filePath(QStringLiteral("Dati/fuzz.csv")));
-        if (!file.open(QIODevice::WriteOnly))
-            std::abort();
-        file.write(reinterpret_cast<const char *>(data), static_cast<qint64>(size));
-    }
+    const ProgramFolder &folder = fuzzFolder(QLatin1String(DailyLogFolderName));
+    writeFuzzInput(folder.filePath(QStringLiteral("Dati/fuzz.csv")), data, size);
     static const ManualClock clock;
     const DailyLog log(folder, clock);
     CheckingSink sink;
