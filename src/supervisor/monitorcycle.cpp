@@ -10,7 +10,7 @@
 #include "supervisor/switchoperations.h"
 #include "supervisor/zoneoperations.h"
 
-#include <utility>
+#include <optional>
 
 namespace telvane {
 
@@ -19,10 +19,11 @@ namespace telvane {
 // the end: a Stop given while a poll waited for its reply ends the cycle.
 void Supervisor::MonitorCycle()
 {
-    // A Start given during a poll restarts the timer, which may then fire while this
-    // tick still waits for a reply; that tick is simply skipped.
-    if (m_inTick)
+    // The timer keeps running through a Start's re-read or a command run at once, and
+    // may fire in one of their reply waits; that tick is skipped, the next one comes.
+    if (lineInUse())
         return;
+    std::optional<LineHold> hold(std::in_place, m_rt.lineHolds);
     m_inTick = true;
 
     m_monitorTimer.stop();
@@ -58,11 +59,8 @@ void Supervisor::MonitorCycle()
         m_monitorTimer.start(m_monitorIntervalMs);
     m_inTick = false;
 
-    const DeferredRead deferred = std::exchange(m_deferredRead, DeferredRead::None);
-    if (deferred == DeferredRead::Start)
-        MenuStart();
-    else if (deferred == DeferredRead::Reload)
-        MenuRileggi();
+    // Runs a Start or Reload clicked during the tick.
+    hold.reset();
     emit tickFinished();
 }
 

@@ -13,6 +13,7 @@
 #include "storage/valuetables.h"
 #include "supervisor/commandqueue.h"
 #include "supervisor/itemstates.h"
+#include "supervisor/linehold.h"
 #include "supervisor/statusbar.h"
 #include "supervisor/synopticrefresh.h"
 #include "supervisor/userlevel.h"
@@ -52,6 +53,8 @@ struct Runtime
     // The register tables, serial settings, line probe and options the editor built.
     EditorState editor;
     ModbusMaster master;
+    // Who uses the line beyond one exchange; no monitoring tick starts meanwhile.
+    LineHolds lineHolds;
     DailyLog dailyLog;
     AlarmBook alarms;
     CommandQueue commands;

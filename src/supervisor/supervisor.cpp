@@ -8,6 +8,8 @@
 #include "base/pause.h"
 #include "base/soundplayer.h"
 
+#include <utility>
+
 namespace telvane {
 
 Supervisor::Supervisor(Runtime &rt, QObject *parent)
@@ -19,6 +21,12 @@ Supervisor::Supervisor(Runtime &rt, QObject *parent)
     connect(&m_blinkTimer, &QTimer::timeout, this, &Supervisor::Timer_LampeggioTick);
     connect(&m_autoStartTimer, &QTimer::timeout, this, &Supervisor::TimerAutoStartTick);
     connect(&m_rt.alarms, &AlarmBook::alarmBlinkRequested, this, &Supervisor::SetAlarmBlink);
+    m_rt.lineHolds.setReleasedHandler([this] { runDeferredRead(); });
+}
+
+Supervisor::~Supervisor()
+{
+    m_rt.lineHolds.setReleasedHandler({});
 }
 
 void Supervisor::load()
@@ -109,7 +117,7 @@ void Supervisor::ResetAlarms()
 
 void Supervisor::MenuStart()
 {
-    if (deferDuringTick(DeferredRead::Start))
+    if (deferWhileLineHeld(DeferredRead::Start))
         return;
     m_cycleCounter = 0;
     m_rt.commands.PendingDoorOpen = false;
@@ -119,6 +127,8 @@ void Supervisor::MenuStart()
     if (CommunicateWithInstruments() && !SerialPortOpen())
         return;
 
+    // While acquiring, the timer keeps running through the re-read.
+    const LineHold hold(m_rt.lineHolds);
     ReadAllMeasurements(m_rt);
     ReadAllSwitchStates(m_rt);
     SetAcquisitionState(true);
@@ -140,28 +150,43 @@ void Supervisor::MenuStop()
 
 void Supervisor::MenuRileggi()
 {
-    if (deferDuringTick(DeferredRead::Reload))
+    if (deferWhileLineHeld(DeferredRead::Reload))
         return;
     if (!m_acquisitionRunning)
         return;
     if (CommunicateWithInstruments() && !SerialPortOpen())
         return;
+    const LineHold hold(m_rt.lineHolds);
     SetAcquisitionState(false);
     ReadAllMeasurements(m_rt);
     ReadAllSwitchStates(m_rt);
     SetAcquisitionState(true);
 }
 
-// A Start or Reload clicked while a tick waits for a reply would read every zone with
-// the line taken: each read refused, each zone a step nearer a false alarm. It runs when
-// the tick ends instead.
-bool Supervisor::deferDuringTick(DeferredRead read)
+bool Supervisor::lineInUse() const
 {
-    if (!m_inTick)
+    return m_rt.lineHolds.held() || m_rt.master.busy();
+}
+
+// A Start or Reload clicked while the line is held would read every zone with the line
+// taken: each read refused, each zone a step nearer a false alarm. It runs when the
+// line is let go instead.
+bool Supervisor::deferWhileLineHeld(DeferredRead read)
+{
+    if (!m_rt.lineHolds.held())
         return false;
     if (m_deferredRead != DeferredRead::Start)
         m_deferredRead = read;
     return true;
+}
+
+void Supervisor::runDeferredRead()
+{
+    const DeferredRead deferred = std::exchange(m_deferredRead, DeferredRead::None);
+    if (deferred == DeferredRead::Start)
+        MenuStart();
+    else if (deferred == DeferredRead::Reload)
+        MenuRileggi();
 }
 
 bool Supervisor::refuseWhileAcquiring()

@@ -13,8 +13,9 @@ struct Runtime;
 // the headless mode) shows its state and turns clicks into the `Menu...` calls.
 //
 // Every handler may be entered while a poll waits for a reply: the master lets the
-// event loop run meanwhile. The monitoring tick guards itself; a Stop given during a
-// tick leaves the timer off at its end, a Start or Reload runs once the tick is over.
+// event loop run meanwhile. No tick starts while anybody holds the line (a tick, a
+// Start's re-read, a command run at once); a Stop given during a tick leaves the timer
+// off at its end, a Start or Reload runs once the line is let go.
 class Supervisor final : public QObject
 {
     Q_OBJECT
@@ -32,6 +33,7 @@ public:
     static constexpr int CycleWrap = 300;
 
     explicit Supervisor(Runtime &rt, QObject *parent = nullptr);
+    ~Supervisor() override;
 
     // The start-up of the main window: flags cleared, timers set, "Standby", alarms
     // acknowledged, the folders "Dati", "Crono" and "Ricetta" made, the mode loaded.
@@ -101,7 +103,9 @@ signals:
 private:
     enum class DeferredRead { None, Start, Reload };
 
-    bool deferDuringTick(DeferredRead read);
+    bool lineInUse() const;
+    bool deferWhileLineHeld(DeferredRead read);
+    void runDeferredRead();
     bool refuseWhileAcquiring();
     void setButtonImage(int image);
     void runPendingCommands(bool &busy);

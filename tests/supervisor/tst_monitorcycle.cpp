@@ -4,6 +4,7 @@
 #include "supervisor/supervisor.h"
 
 #include <QLoggingCategory>
+#include <QSignalSpy>
 #include <QTest>
 
 using namespace telvane;
@@ -214,6 +215,47 @@ private slots:
         QCOMPARE(fx.supervisor.AcquisitionRunning(), click != QLatin1String("stop"));
         QCOMPARE(fx.supervisor.Timer_Monitor().isActive(), click != QLatin1String("stop"));
         QCOMPARE(fx.supervisor.CycleCounter(), counterAfter);
+    }
+
+    // The timer runs on through a Start's re-read while acquiring, and through a Start
+    // or Reload clicked during a tick and run at its end. A tick it fires into one of
+    // their reply waits must not start: its exchanges would be refused as the line is
+    // taken and counted against the instruments.
+    void noTickDuringARead_data()
+    {
+        QTest::addColumn<QString>("click");
+        QTest::addColumn<int>("ticksRun");
+        QTest::addColumn<int>("counterAfter");
+        QTest::newRow("start while acquiring") << "start" << 0 << 0;
+        QTest::newRow("start during a tick") << "start in tick" << 1 << 0;
+        QTest::newRow("reload during a tick") << "reload in tick" << 1 << 1;
+    }
+    void noTickDuringARead()
+    {
+        QFETCH(QString, click);
+        QFETCH(int, ticksRun);
+        QFETCH(int, counterAfter);
+        CycleFixture fx(1, 1, 1);
+        fx.supervisor.SetAcquisitionState(true);
+        QSignalSpy ticks(&fx.supervisor, &Supervisor::tickFinished);
+        bool clicked = !click.endsWith(QLatin1String("in tick"));
+        fx.line.setDuringYield([&] {
+            if (std::exchange(clicked, true))
+                fx.supervisor.MonitorCycle(); // the timer fires
+            else if (click.startsWith(QLatin1String("start")))
+                fx.supervisor.MenuStart();
+            else
+                fx.supervisor.MenuRileggi();
+        });
+
+        if (click == QLatin1String("start"))
+            fx.supervisor.MenuStart();
+        else
+            fx.supervisor.MonitorCycle();
+        QCOMPARE(ticks.size(), ticksRun);
+        QCOMPARE(fx.supervisor.CycleCounter(), counterAfter);
+        QCOMPARE(fx.rt.alarms.FailCount(AlarmItemKind::Led, 0), 0);
+        QVERIFY(fx.supervisor.Timer_Monitor().isActive());
     }
 
     // Start clears what was queued while standing by, except a set value.
