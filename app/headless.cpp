@@ -8,9 +8,9 @@
 #include "platform/qserialline.h"
 #include "platform/terminationsignals.h"
 #include "storage/programfolder.h"
-#include "supervisor/headlessprompts.h"
-#include "supervisor/headlessrunner.h"
-#include "supervisor/plantsession.h"
+#include "session/headlessprompts.h"
+#include "session/headlessrunner.h"
+#include "session/plantsession.h"
 #include "supervisor/runtime.h"
 #include "supervisor/supervisor.h"
 

@@ -7,7 +7,7 @@
 #include "platform/qserialline.h"
 #include "platform/qtsoundplayer.h"
 #include "storage/programfolder.h"
-#include "supervisor/plantsession.h"
+#include "session/plantsession.h"
 #include "supervisor/runtime.h"
 #include "supervisor/supervisor.h"
 #include "ui/mainform.h"

@@ -14,7 +14,7 @@ constexpr int RefusalMs = 1000;
 
 bool checkCommandRights(Runtime &rt)
 {
-    if (rt.user.IsTechnician || rt.user.IsAdministrator)
+    if (rt.user.hasCommandRights())
         return true;
     qCInfo(lcCommands, "Command refused: no user with rights is logged in");
     rt.statusBar.setPanel(StatusBar::MessagePanel, QStringLiteral("Privilegi insufficienti"));

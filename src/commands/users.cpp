@@ -54,7 +54,7 @@ UserLevel Login(const QString &name, const QString &password, UserLevel &user, S
     }
     statusBar.setPanel(UserPanel, userPanelText(user));
 
-    const bool granted = user.IsTechnician || user.IsAdministrator;
+    const bool granted = user.hasCommandRights();
     if (granted) {
         qCInfo(lcCommands) << "User" << name << "logged in";
     } else if (!name.isEmpty() || !password.isEmpty()) {

@@ -95,6 +95,9 @@ struct PlantConfig
     ChartSettings chart;
     SynopticSettings synoptic;
     SynopticFields fields;
+    // Switches may be commanded from the synoptic only when this is 1 (key
+    // "Comando Interruttori" of section `Generale`; absent: 1).
+    qint16 SwitchControlMode = 1;
 
     int zoneCount() const { return static_cast<int>(zones.size()); }
     int switchCount() const { return static_cast<int>(switches.size()); }

@@ -85,6 +85,9 @@ void LoadPlantConfig(const IniStore &store, PlantConfig &config, DisplayResets &
     config.apriporta.present = readIntegerKey(store, GeneralSection, QStringLiteral("Apriporta"), 0) > 0;
     readPosition(store, DoorSection, config.apriporta);
 
+    config.SwitchControlMode =
+        qint16(readIntegerKey(store, GeneralSection, QStringLiteral("Comando Interruttori"), 1));
+
     config.webcam.name = store.ReadIniKey(WebcamSection, QStringLiteral("Nome"), QStringLiteral("Webcam"));
     config.webcam.present = readIntegerKey(store, GeneralSection, QStringLiteral("Webcam"), 0) > 0;
     readPosition(store, WebcamSection, config.webcam);

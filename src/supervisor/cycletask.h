@@ -2,9 +2,10 @@
 
 namespace telvane {
 
-// Timed work that rides on the monitoring cycle, such as the chrono-thermostat: every
-// tick runs it after the operator commands and before the polls, so it never shares the
-// line with a poll and stops when acquisition stops.
+// Work that rides on the monitoring cycle: the operator's queued commands, the
+// chrono-thermostat, the clock alignment. Every tick runs the tasks in their order
+// before the polls, so they never share the line with a poll and stop when acquisition
+// stops.
 class CycleTask
 {
 public:
@@ -13,6 +14,8 @@ public:
     // One tick; true when it put something on the line (the tick then skips its
     // activity poll).
     virtual bool runTick() = 0;
+    // Start was given: whatever was left waiting from before must not run.
+    virtual void acquisitionStarting() {}
     // Acquisition has (re)started: whatever is due now is done again at the next tick.
     virtual void acquisitionStarted() = 0;
 };

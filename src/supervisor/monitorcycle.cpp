@@ -5,7 +5,6 @@
 #include "supervisor/dooroperations.h"
 #include "supervisor/ledoperations.h"
 #include "supervisor/measurementacquisition.h"
-#include "supervisor/operatorcommands.h"
 #include "supervisor/runtime.h"
 #include "supervisor/switchoperations.h"
 #include "supervisor/zoneoperations.h"
@@ -30,7 +29,6 @@ void Supervisor::MonitorCycle()
     ++m_cycleCounter;
     bool busy = false;
 
-    runPendingCommands(busy);
     for (CycleTask *task : std::as_const(m_rt.cycleTasks))
         busy = task->runTick() || busy;
 
@@ -68,36 +66,6 @@ void Supervisor::MonitorCycle()
 bool Supervisor::isDue(int period) const
 {
     return period != 0 && m_cycleCounter % period == 0;
-}
-
-void Supervisor::runPendingCommands(bool &busy)
-{
-    CommandQueue &queue = m_rt.commands;
-    OperatorCommands *commands = m_rt.operatorCommands;
-
-    if (queue.PendingDoorOpen) {
-        if (commands)
-            commands->DoorOpenCommand();
-        queue.PendingDoorOpen = false;
-        busy = true;
-    }
-    if (queue.PendingSwitchOff >= 0) {
-        if (commands)
-            commands->SwitchCommand(queue.PendingSwitchOff, false);
-        queue.PendingSwitchOff = CommandQueue::NoSwitch;
-        busy = true;
-    }
-    if (queue.PendingSwitchOn >= 0) {
-        if (commands)
-            commands->SwitchCommand(queue.PendingSwitchOn, true);
-        queue.PendingSwitchOn = CommandQueue::NoSwitch;
-        busy = true;
-    }
-    if (queue.PendingSetValue) {
-        if (commands)
-            commands->runPendingSetValue();
-        queue.PendingSetValue = false;
-    }
 }
 
 // Every zone, switch, the door opener and every LED: in remote mode their remote/local

@@ -11,7 +11,6 @@
 #include "storage/modesettings.h"
 #include "storage/plantconfig.h"
 #include "storage/valuetables.h"
-#include "supervisor/commandqueue.h"
 #include "supervisor/itemstates.h"
 #include "supervisor/linehold.h"
 #include "supervisor/statusbar.h"
@@ -23,7 +22,6 @@ namespace telvane {
 class ChartSink;
 class Clock;
 class CycleTask;
-class OperatorCommands;
 class Pause;
 class SerialLine;
 class SoundPlayer;
@@ -57,7 +55,6 @@ struct Runtime
     LineHolds lineHolds;
     DailyLog dailyLog;
     AlarmBook alarms;
-    CommandQueue commands;
     ItemStates items;
     UserLevel user;
 
@@ -74,12 +71,10 @@ struct Runtime
     // The activity poll's last answer, so that a silent line is logged once.
     bool lineAnswering = true;
 
-    // Plugged in by the window when it exists; without them a round feeds no chart and
-    // the queued commands are dropped.
+    // Plugged in by the window when it exists; without it a round feeds no chart.
     ChartSink *chart = nullptr;
-    OperatorCommands *operatorCommands = nullptr;
-    // Run by every monitoring tick, in this order (the chrono-thermostat, the clock
-    // alignment); owned by the caller.
+    // Run by every monitoring tick, in this order (the operator's commands, the
+    // chrono-thermostat, the clock alignment); owned by the caller.
     QList<CycleTask *> cycleTasks;
 };
 

@@ -33,7 +33,6 @@ void Supervisor::load()
 {
     m_cycleCounter = 0;
     m_acquisitionRunning = false;
-    m_rt.commands.PendingDoorOpen = false;
     m_autoStartPending = true;
 
     m_monitorTimer.stop();
@@ -120,9 +119,8 @@ void Supervisor::MenuStart()
     if (deferWhileLineHeld(DeferredRead::Start))
         return;
     m_cycleCounter = 0;
-    m_rt.commands.PendingDoorOpen = false;
-    m_rt.commands.PendingSwitchOff = CommandQueue::NoSwitch;
-    m_rt.commands.PendingSwitchOn = CommandQueue::NoSwitch;
+    for (CycleTask *task : std::as_const(m_rt.cycleTasks))
+        task->acquisitionStarting();
 
     if (CommunicateWithInstruments() && !SerialPortOpen())
         return;

@@ -108,7 +108,6 @@ private:
     void runDeferredRead();
     bool refuseWhileAcquiring();
     void setButtonImage(int image);
-    void runPendingCommands(bool &busy);
     void pollInstruments();
     bool isDue(int period) const;
 

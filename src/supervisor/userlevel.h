@@ -7,6 +7,10 @@ struct UserLevel
 {
     bool IsTechnician = false;
     bool IsAdministrator = false;
+
+    // Commands on the plant and the privileged controls need a technician, service or
+    // administrator user.
+    bool hasCommandRights() const { return IsTechnician || IsAdministrator; }
 };
 
 } // namespace telvane

@@ -79,7 +79,7 @@ void frmLogin::cmdOKClick()
     emit userChanged();
     m_password->clear();
 
-    const bool granted = level.IsTechnician || level.IsAdministrator;
+    const bool granted = level.hasCommandRights();
     if (!granted && !(name.isEmpty() && password.isEmpty())) {
         m_password->setFocus();
         return;

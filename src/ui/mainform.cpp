@@ -256,12 +256,12 @@ void MainForm::showAcquisitionImage(int image)
 
 void MainForm::userChanged()
 {
-    m_alarms->setPrivileged(m_rt.user.IsTechnician || m_rt.user.IsAdministrator);
+    m_alarms->setPrivileged(m_rt.user.hasCommandRights());
 }
 
 void MainForm::MenuErroriCOM()
 {
-    m_alarms->showCommErrors(m_rt.user.IsTechnician || m_rt.user.IsAdministrator);
+    m_alarms->showCommErrors(m_rt.user.hasCommandRights());
 }
 
 void MainForm::MenuAbout()

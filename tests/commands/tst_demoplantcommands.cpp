@@ -35,14 +35,14 @@ private slots:
             for (int zone = 0; zone < ChronoSchedule::Zones; ++zone)
                 fx.rt.chrono(slot, zone, 5) = 21.5f + float(zone);
         ChronoThermostat chrono(fx.rt);
-        fx.rt.cycleTasks.append(&chrono);
         PlantCommands commands(fx.rt, fx.prompts, supervisor);
-        fx.rt.operatorCommands = &commands;
+        fx.rt.cycleTasks = {&commands, &chrono};
         fx.login(true, false);
 
         supervisor.MenuStart();
         fx.takeRequests();
-        QCOMPARE(commands.requestDoorOpen(), std::nullopt);
+        commands.doorOpenerClicked();
+        QVERIFY(fx.line.requests().isEmpty());
         fx.clock.advance(1000);
         supervisor.MonitorCycle();
         QCOMPARE(fx.takeRequests(), (QStringList{"07 05 0005 ff00", "07 05 0005 0000", "01 06 0002 00d7",

@@ -3,16 +3,22 @@
 #include "commands/plantcommands.h"
 #include "supervisor/supervisor.h"
 
+#include <QLoggingCategory>
 #include <QTest>
 
 using namespace telvane;
 
 namespace {
 
-using Request = std::function<std::optional<CommandOutcome>(PlantCommands &)>;
+enum class Click { SwitchOnImage, SwitchOffImage, DoorOpener };
 
-// A switch on slave 4, the door opener on slave 9 and one zone on slave 12, all
-// echoing, with the polls off so that a tick only runs what was queued.
+const QString SwitchOnWrite = QStringLiteral("04 05 0030 ff00");
+const QString SwitchOffWrite = QStringLiteral("04 05 0031 0000");
+const QStringList DoorPulse{"09 05 0040 ff00", "09 05 0041 0000"};
+
+// A switch on slave 4, the door opener on slave 9 and two zones on slave 12, all
+// echoing, with the polls off so that a tick only runs what was queued. The commands
+// are the cycle's task, as in a running plant.
 struct CommandsFixture : RuntimeFixture
 {
     Supervisor supervisor{rt};
@@ -32,96 +38,213 @@ struct CommandsFixture : RuntimeFixture
         setRow(t.ZoneWriteTable, 1, {12, 0, -1, -1, -1, -1, 6, 0x51});
         slaves = {4, 9, 12};
         rt.editor.comm.remotePeriod = rt.editor.comm.measurementPeriod = rt.editor.comm.ledPeriod = 0;
-        rt.operatorCommands = &commands;
+        rt.cycleTasks.append(&commands);
         commands.setOutcomeListener([this](CommandOutcome outcome) { told.append(outcome); });
         if (acquiring)
             supervisor.SetAcquisitionState(true);
+    }
+
+    void click(Click what)
+    {
+        switch (what) {
+        case Click::SwitchOnImage:
+            return commands.switchOnImageClicked(0);
+        case Click::SwitchOffImage:
+            return commands.switchOffImageClicked(0);
+        case Click::DoorOpener:
+            return commands.doorOpenerClicked();
+        }
     }
 };
 
 } // namespace
 
-Q_DECLARE_METATYPE(Request)
+Q_DECLARE_METATYPE(Click)
+Q_DECLARE_METATYPE(telvane::UserLevel)
 
 class TestPlantCommands : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void commands_data()
-    {
-        QTest::addColumn<Request>("request");
-        QTest::addColumn<QStringList>("wire");
-        QTest::newRow("switch on") << Request([](PlantCommands &c) { return c.requestSwitch(0, true); })
-                                   << QStringList{"04 05 0030 ff00"};
-        QTest::newRow("switch off") << Request([](PlantCommands &c) { return c.requestSwitch(0, false); })
-                                    << QStringList{"04 05 0031 0000"};
-        QTest::newRow("door") << Request([](PlantCommands &c) { return c.requestDoorOpen(); })
-                              << QStringList{"09 05 0040 ff00", "09 05 0041 0000"};
-        QTest::newRow("set value") << Request([](PlantCommands &c) { return c.requestSetValue(0, "21,5"); })
-                                   << QStringList{"0c 06 0050 00d7"};
-    }
-    // Standing by, a command goes out at once; acquiring, it waits for the next tick,
-    // which leaves the queue empty. Either way its outcome is told when it ran.
-    void commands()
-    {
-        QFETCH(Request, request);
-        QFETCH(QStringList, wire);
-        CommandsFixture standingBy(false);
-        standingBy.login(true, false);
-        QCOMPARE(request(standingBy.commands), CommandOutcome::Confirmed);
-        QCOMPARE(standingBy.takeRequests(), wire);
-        QCOMPARE(standingBy.told, QList{CommandOutcome::Confirmed});
+    void initTestCase() { QLoggingCategory::setFilterRules(QStringLiteral("telvane.*.debug=false")); }
 
-        CommandsFixture acquiring(true);
-        acquiring.login(true, false);
-        QCOMPARE(request(acquiring.commands), std::nullopt);
-        QVERIFY(acquiring.line.requests().isEmpty() && acquiring.told.isEmpty());
-        acquiring.supervisor.MonitorCycle();
-        QCOMPARE(acquiring.takeRequests(), wire);
-        QCOMPARE(acquiring.told, QList{CommandOutcome::Confirmed});
-        acquiring.supervisor.MonitorCycle();
-        QVERIFY(acquiring.takeRequests().isEmpty());
-        QVERIFY(acquiring.prompts.asked().isEmpty());
+    // What a click sends at once and what the next tick sends.
+    void clicks_data()
+    {
+        QTest::addColumn<Click>("click");
+        QTest::addColumn<bool>("acquiring");
+        QTest::addColumn<int>("switchControlMode");
+        QTest::addColumn<QStringList>("atOnce");
+        QTest::addColumn<QStringList>("nextTick");
+        // The picture shown "on" switches off only while acquiring, then at once and
+        // again from the queue; the one shown "off" switches on at once only standing by.
+        QTest::newRow("Img_on standing by") << Click::SwitchOnImage << false << 1 << QStringList{} << QStringList{};
+        QTest::newRow("Img_on acquiring") << Click::SwitchOnImage << true << 1 << QStringList{SwitchOffWrite}
+                                          << QStringList{SwitchOffWrite};
+        QTest::newRow("Img_off standing by") << Click::SwitchOffImage << false << 1 << QStringList{SwitchOnWrite}
+                                             << QStringList{};
+        QTest::newRow("Img_off acquiring") << Click::SwitchOffImage << true << 1 << QStringList{}
+                                           << QStringList{SwitchOnWrite};
+        QTest::newRow("Img_on, switches not commanded") << Click::SwitchOnImage << true << 0 << QStringList{}
+                                                        << QStringList{};
+        QTest::newRow("Img_off, switches not commanded") << Click::SwitchOffImage << false << 2 << QStringList{}
+                                                         << QStringList{};
+        // The door does not look at the switches' mode.
+        QTest::newRow("door standing by") << Click::DoorOpener << false << 0 << DoorPulse << QStringList{};
+        QTest::newRow("door acquiring") << Click::DoorOpener << true << 0 << QStringList{} << DoorPulse;
+    }
+    void clicks()
+    {
+        QFETCH(Click, click);
+        QFETCH(bool, acquiring);
+        QFETCH(int, switchControlMode);
+        QFETCH(QStringList, atOnce);
+        QFETCH(QStringList, nextTick);
+        CommandsFixture fx(acquiring);
+        fx.login(true, false);
+        fx.rt.plant.SwitchControlMode = qint16(switchControlMode);
+
+        fx.click(click);
+        QCOMPARE(fx.takeRequests(), atOnce);
+        fx.supervisor.MonitorCycle();
+        QCOMPARE(fx.takeRequests(), nextTick);
+        fx.supervisor.MonitorCycle();
+        QVERIFY(fx.takeRequests().isEmpty());
+        QCOMPARE(fx.told.size(), atOnce.isEmpty() ? 0 + !nextTick.isEmpty() : 1 + !nextTick.isEmpty());
+        QVERIFY(fx.prompts.asked().isEmpty());
+    }
+
+    // A click that would act at once while the line waits for another reply waits for
+    // the next tick instead, and no tick starts inside the command's own reply waits.
+    void clickWhileTheLineIsInUse()
+    {
+        CommandsFixture fx(true);
+        fx.login(true, false);
+        bool clicked = false;
+        fx.line.setDuringYield([&] {
+            if (!std::exchange(clicked, true))
+                fx.commands.switchOnImageClicked(0);
+        });
+        fx.commands.queueDoorOpen(); // a tick with the door pulse in it
+        fx.supervisor.MonitorCycle();
+        // Clicked during the door's reply wait: queued, and run by the same tick.
+        QCOMPARE(fx.takeRequests(), (DoorPulse + QStringList{SwitchOffWrite}));
+
+        fx.line.setDuringYield([&] { fx.supervisor.MonitorCycle(); });
+        fx.commands.switchOnImageClicked(0);
+        QCOMPARE(fx.supervisor.CycleCounter(), 1);
+    }
+
+    void setValue_data()
+    {
+        QTest::addColumn<bool>("acquiring");
+        QTest::addColumn<UserLevel>("user");
+        QTest::addColumn<QString>("shown");
+        QTest::addColumn<std::optional<QString>>("answer");
+        QTest::addColumn<bool>("asked");
+        QTest::addColumn<QStringList>("nextTick");
+        const UserLevel technician{true, false};
+        QTest::newRow("technician") << true << technician << "21,5 °C" << std::optional<QString>(" 22,5 ") << true
+                                    << QStringList{"0c 06 0050 00e1"};
+        QTest::newRow("administrator") << true << UserLevel{false, true} << "21,5 °C"
+                                       << std::optional<QString>("22.5") << true << QStringList{"0c 06 0050 00e1"};
+        // Refusals for the user's level are silent here: no box, no panel text.
+        QTest::newRow("anonymous") << true << UserLevel{} << "21,5 °C" << std::optional<QString>("22,5") << false
+                                   << QStringList{};
+        QTest::newRow("standing by") << false << technician << "21,5 °C" << std::optional<QString>("22,5") << false
+                                     << QStringList{};
+        QTest::newRow("no valid reading") << true << technician << "--.-" << std::optional<QString>("22,5") << false
+                                          << QStringList{};
+        QTest::newRow("empty answer") << true << technician << "21,5 °C" << std::optional<QString>("  ") << true
+                                      << QStringList{};
+        QTest::newRow("cancel") << true << technician << "21,5 °C" << std::optional<QString>() << true
+                                << QStringList{};
+    }
+    // A double-click on a zone's value asks for the new value and queues it for the
+    // next tick; a new double-click first drops a value still waiting.
+    void setValue()
+    {
+        QFETCH(bool, acquiring);
+        QFETCH(UserLevel, user);
+        QFETCH(QString, shown);
+        QFETCH(std::optional<QString>, answer);
+        QFETCH(bool, asked);
+        QFETCH(QStringList, nextTick);
+        CommandsFixture fx(acquiring);
+        fx.rt.user = user;
+        fx.commands.queueSetValue(1, QStringLiteral("40"));
+        fx.prompts.scriptTextInput(answer);
+
+        fx.commands.zoneValueDoubleClicked(0, shown);
+        QVERIFY(fx.line.requests().isEmpty());
+        const RecordingPrompts::Prompt box{RecordingPrompts::Kind::TextInput, "Modifica parametro...",
+                                           "Inserire il valore da impostare:"};
+        QCOMPARE(fx.prompts.asked(), asked ? QList{box} : QList<RecordingPrompts::Prompt>());
+        fx.supervisor.MonitorCycle();
+        QCOMPARE(fx.takeRequests(), nextTick);
+        QVERIFY(fx.pause.pauses().isEmpty());
     }
 
     // Anonymous: a second of "Privilegi insufficienti", nothing on the line, no box and
     // no count toward any alarm, whether the command runs at once or from the queue.
-    void rightsRefusalSendsNothing_data() { commands_data(); }
+    void rightsRefusalSendsNothing_data()
+    {
+        QTest::addColumn<Click>("click");
+        QTest::addColumn<bool>("acquiring");
+        QTest::newRow("switch at once") << Click::SwitchOffImage << false;
+        QTest::newRow("switch from the queue") << Click::SwitchOffImage << true;
+        QTest::newRow("door at once") << Click::DoorOpener << false;
+        QTest::newRow("door from the queue") << Click::DoorOpener << true;
+    }
     void rightsRefusalSendsNothing()
     {
-        QFETCH(Request, request);
-        for (const bool acquiring : {false, true}) {
-            CommandsFixture fx(acquiring);
-            const std::optional<CommandOutcome> outcome = request(fx.commands);
-            if (acquiring)
-                fx.supervisor.MonitorCycle();
-            QCOMPARE(outcome, acquiring ? std::nullopt : std::optional(CommandOutcome::Refused));
-            QVERIFY(fx.line.requests().isEmpty());
-            QVERIFY(fx.prompts.asked().isEmpty());
-            QCOMPARE(fx.pause.pauses(), QList<int>{1000});
-            QCOMPARE(fx.panelTexts[StatusBar::MessagePanel], (QStringList{"Privilegi insufficienti", ""}));
-            QCOMPARE(fx.rt.alarms.FailCount(AlarmItemKind::Switch, 0), 0);
-            QCOMPARE(fx.told, QList{CommandOutcome::Refused});
-        }
+        QFETCH(Click, click);
+        QFETCH(bool, acquiring);
+        CommandsFixture fx(acquiring);
+        fx.click(click);
+        fx.supervisor.MonitorCycle();
+        QVERIFY(fx.line.requests().isEmpty());
+        QVERIFY(fx.prompts.asked().isEmpty());
+        QCOMPARE(fx.pause.pauses(), QList<int>{1000});
+        QCOMPARE(fx.panelTexts[StatusBar::MessagePanel], (QStringList{"Privilegi insufficienti", ""}));
+        QCOMPARE(fx.rt.alarms.FailCount(AlarmItemKind::Switch, 0), 0);
+        QCOMPARE(fx.told, QList{CommandOutcome::Refused});
     }
 
-    // What the queue ran is told as it ended, a silent instrument included; a second
-    // value typed before the tick replaces the first.
-    void queuedOutcomesAreTold()
+    // One tick runs the door, the switch-off, the switch-on and the set value, each as it
+    // ended, a silent instrument included; a second value queued before the tick
+    // replaces the first.
+    void queueRunsInOrder()
     {
         CommandsFixture fx(true);
         fx.login(true, false);
         fx.slaves.remove(9);
-        fx.commands.requestDoorOpen();
-        fx.commands.requestSwitch(0, true);
-        fx.commands.requestSetValue(0, QStringLiteral("dieci"));
-        fx.commands.requestSetValue(1, QStringLiteral("40"));
+        fx.commands.queueSetValue(0, QStringLiteral("dieci"));
+        fx.commands.queueSetValue(1, QStringLiteral("40"));
+        fx.commands.queueSwitch(0, true);
+        fx.commands.queueSwitch(0, false);
+        fx.commands.queueDoorOpen();
         fx.supervisor.MonitorCycle();
-        QCOMPARE(fx.takeRequests(),
-                 (QStringList{"09 05 0040 ff00", "09 05 0041 0000", "04 05 0030 ff00", "0c 06 0051 0028"}));
-        QCOMPARE(fx.told, (QList{CommandOutcome::Doubtful, CommandOutcome::Confirmed, CommandOutcome::Confirmed}));
+        QCOMPARE(fx.takeRequests(), (DoorPulse + QStringList{SwitchOffWrite, SwitchOnWrite, "0c 06 0051 0028"}));
+        QCOMPARE(fx.told, (QList{CommandOutcome::Doubtful, CommandOutcome::Confirmed, CommandOutcome::Confirmed,
+                                 CommandOutcome::Confirmed}));
         QCOMPARE(fx.rt.values.ZoneValues[1][1], 40.0f);
+    }
+
+    // A Start drops the door and switch commands left from before; a set value stays.
+    void startDropsLeftoverCommands()
+    {
+        CommandsFixture fx(false);
+        fx.login(true, false);
+        fx.commands.queueDoorOpen();
+        fx.commands.queueSwitch(0, true);
+        fx.commands.queueSwitch(0, false);
+        fx.commands.queueSetValue(1, QStringLiteral("40"));
+        fx.supervisor.MenuStart();
+        fx.takeRequests();
+        fx.supervisor.MonitorCycle();
+        QCOMPARE(fx.takeRequests(), QStringList{"0c 06 0051 0028"});
     }
 };
 

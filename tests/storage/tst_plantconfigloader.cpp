@@ -212,6 +212,21 @@ picture Casa.png sounds 'porta.wav' 'sirena.wav')"));
         load(store);
     }
 
+    // A plant that never set the switches' command mode keeps commanding them.
+    void switchControlMode_data()
+    {
+        QTest::addColumn<QByteArray>("general");
+        QTest::addColumn<int>("mode");
+        QTest::newRow("absent") << QByteArray("Zone=1") << 1;
+        QTest::newRow("off") << QByteArray("Comando Interruttori=0") << 0;
+    }
+    void switchControlMode()
+    {
+        QFETCH(QByteArray, general);
+        QFETCH(int, mode);
+        QCOMPARE(load(m_dir.store("[Generale]\r\n" + general + "\r\n")).SwitchControlMode, mode);
+    }
+
     // Every marker of a demo plant must land on its picture (drawn at 15 twips per
     // pixel), or the operator cannot reach it.
     void demoPlants_data()

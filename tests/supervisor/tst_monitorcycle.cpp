@@ -1,6 +1,6 @@
 #include "support/runtimefixture.h"
 
-#include "supervisor/operatorcommands.h"
+#include "supervisor/cycletask.h"
 #include "supervisor/supervisor.h"
 
 #include <QLoggingCategory>
@@ -13,14 +13,16 @@ using TickList = QList<int>;
 
 namespace {
 
-// The queued commands write to slave 99 (0x63), so their place among the polls shows on the wire.
-class WireCommands final : public OperatorCommands
+// A cycle task that writes to slave 99 (0x63) when asked, so its place among the polls
+// shows on the wire.
+class WireTask final : public CycleTask
 {
 public:
-    explicit WireCommands(ModbusMaster &master) : m_master(master) {}
-    void DoorOpenCommand() override { m_master.WriteRegister(6, 0x90, 1, 99); }
-    void SwitchCommand(int sw, bool on) override { m_master.WriteRegister(6, 0xa0 + sw, on, 99); }
-    void runPendingSetValue() override { m_master.WriteRegister(6, 0xb0, 0, 99); }
+    explicit WireTask(ModbusMaster &master) : m_master(master) {}
+    bool runTick() override { return writes && m_master.WriteRegister(6, 0x90, 1, 99) != ModbusMaster::InvalidValue; }
+    void acquisitionStarted() override {}
+
+    bool writes = false;
 
 private:
     ModbusMaster &m_master;
@@ -39,7 +41,7 @@ const int FullTickRequests = 4 + 2 + 2 + 1;
 struct CycleFixture : RuntimeFixture
 {
     Supervisor supervisor{rt};
-    WireCommands commands{rt.master};
+    WireTask task{rt.master};
 
     CycleFixture(int remotePeriod, int measurementPeriod, int ledPeriod)
     {
@@ -67,7 +69,7 @@ struct CycleFixture : RuntimeFixture
         rt.editor.comm.measurementPeriod = measurementPeriod;
         rt.editor.comm.ledPeriod = ledPeriod;
         rt.editor.comm.remoteEnabled = true;
-        rt.operatorCommands = &commands;
+        rt.cycleTasks.append(&task);
     }
 };
 
@@ -104,19 +106,13 @@ private slots:
         fx.rt.editor.comm.remoteEnabled = remote;
         fx.rt.editor.comm.lineActivity = true;
         fx.supervisor.SetAcquisitionState(true);
-        fx.rt.commands = {.PendingDoorOpen = true, .PendingSwitchOff = 0, .PendingSwitchOn = 1,
-                          .PendingSetValue = true};
+        fx.task.writes = true;
 
         fx.supervisor.MonitorCycle();
-        // Door, switch off before switch on, set value; then the polls; no activity poll.
-        const QStringList commands{"63 06 0090 0001", "63 06 00a0 0000", "63 06 00a1 0001", "63 06 00b0 0000"};
+        // The task, then the polls; the task kept the line busy, so no activity poll.
         const QStringList reads{MeasurementRead, "01 03 0001 0001", "02 01 0022 0001", "02 01 0023 0001", LedLampRead};
-        QCOMPARE(fx.takeRequests(), commands + exchanges + reads);
+        QCOMPARE(fx.takeRequests(), QStringList{"63 06 0090 0001"} + exchanges + reads);
         QCOMPARE(fx.panelTexts[StatusBar::ActivityPanel], (QStringList{activity, "", "Lettura...", ""}));
-
-        // Each command runs once.
-        fx.supervisor.MonitorCycle();
-        QVERIFY(!fx.takeRequests().join(' ').contains(QLatin1String("63 06")));
     }
 
     void ticksOfEachPoll_data()
@@ -256,18 +252,6 @@ private slots:
         QCOMPARE(fx.supervisor.CycleCounter(), counterAfter);
         QCOMPARE(fx.rt.alarms.FailCount(AlarmItemKind::Led, 0), 0);
         QVERIFY(fx.supervisor.Timer_Monitor().isActive());
-    }
-
-    // Start clears what was queued while standing by, except a set value.
-    void queuedWhileStandingBy()
-    {
-        CycleFixture fx(3, 60, 3);
-        fx.rt.commands = {.PendingDoorOpen = true, .PendingSwitchOff = 0, .PendingSwitchOn = 0,
-                          .PendingSetValue = true};
-        fx.supervisor.MenuStart();
-        fx.takeRequests();
-        fx.supervisor.MonitorCycle();
-        QCOMPARE(fx.takeRequests(), QStringList{"63 06 00b0 0000"});
     }
 
     // The real interval of a tick may be shortened; the periods stay counted in ticks.

@@ -11,8 +11,8 @@ class Supervisor;
 struct Runtime;
 
 // What the main window and the headless mode add to a Runtime to run a plant: the
-// chrono-thermostat and the clock alignment on the monitoring cycle, and the operator's
-// commands behind the command queue. It plugs them into the Runtime for as long as it
+// operator's commands, the chrono-thermostat and the clock alignment as the monitoring
+// cycle's tasks, in that order. It plugs them into the Runtime for as long as it
 // lives, and owns the start-up and the reload, which must both load the chrono files
 // after the editor's rebuild (the rebuild starts every set point again at 20.0).
 class PlantSession

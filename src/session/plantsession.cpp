@@ -1,4 +1,4 @@
-#include "supervisor/plantsession.h"
+#include "session/plantsession.h"
 
 #include "storage/chronofiles.h"
 #include "supervisor/runtime.h"
@@ -13,17 +13,17 @@ PlantSession::PlantSession(Runtime &rt, Supervisor &supervisor, Prompts &prompts
     , m_clockAlignment(rt)
     , m_commands(rt, prompts, supervisor)
 {
+    // The commands first: the operator's click goes out before the tick's own work.
+    m_rt.cycleTasks.append(&m_commands);
     m_rt.cycleTasks.append(&m_chrono);
     m_rt.cycleTasks.append(&m_clockAlignment);
-    m_rt.operatorCommands = &m_commands;
 }
 
 PlantSession::~PlantSession()
 {
+    m_rt.cycleTasks.removeOne(&m_commands);
     m_rt.cycleTasks.removeOne(&m_chrono);
     m_rt.cycleTasks.removeOne(&m_clockAlignment);
-    if (m_rt.operatorCommands == &m_commands)
-        m_rt.operatorCommands = nullptr;
 }
 
 void PlantSession::startUp()

@@ -1,4 +1,4 @@
-#include "supervisor/headlessprompts.h"
+#include "session/headlessprompts.h"
 
 #include <QRegularExpression>
 #include <QTextStream>

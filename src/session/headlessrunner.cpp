@@ -1,9 +1,9 @@
-#include "supervisor/headlessrunner.h"
+#include "session/headlessrunner.h"
 
 #include "commands/users.h"
 #include "config_editor/commsettings.h"
 #include "fieldbus/serialline.h"
-#include "supervisor/plantsession.h"
+#include "session/plantsession.h"
 #include "supervisor/runtime.h"
 
 #include <QTextStream>
@@ -114,13 +114,13 @@ void HeadlessRunner::requestNextCommand()
     PlantCommands &commands = m_session.commands();
     switch (command.kind) {
     case HeadlessCommand::Kind::Switch:
-        commands.requestSwitch(command.item, command.on);
+        commands.queueSwitch(command.item, command.on);
         break;
     case HeadlessCommand::Kind::DoorOpen:
-        commands.requestDoorOpen();
+        commands.queueDoorOpen();
         break;
     case HeadlessCommand::Kind::SetValue:
-        commands.requestSetValue(command.item, command.value);
+        commands.queueSetValue(command.item, command.value);
         break;
     }
 }

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "commands/commandoutcome.h"
-#include "supervisor/headlesscommand.h"
+#include "session/headlesscommand.h"
 #include "supervisor/supervisor.h"
 
 #include <QList>

@@ -3,9 +3,9 @@
 
 #include "support/runtimefixture.h"
 
-#include "supervisor/headlessprompts.h"
-#include "supervisor/headlessrunner.h"
-#include "supervisor/plantsession.h"
+#include "session/headlessprompts.h"
+#include "session/headlessrunner.h"
+#include "session/plantsession.h"
 #include "supervisor/supervisor.h"
 
 #include <QFile>

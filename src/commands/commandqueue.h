@@ -5,8 +5,8 @@
 namespace telvane {
 
 // Operator commands given while acquiring wait here for the next tick of the
-// monitoring cycle, which runs them between two polls so that they never share the
-// line with a poll.
+// monitoring cycle, which runs them before its polls so that they never share the line
+// with a poll. One cell of each kind: a later request replaces an earlier one.
 struct CommandQueue
 {
     static constexpr int NoSwitch = -1;

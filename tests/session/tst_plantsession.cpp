@@ -2,7 +2,7 @@
 
 #include "support/runtimefixture.h"
 
-#include "supervisor/plantsession.h"
+#include "session/plantsession.h"
 #include "supervisor/supervisor.h"
 
 #include <QFile>
@@ -57,11 +57,10 @@ private slots:
         Supervisor supervisor(rig.rt);
         {
             PlantSession session(rig.rt, supervisor, rig.prompts);
-            QCOMPARE(rig.rt.cycleTasks, (QList<CycleTask *>{&session.chronoThermostat(), &session.clockAlignment()}));
-            QCOMPARE(rig.rt.operatorCommands, &session.commands());
+            QCOMPARE(rig.rt.cycleTasks, (QList<CycleTask *>{&session.commands(), &session.chronoThermostat(),
+                                                            &session.clockAlignment()}));
         }
         QVERIFY(rig.rt.cycleTasks.isEmpty());
-        QCOMPARE(rig.rt.operatorCommands, nullptr);
     }
 
     // The editor's rebuild starts every set point at 20.0; start-up and reload both read

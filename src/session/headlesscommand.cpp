@@ -1,4 +1,4 @@
-#include "supervisor/headlesscommand.h"
+#include "session/headlesscommand.h"
 
 #include "storage/plantlimits.h"
 
