@@ -42,7 +42,7 @@ private slots:
         supervisor.MenuStart();
         fx.takeRequests();
         commands.doorOpenerClicked();
-        QVERIFY(fx.line.requests().isEmpty());
+        QVERIFY(fx.takeRequests().isEmpty());
         fx.clock.advance(1000);
         supervisor.MonitorCycle();
         QCOMPARE(fx.takeRequests(), (QStringList{"07 05 0005 ff00", "07 05 0005 0000", "01 06 0002 00d7",
