@@ -2,8 +2,6 @@
 #include "storage/valuetables.h"
 #include "support/datarows.h"
 
-#include <QLocale>
-
 using namespace telvane;
 
 class TestValueConversion : public QObject
@@ -41,27 +39,6 @@ private slots:
     {
         const QStringList cells = rowCells();
         QCOMPARE(FormatZoneValue(cells[0].toFloat(), cells[1].toInt(), cells[2]), cells[3]);
-    }
-
-    // On screen a value carries the user's decimal separator; the marker stays "--.-".
-    void zoneValueInTheUsersLocale_data()
-    {
-        QTest::addColumn<QLocale>("locale");
-        QTest::addColumn<QStringList>("shown");
-        QTest::newRow("English") << QLocale(QLocale::English, QLocale::UnitedStates)
-                                 << QStringList{"21.5 °C", "-0.25 %", "22 °C", "--.-"};
-        QTest::newRow("Italian") << QLocale(QLocale::Italian, QLocale::Italy)
-                                 << QStringList{"21,5 °C", "-0,25 %", "22 °C", "--.-"};
-    }
-    void zoneValueInTheUsersLocale()
-    {
-        QFETCH(QLocale, locale);
-        QFETCH(QStringList, shown);
-        QLocale::setDefault(locale);
-        const QStringList texts{FormatZoneValue(21.5f, 1, "°C"), FormatZoneValue(-0.25f, 2, "%"),
-                                FormatZoneValue(22.0f, 0, "°C"), FormatZoneValue(InvalidValue, 1, "°C")};
-        QLocale::setDefault(QLocale::c());
-        QCOMPARE(texts, shown);
     }
 
     void initValueTablesResetsEverything()
