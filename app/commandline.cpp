@@ -1,7 +1,11 @@
 #include "commandline.h"
 
+#include "storage/atomicfile.h"
+
 #include <QCommandLineParser>
 #include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
 
 #include <cstring>
 
@@ -47,6 +51,9 @@ CommandLineOptions::CommandLineOptions()
               QStringLiteral("COMANDO"))
     , login(QStringLiteral("login"), QStringLiteral("Con --headless: accede come utente prima di avviare."),
             QStringLiteral("NOME:PASSWORD"))
+    , screenshot(QStringLiteral("screenshot"),
+                 QStringLiteral("Avvia l'acquisizione, salva l'immagine della finestra principale in FILE ed esce."),
+                 QStringLiteral("FILE"))
 {
 }
 
@@ -55,18 +62,63 @@ void CommandLineOptions::addTo(QCommandLineParser &parser) const
     parser.setApplicationDescription(Description);
     parser.addHelpOption();
     parser.addVersionOption();
-    parser.addOptions({dir, simulate, communicate, headless, ticks, tickMs, command, login});
+    parser.addOptions({dir, simulate, communicate, headless, ticks, tickMs, command, login, screenshot});
+}
+
+namespace {
+
+// Whether one of `names` stands among the options (before a "--"), with one or two dashes.
+bool optionGiven(int argc, char *argv[], std::initializer_list<const char *> names)
+{
+    for (int i = 1; i < argc; ++i) {
+        if (std::strcmp(argv[i], "--") == 0)
+            break;
+        const char *name = argv[i];
+        if (name[0] != '-')
+            continue;
+        name += name[1] == '-' ? 2 : 1;
+        for (const char *wanted : names) {
+            if (std::strcmp(name, wanted) == 0)
+                return true;
+        }
+    }
+    return false;
+}
+
+} // namespace
+
+std::optional<ProgramFolder> openProgramFolder(const QCommandLineParser &parser, const CommandLineOptions &options,
+                                               QString &problem)
+{
+    if (!parser.isSet(options.dir)) {
+        const ProgramFolder folder = ProgramFolder::besideExecutable();
+        removeLeftoverSaveFiles(folder);
+        return folder;
+    }
+    const QString dir = parser.value(options.dir);
+    // An empty --dir would quietly mean the current folder: most likely a script whose
+    // variable is unset, which must not start a plant wherever it happens to stand.
+    if (dir.trimmed().isEmpty()) {
+        problem = QStringLiteral("--dir vuoto: serve la cartella dell'impianto");
+        return std::nullopt;
+    }
+    const ProgramFolder folder(dir);
+    if (!QDir().mkpath(folder.root()) || !QFileInfo(folder.root()).isDir()) {
+        problem = QStringLiteral("--dir \"%1\": impossibile creare la cartella").arg(dir);
+        return std::nullopt;
+    }
+    removeLeftoverSaveFiles(folder);
+    return folder;
 }
 
 bool headlessRequested(int argc, char *argv[])
 {
-    for (int i = 1; i < argc; ++i) {
-        if (std::strcmp(argv[i], "--headless") == 0 || std::strcmp(argv[i], "-headless") == 0)
-            return true;
-        if (std::strcmp(argv[i], "--") == 0)
-            break;
-    }
-    return false;
+    return optionGiven(argc, argv, {"headless"});
+}
+
+bool informationRequested(int argc, char *argv[])
+{
+    return optionGiven(argc, argv, {"help", "h", "?", "help-all", "version", "v"});
 }
 
 } // namespace telvane

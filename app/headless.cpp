@@ -16,7 +16,6 @@
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
-#include <QDir>
 #include <QLoggingCategory>
 #include <QTextStream>
 #include <QTimer>
@@ -56,6 +55,10 @@ bool readHeadlessOptions(const QCommandLineParser &parser, const CommandLineOpti
 {
     if (!parser.positionalArguments().isEmpty()) {
         problem = QStringLiteral("argomento inatteso \"%1\"").arg(parser.positionalArguments().constFirst());
+        return false;
+    }
+    if (parser.isSet(options.screenshot)) {
+        problem = QStringLiteral("--screenshot vale solo con le finestre");
         return false;
     }
     if (parser.isSet(options.simulate) == parser.isSet(options.communicate)) {
@@ -120,11 +123,10 @@ int headlessMain(int argc, char *argv[])
     QLoggingCategory::setFilterRules(QStringLiteral("telvane.*.debug=false"));
 
     QTextStream out(stdout);
-    const ProgramFolder folder = parser.isSet(options.dir) ? ProgramFolder(parser.value(options.dir))
-                                                           : ProgramFolder::besideExecutable();
-    // As with the window: a new plant starts in a folder of its own.
-    if (!QDir().mkpath(folder.root()))
-        QTextStream(stderr) << "telvane: cannot create the program folder " << folder.root() << '\n';
+    const std::optional<ProgramFolder> openedFolder = openProgramFolder(parser, options, problem);
+    if (!openedFolder)
+        return usageError(problem);
+    const ProgramFolder &folder = *openedFolder;
     SystemClock clock;
     QSerialLine line;
     EventLoopPause pause;

@@ -12,12 +12,10 @@
 #include "supervisor/supervisor.h"
 #include "ui/mainform.h"
 #include "ui/splash.h"
-#include "ui/uilog.h"
 #include "ui/windowgrab.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
-#include <QDir>
 #include <QScreen>
 
 #include <cstdio>
@@ -33,7 +31,8 @@ constexpr int ScreenshotDelayMs = 2500;
 
 int main(int argc, char *argv[])
 {
-    if (headlessRequested(argc, argv))
+    // Neither needs a display; a widget application would abort without one.
+    if (headlessRequested(argc, argv) || informationRequested(argc, argv))
         return headlessMain(argc, argv);
 
     QApplication app(argc, argv);
@@ -43,17 +42,20 @@ int main(int argc, char *argv[])
     QCommandLineParser parser;
     const CommandLineOptions options;
     options.addTo(parser);
-    const QCommandLineOption screenshotOption(
-        QStringLiteral("screenshot"),
-        QStringLiteral("Avvia l'acquisizione, salva l'immagine della finestra principale in FILE ed esce."),
-        QStringLiteral("FILE"));
-    parser.addOption(screenshotOption);
     parser.process(app);
 
     if (parser.isSet(options.simulate) && parser.isSet(options.communicate)) {
         std::fputs("--simulate e --communicate si escludono a vicenda.\n", stderr);
         return 2;
     }
+
+    QString problem;
+    const std::optional<ProgramFolder> openedFolder = openProgramFolder(parser, options, problem);
+    if (!openedFolder) {
+        std::fprintf(stderr, "telvane: %s\nVedi telvane --help.\n", qPrintable(problem));
+        return 2;
+    }
+    const ProgramFolder &folder = *openedFolder;
 
     bool communicate = !parser.isSet(options.simulate);
     if (!parser.isSet(options.simulate) && !parser.isSet(options.communicate)) {
@@ -62,12 +64,6 @@ int main(int argc, char *argv[])
         communicate = splash.communicate();
     }
 
-    const ProgramFolder folder = parser.isSet(options.dir) ? ProgramFolder(parser.value(options.dir))
-                                                           : ProgramFolder::besideExecutable();
-    // A new plant starts in a folder of its own; without it the program still runs, on
-    // default settings it cannot save.
-    if (!QDir().mkpath(folder.root()))
-        qCWarning(lcUi).noquote() << "Cannot create the program folder" << folder.root();
     SystemClock clock;
     QSerialLine line;
     EventLoopPause pause;
@@ -86,9 +82,9 @@ int main(int argc, char *argv[])
     window.resize(window.screen()->availableSize().boundedTo(QSize(1280, 800)));
     window.showMaximized();
 
-    if (parser.isSet(screenshotOption)) {
+    if (parser.isSet(options.screenshot)) {
         supervisor.MenuStart();
-        grabWindowLater(window, parser.value(screenshotOption), ScreenshotDelayMs);
+        grabWindowLater(window, parser.value(options.screenshot), ScreenshotDelayMs);
     }
     return app.exec();
 }

@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Configures and builds Telvane into build/ (clang, so the fuzz targets build too).
+# Configures and builds Telvane into build/ (clang, so the fuzz targets build too):
+# everything, or only the targets given ("scripts/build.sh telvane").
 set -euo pipefail
 cd "$(dirname "$0")/.."
 # Paths relative to the checkout, so a fresh clone reuses what ccache already compiled.
@@ -10,5 +11,12 @@ export CCACHE_NOHASHDIR=1
 if [ ! -f build/CMakeCache.txt ]; then
   cmake -S . -B build -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
     -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++
+else
+  # Again each time: the test tools may have been installed since (benchmarks, fuzzing).
+  cmake -S . -B build >/dev/null
 fi
-cmake --build build -j2
+if [ $# -gt 0 ]; then
+  cmake --build build -j2 --target "$@"
+else
+  cmake --build build -j2
+fi

@@ -1,14 +1,23 @@
 #!/usr/bin/env bash
-# Installs what Telvane needs to build, run and test on Debian 12. Quiet and quick
-# when everything is already there.
+# Installs what Telvane needs on Debian 12: to build and run it, and with --test also
+# what the tests, the fuzz targets and the benchmarks use. Quiet and quick when
+# everything is already there.
 set -euo pipefail
 
 packages=(
-  cmake ninja-build g++ clang libclang-rt-14-dev ccache pkg-config
+  cmake ninja-build g++ clang ccache pkg-config
   qt6-base-dev qt6-serialport-dev qt6-charts-dev libqt6opengl6-dev qt6-multimedia-dev qt6-svg-dev
-  qt6-qpa-plugins libqt6svg6 xvfb xauth
-  socat python3-pymodbus python3-serial python3-serial-asyncio libmodbus-dev libbenchmark-dev poppler-utils
+  qt6-qpa-plugins libqt6svg6
 )
+if [ "${1:-}" = "--test" ]; then
+  packages+=(
+    libclang-rt-14-dev xvfb xauth
+    socat python3-pymodbus python3-serial python3-serial-asyncio libmodbus-dev libbenchmark-dev poppler-utils
+  )
+elif [ $# -gt 0 ]; then
+  echo "Uso: $0 [--test]" >&2
+  exit 2
+fi
 
 missing=()
 for p in "${packages[@]}"; do

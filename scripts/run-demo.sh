@@ -4,7 +4,7 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/install-deps.sh
-scripts/build.sh
+scripts/build.sh telvane telvane-probe
 plant="${TELVANE_PLANT:-$HOME/telvane-demo}"
 mkdir -p "$plant"
 cp -r -n demo/plant/. "$plant"/

@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
-# Installs what is needed, builds, and runs every test (unit, integration, gui, peer).
+# Installs what the tests need as well, builds, and runs every test (unit, integration,
+# gui, peer).
 set -euo pipefail
 cd "$(dirname "$0")/.."
-scripts/install-deps.sh
+scripts/install-deps.sh --test
 scripts/build.sh
 cd build
 ctest --output-on-failure -j2 "$@"

@@ -23,17 +23,12 @@ int period(const IniStore &store, const QString &key, int defaultValue, int long
     return value < 0 || value > longest ? longest : value;
 }
 
-bool flag(const IniStore &store, const QString &key)
-{
-    return store.ReadIniKey(Section, key, QStringLiteral("0")).trimmed() != QStringLiteral("0");
-}
-
 } // namespace
 
 void LoadLineOptions(const IniStore &store, CommSettings &settings)
 {
-    settings.remoteEnabled = flag(store, QStringLiteral("Remoto"));
-    settings.lineActivity = flag(store, QStringLiteral("Attivita"));
+    settings.remoteEnabled = readFlagKey(store, Section, QStringLiteral("Remoto"));
+    settings.lineActivity = readFlagKey(store, Section, QStringLiteral("Attivita"));
 }
 
 void LoadCommSettings(const IniStore &store, ModbusMaster &master, SerialLine &line, CommSettings &settings)

@@ -14,18 +14,12 @@ namespace {
 
 const QString General = QStringLiteral("Generale");
 
-// A 0/1 option: any number but 0 turns it on.
-bool optionOn(const IniStore &ini, const QString &section, const QString &key)
-{
-    return readIntegerKey(ini, section, key, 0) != 0;
-}
-
 ChronoZoneEnabled loadChronoZoneEnabled(const IniStore &ini, bool chronoThermostat)
 {
     ChronoZoneEnabled enabled{};
     if (chronoThermostat) {
         for (int zone = 0; zone < ChronoSchedule::Zones; ++zone)
-            enabled[zone] = optionOn(ini, zoneSection(zone), QStringLiteral("Cronotermostato"));
+            enabled[zone] = readFlagKey(ini, zoneSection(zone), QStringLiteral("Cronotermostato"));
     }
     return enabled;
 }
@@ -49,7 +43,7 @@ void ReloadEditor(const EditorServices &services, EditorState &state)
     BuildDoorWriteList(ini, door, state.lists, state.tables);
     BuildSwitchWriteList(ini, plant.switchCount(), state.lists, state.tables);
 
-    state.chronoThermostat = optionOn(ini, General, QStringLiteral("Cronotermostato"));
+    state.chronoThermostat = readFlagKey(ini, General, QStringLiteral("Cronotermostato"));
     state.chronoZoneEnabled = loadChronoZoneEnabled(ini, state.chronoThermostat);
     state.doorPulseMs = readIntegerKey(ini, QStringLiteral("Apriporta"), QStringLiteral("Tempo"), 1000);
 
@@ -59,10 +53,10 @@ void ReloadEditor(const EditorServices &services, EditorState &state)
     InitValueTables(services.values, services.schedule);
     EnableCommLists(state.lists);
 
-    state.options.autoStart = optionOn(ini, General, QStringLiteral("AutoAvvio"));
-    state.options.chart = optionOn(ini, General, QStringLiteral("Grafico"));
-    state.options.recipes = optionOn(ini, General, QStringLiteral("Ricette"));
-    state.options.master = optionOn(ini, General, QStringLiteral("Master"));
+    state.options.autoStart = readFlagKey(ini, General, QStringLiteral("AutoAvvio"));
+    state.options.chart = readFlagKey(ini, General, QStringLiteral("Grafico"));
+    state.options.recipes = readFlagKey(ini, General, QStringLiteral("Ricette"));
+    state.options.master = readFlagKey(ini, General, QStringLiteral("Master"));
 }
 
 } // namespace telvane

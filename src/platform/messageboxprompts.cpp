@@ -11,6 +11,10 @@ namespace {
 
 int execInForeground(QDialog &box)
 {
+    // Above an always-on-top parent only if always on top itself: the window manager
+    // would otherwise keep the modal box hidden under it, and every click refused.
+    if (box.parentWidget() && box.parentWidget()->window()->windowFlags().testFlag(Qt::WindowStaysOnTopHint))
+        box.setWindowFlag(Qt::WindowStaysOnTopHint);
     box.setWindowModality(Qt::ApplicationModal);
     box.show();
     box.raise();
@@ -29,6 +33,13 @@ void showMessage(QWidget *parent, QMessageBox::Icon icon, const QString &title, 
 
 QWidget *MessageBoxPrompts::parentWidget() const
 {
+    // The alarms window stays above every other window of ours: a box must open over it.
+    const QWidgetList windows = QApplication::topLevelWidgets();
+    for (QWidget *window : windows) {
+        if (window->isVisible() && window->windowFlags().testFlag(Qt::WindowStaysOnTopHint)
+            && !qobject_cast<QDialog *>(window))
+            return window;
+    }
     return m_parent ? m_parent.data() : QApplication::activeWindow();
 }
 

@@ -14,7 +14,8 @@ class MessageBoxPrompts final : public Prompts
 {
 public:
     // The boxes are centred on `parent` (the main window) once it exists; until then on
-    // whichever window is active.
+    // whichever window is active. While an always-on-top window (the alarms window) is
+    // shown, they open over it instead, always on top themselves.
     void setParent(QWidget *parent) { m_parent = parent; }
 
     bool question(const QString &title, const QString &text) override;

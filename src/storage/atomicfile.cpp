@@ -1,7 +1,11 @@
 #include "storage/atomicfile.h"
 
+#include "storage/programfolder.h"
 #include "storage/storagelog.h"
 
+#include <QDir>
+#include <QFile>
+#include <QRegularExpression>
 #include <QSaveFile>
 
 namespace telvane {
@@ -25,6 +29,30 @@ bool writeFileAtomically(const QString &path, QByteArrayView bytes)
         return false;
     }
     return true;
+}
+
+int removeLeftoverSaveFiles(const ProgramFolder &folder)
+{
+    // QSaveFile's temporary name: the file's own name, a dot and six letters or digits.
+    static const QRegularExpression leftover(QStringLiteral("^.+\\.(ini|cts|prg)\\.[A-Za-z0-9]{6}$"),
+                                             QRegularExpression::CaseInsensitiveOption);
+    int removed = 0;
+    for (const char *sub : {".", "Crono", "Ricetta"}) {
+        const QDir dir(folder.filePath(QLatin1String(sub)));
+        const QStringList names = dir.entryList(QDir::Files | QDir::Hidden);
+        for (const QString &name : names) {
+            if (!leftover.match(name).hasMatch())
+                continue;
+            const QString path = QDir::cleanPath(dir.filePath(name));
+            if (QFile::remove(path)) {
+                ++removed;
+                qCWarning(lcStorage).noquote() << "Removed" << path << ", left over from a save that was interrupted";
+            } else {
+                qCWarning(lcStorage).noquote() << "Cannot remove" << path << ", left over from an interrupted save";
+            }
+        }
+    }
+    return removed;
 }
 
 } // namespace telvane

@@ -39,7 +39,7 @@ bool writeScheduleFile(const ProgramFolder &folder, const ChronoSchedule &schedu
     QByteArray content;
     content.reserve(ChronoSchedule::EntryCount * 6);
     for (const float setPoint : schedule.entries()) {
-        content += formatFixed(setPoint, 1, 2).toLatin1();
+        content += formatFixedForUser(setPoint, 1, 2).toLatin1();
         content += LineEnd;
     }
     return writeWholeFile(folder.filePath(QLatin1String(ChronoScheduleFileName)), content);

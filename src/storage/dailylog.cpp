@@ -56,6 +56,9 @@ QString DailyLogFileName(const QDate &date)
     return date.toString(QStringLiteral("yyyy_MM_dd")) + QStringLiteral(".csv");
 }
 
+// The values in the user's locale ("21,5" on an Italian machine, FormatDecimal), so that
+// a spreadsheet in that language opens the ";"-separated file as numbers; the reader
+// takes either separator.
 QString dailyLogLine(const QDateTime &time, std::span<const LoggedValue> values)
 {
     QString line = time.toString(QLatin1String(DateTimeTextFormat)).trimmed() + QLatin1Char(';');
@@ -80,14 +83,25 @@ bool DailyLog::AppendDailyLogLine(const QString &text)
         return false;
     }
     QFile file(path);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Append)) {
+    // Unbuffered: what a failed write did not take must not be tried again on close.
+    if (!file.open(QIODevice::ReadWrite | QIODevice::Append | QIODevice::Unbuffered)) {
         qCWarning(lcStorage).noquote() << "Cannot open" << path << ":" << file.errorString() << "; a log line is lost";
         return false;
     }
-    const QByteArray bytes = text.toUtf8() + QByteArrayLiteral("\r\n");
+    const qint64 sizeBefore = file.size();
+    QByteArray bytes = text.toUtf8() + QByteArrayLiteral("\r\n");
+    // A fragment left by a crash in the middle of a line must not swallow this one.
+    if (sizeBefore > 0 && file.seek(sizeBefore - 1) && file.peek(1) != QByteArrayLiteral("\n"))
+        bytes.prepend(QByteArrayLiteral("\r\n"));
     const bool written = file.write(bytes) == bytes.size() && file.flush();
-    if (!written)
+    if (!written) {
         qCWarning(lcStorage).noquote() << "Cannot write to" << path << ":" << file.errorString() << "; a log line is lost";
+        // A full disk takes part of a line: cut it off again, so that the next line
+        // does not continue it and the day reads back whole.
+        if (file.size() != sizeBefore && !file.resize(sizeBefore))
+            qCWarning(lcStorage).noquote() << "Cannot remove the part of the lost line from" << path << ":"
+                                           << file.errorString();
+    }
     file.close();
     return written;
 }

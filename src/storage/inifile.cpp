@@ -3,11 +3,17 @@
 #include "storage/legacytext.h"
 #include "storage/storagelog.h"
 
+#include <QStringDecoder>
+
 namespace telvane {
 
 namespace {
 
 constexpr QChar byteOrderMark(0xFEFF);
+constexpr QByteArrayView utf8Bom("\xEF\xBB\xBF");
+constexpr QByteArrayView utf16LittleEndianBom("\xFF\xFE");
+constexpr QByteArrayView utf16BigEndianBom("\xFE\xFF");
+
 
 bool hasLineBreak(const QString &text)
 {
@@ -62,16 +68,31 @@ QString folded(const QString &name)
 IniFile IniFile::parse(QByteArrayView bytes)
 {
     IniFile file;
-    const QString text = decodeLegacyText(bytes);
-    if (!text.isEmpty()) {
+    if (bytes.startsWith(utf16LittleEndianBom) || bytes.startsWith(utf16BigEndianBom)) {
+        // Saved as "Unicode" by a Windows editor: readable, and written back as UTF-8.
+        QStringDecoder decoder(QStringConverter::Utf16); // follows the BOM, and drops it
+        const QString text = decoder.decode(bytes);
         file.m_lines = text.split(QLatin1Char('\n'));
-        // "a\n" is one line followed by a line end, not two lines.
         if (text.endsWith(QLatin1Char('\n')))
             file.m_lines.removeLast();
-        for (QString &line : file.m_lines) {
-            if (line.endsWith(QLatin1Char('\r')))
-                line.chop(1);
+    } else {
+        if (bytes.startsWith(utf8Bom))
+            bytes = bytes.sliced(utf8Bom.size());
+        // Old Mac files end their lines with CR alone.
+        const char lineEnd = !bytes.contains('\n') && bytes.contains('\r') ? '\r' : '\n';
+        // Each line decoded on its own: one byte a legacy editor left in one value must
+        // not turn the accents of every other value into garbage (decodeLegacyLine).
+        for (qsizetype start = 0; start < bytes.size();) {
+            qsizetype end = bytes.indexOf(lineEnd, start);
+            if (end < 0)
+                end = bytes.size();
+            file.m_lines.append(decodeLegacyLine(bytes.sliced(start, end - start)));
+            start = end + 1;
         }
+    }
+    for (QString &line : file.m_lines) {
+        if (line.endsWith(QLatin1Char('\r')))
+            line.chop(1);
     }
     file.index();
     return file;

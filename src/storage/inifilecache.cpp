@@ -1,5 +1,6 @@
 #include "storage/inifilecache.h"
 
+#include "storage/legacytext.h"
 #include "storage/storagelog.h"
 
 #include <QDateTime>
@@ -74,6 +75,8 @@ std::shared_ptr<const IniFile> IniFileCache::load(const QString &path, bool *rea
         return cached->file;
     }
     auto parsed = std::make_shared<const IniFile>(IniFile::parse(bytes));
+    if (const QString problem = settingsTextProblem(bytes); !problem.isEmpty())
+        qCWarning(lcStorage).noquote() << path << problem;
     m_entries.insert(path, Entry{stamp, settled, true, std::move(bytes), parsed});
     return parsed;
 }

@@ -32,6 +32,11 @@ QString decodeLegacyText(QByteArrayView bytes)
 {
     if (bytes.startsWith(utf8Bom))
         bytes = bytes.sliced(utf8Bom.size());
+    return decodeLegacyLine(bytes);
+}
+
+QString decodeLegacyLine(QByteArrayView bytes)
+{
     // The BOM is already gone: a second one is content and must stay, hence ConvertInitialBom.
     QStringDecoder utf8(QStringConverter::Utf8,
                         QStringConverter::Flag::Stateless | QStringConverter::Flag::ConvertInitialBom);
@@ -39,6 +44,17 @@ QString decodeLegacyText(QByteArrayView bytes)
     if (!utf8.hasError())
         return text;
     return decodeWindows1252(bytes);
+}
+
+QString settingsTextProblem(QByteArrayView bytes)
+{
+    if (bytes.startsWith("\xFF\xFE") || bytes.startsWith("\xFE\xFF"))
+        return QStringLiteral("is UTF-16 text; read as such, saved as UTF-8 from now on");
+    if (bytes.contains('\0'))
+        return QStringLiteral("holds NUL bytes: not a settings text file; read as far as it makes sense");
+    if (!bytes.contains('\n') && bytes.contains('\r'))
+        return QStringLiteral("ends its lines with CR alone; read line by line, saved with CR LF from now on");
+    return {};
 }
 
 } // namespace telvane

@@ -24,6 +24,11 @@ float readSingleKey(const IniStore &store, const QString &section, const QString
     return defaultValue;
 }
 
+bool readFlagKey(const IniStore &store, const QString &section, const QString &key)
+{
+    return store.ReadIniKey(section, key, QStringLiteral("0")) != QLatin1String("0");
+}
+
 void logBadSetting(const QString &section, const QString &key, const QString &text, const QString &problem)
 {
     qCWarning(lcStorage).noquote().nospace() << "[" << section << "] " << key << " = \"" << text << "\" " << problem;

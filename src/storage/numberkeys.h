@@ -16,6 +16,10 @@ int readIntegerKey(const IniStore &store, const QString &section, const QString 
 // A single-precision value; the default when the value is not a number.
 float readSingleKey(const IniStore &store, const QString &section, const QString &key, float defaultValue);
 
+// A check-box setting: on unless its text is "0", so "1", "-1" and "si" are all on; an
+// absent key reads "0".
+bool readFlagKey(const IniStore &store, const QString &section, const QString &key);
+
 // One warning for a value that could not be used as it stands:
 // [section] key = "text" `problem`.
 void logBadSetting(const QString &section, const QString &key, const QString &text, const QString &problem);

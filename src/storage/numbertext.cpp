@@ -1,5 +1,7 @@
 #include "storage/numbertext.h"
 
+#include <QLocale>
+
 #include <cmath>
 #include <limits>
 
@@ -117,6 +119,16 @@ QString formatFixed(double value, int decimals, int minIntegerDigits)
         text.prepend(QString(minIntegerDigits - integerDigits, QLatin1Char('0')));
     if (rounded < 0)
         text.prepend(QLatin1Char('-'));
+    return text;
+}
+
+QString formatFixedForUser(double value, int decimals, int minIntegerDigits)
+{
+    QString text = formatFixed(value, decimals, minIntegerDigits);
+    // Only the two separators our readers accept: a locale with another one (Arabic
+    // "٫") gets ".", so that its files still read back.
+    if (QLocale().decimalPoint() == QLatin1String(","))
+        text.replace(QLatin1Char('.'), QLatin1Char(','));
     return text;
 }
 

@@ -5,9 +5,10 @@
 
 namespace telvane {
 
-// Numbers as they stand in the program's files. Files always use "." as the decimal
-// separator; files edited by hand or written by the original program on an Italian
-// machine carry ",", so every reader accepts both.
+// Numbers as they stand in the program's files. Numbers the operator reads (on screen,
+// in the daily log and chrono files) carry the decimal separator of the user's locale,
+// so that an Italian spreadsheet opens the day's file as numbers; settings, files from
+// other machines and hand edits may carry either, so every reader accepts both.
 
 // The whole trimmed text as a number ("21.5", "21,5", "-3", " 7 "), or nothing; so is
 // a number too large for a double.
@@ -34,5 +35,9 @@ std::optional<int> wholeNumberIn(const QString &text, int min, int max);
 // Fixed-point text with "." as separator, rounded half away from zero and with at
 // least `minIntegerDigits` integer digits: formatFixed(5, 1, 2) is "05.0".
 QString formatFixed(double value, int decimals, int minIntegerDigits = 1);
+
+// The same with the user's locale's decimal separator: "21,5" on an Italian machine.
+// Locales whose separator is neither "." nor "," get ".".
+QString formatFixedForUser(double value, int decimals, int minIntegerDigits = 1);
 
 } // namespace telvane

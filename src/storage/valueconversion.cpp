@@ -80,7 +80,7 @@ QString FormatDecimal(float value, int decimals)
 {
     const int index = std::clamp(decimals, 0, static_cast<int>(DecimalFormats.size()) - 1);
     const Pattern pattern = parsePattern(DecimalFormats[index]);
-    return formatFixed(value, pattern.decimals, pattern.minIntegerDigits);
+    return formatFixedForUser(value, pattern.decimals, pattern.minIntegerDigits);
 }
 
 QString FormatZoneValue(float value, int decimals, const QString &unit)

@@ -19,11 +19,13 @@ std::optional<qint16> registerFromText(const QString &text, int decimals);
 // The same text as the value the instrument will hold: "21.57" with 1 decimal is 21.5.
 float TextToValue(const QString &text, int decimals);
 
-// `value` with the display pattern of DecimalFormats for `decimals` ("." as separator).
+// `value` with the display pattern of DecimalFormats for `decimals` and the user's
+// locale's decimal separator ("21,5" on an Italian machine).
 // Decimals below 0 show as 0, above 3 as 3.
 QString FormatDecimal(float value, int decimals);
 
-// A zone quantity as the synoptic shows it: "21.5 °C", or "--.-" for the invalid marker.
+// A zone quantity as the synoptic shows it: "21.5 °C" ("21,5 °C" in Italy), or "--.-" for
+// the invalid marker.
 QString FormatZoneValue(float value, int decimals, const QString &unit);
 
 } // namespace telvane

@@ -9,6 +9,7 @@
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QHeaderView>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QListView>
 #include <QPushButton>
@@ -151,6 +152,18 @@ void Allarmi::closeEvent(QCloseEvent *event)
 {
     event->ignore();
     Cmd_ChiudiClick();
+}
+
+// The window is no dialog, so its default button "Chiudi" is given Enter and Escape here.
+void Allarmi::keyPressEvent(QKeyEvent *event)
+{
+    const int key = event->key();
+    if ((key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Escape)
+        && (event->modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier) {
+        Cmd_ChiudiClick();
+        return;
+    }
+    QWidget::keyPressEvent(event);
 }
 
 void Allarmi::Cmd_ChiudiClick()

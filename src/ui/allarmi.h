@@ -16,7 +16,8 @@ struct Runtime;
 
 // The alarms window: the zones (`Lst_AllarmiZ`) and the switches and LEDs
 // (`Lst_AllarmiI`) whose instruments stopped answering, above every other window.
-// Closing it, by `Cmd_Chiudi` or by its frame, acknowledges every alarm.
+// Closing it, by `Cmd_Chiudi` (also Enter and Escape, as the default button of a dialog)
+// or by its frame, acknowledges every alarm.
 //
 // In its communication-error view a technician or administrator also sees, for every
 // item, its failed reads and the last reason, and the line's last failure, and may
@@ -37,6 +38,7 @@ public:
 
 protected:
     void closeEvent(QCloseEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
 
 private:
     void Cmd_ChiudiClick();

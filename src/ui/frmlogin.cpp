@@ -5,6 +5,7 @@
 
 #include <QDialogButtonBox>
 #include <QFormLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -69,6 +70,16 @@ void frmLogin::showEvent(QShowEvent *event)
     QWidget::showEvent(event);
     m_userName->setFocus();
     m_userName->selectAll();
+}
+
+// Not a dialog, so Escape is ours to map, as a dialog maps it to its cancel button.
+void frmLogin::keyPressEvent(QKeyEvent *event)
+{
+    if (event->key() == Qt::Key_Escape && event->modifiers() == Qt::NoModifier) {
+        m_cancel->click();
+        return;
+    }
+    QWidget::keyPressEvent(event);
 }
 
 void frmLogin::cmdOKClick()

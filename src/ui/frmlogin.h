@@ -12,7 +12,7 @@ struct Runtime;
 
 // The login window: one of the main window's exclusive child windows. OK logs the user
 // in (or out, with both fields empty); a wrong name or password leaves it open for
-// another try with the password cleared.
+// another try with the password cleared. Enter is OK and Escape is Annulla.
 class frmLogin final : public QWidget
 {
     Q_OBJECT
@@ -28,6 +28,7 @@ signals:
 
 protected:
     void showEvent(QShowEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
 
 private:
     void cmdOKClick();

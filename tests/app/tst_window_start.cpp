@@ -15,11 +15,12 @@ class TestWindowStart : public QObject
     Q_OBJECT
 
 private slots:
-    // folder|mode|exit status
+    // folder|mode|exit status|complaint
     void opensOnAnyFolder_data()
     {
-        addRows({"not there yet|--simulate|0", "garbage settings|--simulate|0", "no port|--communicate|0", "demo plant|--simulate|0",
-                 "both modes|--simulate --communicate|2"});
+        addRows({"not there yet|--simulate|0|", "garbage settings|--simulate|0|", "no port|--communicate|0|", "demo plant|--simulate|0|",
+                 "both modes|--simulate --communicate|2|--simulate e --communicate", "empty|--simulate|2|--dir vuoto",
+                 "cannot be made|--simulate|2|impossibile creare"});
     }
     void opensOnAnyFolder()
     {
@@ -28,6 +29,10 @@ private slots:
         QString plant = dir.folder().root();
         if (cells[0] == QLatin1String("not there yet"))
             plant = dir.path(QStringLiteral("impianto"));
+        else if (cells[0] == QLatin1String("empty"))
+            plant = QString();
+        else if (cells[0] == QLatin1String("cannot be made"))
+            plant = QStringLiteral("/proc/telvane/impianto");
         QByteArray garbage("[Generale\r\nZone=abc\r\nInterruttori=-7\r\n=\r\n[COM]\r\nFormato=x,y,z\r\n");
         for (int i = 0; i < 512; ++i)
             garbage.append(char((i * 37 + 11) % 256));
@@ -53,7 +58,7 @@ private slots:
         const QByteArray errors = telvane.readAllStandardError();
         QVERIFY2(telvane.exitCode() == cells[2].toInt(), errors.constData());
         if (cells[2] != QLatin1String("0")) {
-            QVERIFY(errors.contains("--simulate e --communicate"));
+            QVERIFY2(errors.contains(cells[3].toUtf8()), errors.constData());
             return;
         }
         const QImage image(picture);

@@ -153,18 +153,36 @@ private slots:
         QCOMPARE(editor.probe(), QStringLiteral("9 4 8"));
     }
 
-    // value of every option key | on
-    void options_data() { addRows({"-|0", "0|0", "-1|1", "si|0"}); }
+    // A check-box option is on unless its text is "0": a hand-edited "si" is on.
+    void options_data()
+    {
+        QTest::addColumn<bool>("present");
+        QTest::addColumn<QByteArray>("text");
+        QTest::addColumn<bool>("on");
+        QTest::newRow("absent") << false << QByteArray() << false;
+        QTest::newRow("0") << true << QByteArray("0") << false;
+        QTest::newRow("1") << true << QByteArray("1") << true;
+        QTest::newRow("-1") << true << QByteArray("-1") << true;
+        QTest::newRow("si") << true << QByteArray("si") << true;
+        QTest::newRow("empty") << true << QByteArray() << true;
+    }
     void options()
     {
-        const QStringList cells = rowCells();
+        QFETCH(bool, present);
+        QFETCH(QByteArray, text);
+        QFETCH(bool, on);
         QByteArray general = "[Generale]\nZone=1\n";
         for (const char *key : {"AutoAvvio", "Grafico", "Ricette", "Master", "Cronotermostato"})
-            general += cells[0] == "-" ? QByteArray() : key + ("=" + cells[0].toLatin1()) + "\n";
-        Editor editor(general + "[Zona 01]\nCronotermostato=1\n");
+            general += present ? key + ("=" + text) + "\n" : QByteArray();
+        Editor editor(general + "[Zona 01]\nCronotermostato=" + (present ? text : "1") + "\n");
         editor.reload();
-        QCOMPARE(optionFlags(editor.state) + QString::number(editor.state.chronoThermostat)
-                     + QString::number(editor.state.chronoZoneEnabled[0]), QString(6, cells[1][0]));
+        const GeneralOptions &options = editor.state.options;
+        QCOMPARE(options.autoStart, on);
+        QCOMPARE(options.chart, on);
+        QCOMPARE(options.recipes, on);
+        QCOMPARE(options.master, on);
+        QCOMPARE(editor.state.chronoThermostat, on);
+        QCOMPARE(editor.state.chronoZoneEnabled[0], on);
     }
 
     void noSettingsFile()

@@ -16,6 +16,7 @@ namespace {
 // What the operator saw in the box (title|text, then a message's icon|buttons), and its parent.
 QString seen;
 QWidget *seenParent = nullptr;
+bool seenOnTop = false;
 
 // Answers the box that the next call opens, from inside its modal loop: `answer` is a
 // button's text, or "Esc"; `typed` goes into an input box's field.
@@ -30,6 +31,7 @@ void answerNextBox(const QString &answer, const QString &typed)
         for (QPushButton *button : all)
             buttons.append(button->text());
         seenParent = box->parentWidget();
+        seenOnTop = box->windowFlags().testFlag(Qt::WindowStaysOnTopHint);
         seen = box->windowTitle();
         if (auto *message = qobject_cast<QMessageBox *>(box))
             seen += QStringList{"", message->text(), QString::number(message->icon()), buttons.join(',')}.join('|');
@@ -80,6 +82,29 @@ private slots:
         QCOMPARE(returned, cells[2]);
         QCOMPARE(seen, cells.mid(3).join('|'));
         QCOMPARE(seenParent, &window);
+    }
+
+    // While the always-on-top alarms window shows, a box opens over it and on top itself:
+    // under it the modal box would refuse every click, unseen. Closed, the main window
+    // is the parent again.
+    void boxOpensAboveAnAlwaysOnTopWindow()
+    {
+        QWidget window;
+        window.show();
+        QWidget alarms(&window, Qt::Window | Qt::WindowStaysOnTopHint);
+        MessageBoxPrompts prompts;
+        prompts.setParent(&window);
+        for (const bool alarmsShown : {true, false}) {
+            alarms.setVisible(alarmsShown);
+            answerNextBox(QStringLiteral("OK"), QString());
+            prompts.warning(QStringLiteral("Accesso"), QStringLiteral("Password errata."));
+            QCOMPARE(seenParent, alarmsShown ? &alarms : &window);
+            QCOMPARE(seenOnTop, alarmsShown);
+            answerNextBox(QStringLiteral("Sì"), QString());
+            QVERIFY(prompts.question(QStringLiteral("Stagione"), QStringLiteral("Testo?")));
+            QCOMPARE(seenParent, alarmsShown ? &alarms : &window);
+            QCOMPARE(seenOnTop, alarmsShown);
+        }
     }
 };
 

@@ -5,6 +5,7 @@
 #include "storage/valuetables.h"
 #include "support/settingsfixture.h"
 
+#include <QLocale>
 #include <QRegularExpression>
 
 #include <memory>
@@ -32,6 +33,7 @@ private:
 
 private slots:
     void init() { m_dir = std::make_unique<SettingsFolder>(); }
+    void cleanup() { QLocale::setDefault(QLocale::c()); }
 
     void firstStartCreatesBothFiles()
     {
@@ -55,8 +57,25 @@ private slots:
         QCOMPARE(scheduleFile(), QByteArray("18.5\r\n"));
     }
 
+    // Set points in "00.0" with the user's decimal separator; read back either way.
+    void savedScheduleIsInFileOrderAndReadsBack_data()
+    {
+        QTest::addColumn<QLocale>("locale");
+        QTest::addColumn<QByteArray>("start");
+        QTest::addColumn<QByteArray>("end");
+        QTest::newRow("English") << QLocale(QLocale::English, QLocale::UnitedStates)
+                                 << QByteArray("05.0\r\n123.4\r\n21.3\r\n20.0\r\n20.0\r\n20.0\r\n-03.5\r\n00.0\r\n20.0\r\n")
+                                 << QByteArray("18.5\r\n");
+        QTest::newRow("Italian") << QLocale(QLocale::Italian, QLocale::Italy)
+                                 << QByteArray("05,0\r\n123,4\r\n21,3\r\n20,0\r\n20,0\r\n20,0\r\n-03,5\r\n00,0\r\n20,0\r\n")
+                                 << QByteArray("18,5\r\n");
+    }
     void savedScheduleIsInFileOrderAndReadsBack()
     {
+        QFETCH(QLocale, locale);
+        QFETCH(QByteArray, start);
+        QFETCH(QByteArray, end);
+        QLocale::setDefault(locale);
         ChronoSchedule saved;
         saved(0, 0, 0) = 5.0f;
         saved(0, 0, 1) = 123.4f;
@@ -70,9 +89,9 @@ private slots:
         const QByteArray content = scheduleFile();
         QCOMPARE(content.count('\n'), 20370);
         QCOMPARE(content.count("\r\n"), 20370);
-        QVERIFY(content.endsWith("18.5\r\n"));
-        QVERIFY(content.startsWith("05.0\r\n123.4\r\n21.3\r\n20.0\r\n20.0\r\n20.0\r\n-03.5\r\n00.0\r\n20.0\r\n"));
-        QCOMPARE(content.split('\n').value(210), QByteArray("17.0\r"));
+        QVERIFY(content.endsWith(end));
+        QCOMPARE(content.left(start.size()), start);
+        QCOMPARE(content.split('\n').value(210).replace(',', '.'), QByteArray("17.0\r"));
 
         ChronoSchedule loaded;
         HolidayList holidays;

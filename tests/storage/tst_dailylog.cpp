@@ -1,9 +1,11 @@
 #include "storage/dailylog.h"
 
 #include "base/clock.h"
+#include "filesizelimit.h"
 #include "storage/valuetables.h"
 #include "support/settingsfixture.h"
 
+#include <QLocale>
 #include <QRegularExpression>
 
 #include <memory>
@@ -97,6 +99,31 @@ private slots:
         QCOMPARE(dataFile("2026_03_01.csv"), QByteArray("first\r\nthird\r\n"));
     }
 
+    // A full disk takes only part of a line: that part is cut off again, so the next line
+    // does not continue it and the day reads back whole. A fragment left by a crash is
+    // closed off before the next line.
+    void fullDiskLeavesNoFragment()
+    {
+        ManualClock clock(QDateTime(QDate(2026, 11, 14), QTime(22, 20, 9)));
+        DailyLog log(m_dir->folder(), clock);
+        const QByteArray first = "14/11/2026 22:20:09;21.5;";
+        QVERIFY(log.AppendDailyLogLine(QString::fromLatin1(first)));
+        {
+            const FileSizeLimit limit(first.size() + 2 + 12);
+            QTest::ignoreMessage(QtWarningMsg, QRegularExpression("2026_11_14.csv.*lost"));
+            QVERIFY(!log.AppendDailyLogLine(QStringLiteral("14/11/2026 22:21:09;21.6;")));
+        }
+        QCOMPARE(dataFile("2026_11_14.csv"), first + "\r\n");
+        QVERIFY(log.AppendDailyLogLine(QStringLiteral("14/11/2026 22:22:09;21.7;")));
+        RecordingSink sink;
+        QVERIFY(log.ReadDailyLog(QStringLiteral("2026_11_14.csv"), sink));
+        QCOMPARE(sink.text(), QStringLiteral("22:20:09 1=21.5, 22:22:09 1=21.7"));
+
+        m_dir->write("Dati/2026_11_14.csv", first + "\r\n14/11/20");
+        QVERIFY(log.AppendDailyLogLine(QStringLiteral("14/11/2026 22:23:09;21.8;")));
+        QCOMPARE(dataFile("2026_11_14.csv"), first + "\r\n14/11/20\r\n14/11/2026 22:23:09;21.8;\r\n");
+    }
+
     void reading_data()
     {
         QTest::addColumn<QByteArray>("content"); // null: no file
@@ -141,8 +168,23 @@ private slots:
         QCOMPARE(sink.dates.count(QDate(2026, 11, 14)), sink.dates.size());
     }
 
+    // The values carry the user's decimal separator, so that a spreadsheet in the user's
+    // language reads them as numbers; the date-time is written the same everywhere, and
+    // the file reads back either way.
+    void writtenLinesReadBack_data()
+    {
+        QTest::addColumn<QLocale>("locale");
+        QTest::addColumn<QByteArray>("file");
+        QTest::newRow("English") << QLocale(QLocale::English, QLocale::UnitedStates)
+                                 << QByteArray("14/11/2026 22:20:09;21.5;-99999.0;7.125;\r\n14/11/2026 22:21:09;22;\r\n");
+        QTest::newRow("Italian") << QLocale(QLocale::Italian, QLocale::Italy)
+                                 << QByteArray("14/11/2026 22:20:09;21,5;-99999,0;7,125;\r\n14/11/2026 22:21:09;22;\r\n");
+    }
     void writtenLinesReadBack()
     {
+        QFETCH(QLocale, locale);
+        QFETCH(QByteArray, file);
+        QLocale::setDefault(locale);
         ManualClock clock(QDateTime(QDate(2026, 11, 14), QTime(22, 20, 9)));
         DailyLog log(m_dir->folder(), clock);
         const QList<LoggedValue> first{{21.5f, 1}, {InvalidValue, 1}, {7.125f, 3}};
@@ -150,11 +192,13 @@ private slots:
         clock.advance(60000);
         const QList<LoggedValue> second{{22.0f, 0}};
         QVERIFY(log.AppendDailyLogLine(dailyLogLine(clock.now(), second)));
+        QCOMPARE(dataFile(DailyLogFileName(clock.now().date())), file);
 
         RecordingSink sink;
         QVERIFY(log.ReadDailyLog(DailyLogFileName(clock.now().date()), sink));
         QCOMPARE(sink.text(), QStringLiteral("22:20:09 1=21.5, 22:20:09 2=-99999, 22:20:09 3=7.125, 22:21:09 1=22"));
     }
+    void cleanup() { QLocale::setDefault(QLocale::c()); }
 };
 
 QTEST_GUILESS_MAIN(TestDailyLog)

@@ -2,6 +2,7 @@
 #include "storage/legacytext.h"
 
 #include <QRegularExpression>
+#include <QStringEncoder>
 #include <QTest>
 
 using namespace telvane;
@@ -48,8 +49,17 @@ private slots:
         row("UTF-8 degree sign", "[A]\r\nk=\xC2\xB0" "C\r\n", QString::fromUtf16(u"°C"));
         row("Windows-1252 text", "[Unit\xE0]\r\nk=\x93\xB0" "C \x80\x94\r\n", QString::fromUtf16(u"“°C €”"),
             QString::fromUtf16(u"UNITÀ"));
-        row("one invalid byte makes the whole file Windows-1252", "[A]\r\nk=\xC3\xA8\r\nj=\xE8\r\n",
-            QString::fromUtf16(u"Ã¨"));
+        // A legacy editor's stray byte in one line leaves the UTF-8 of the others alone.
+        row("UTF-8 line beside a stray byte", "[A]\r\nk=\xC3\xA8\r\nj=\xE8\r\n", QString::fromUtf16(u"è"));
+        row("the stray byte's own line", "[A]\r\nk=\xC2\xB0" "C\r\nj=m\xB2\r\n", QString::fromUtf16(u"m²"), "A", "j");
+        const auto utf16 = [](QStringConverter::Encoding encoding, const QString &text) {
+            QStringEncoder encoder(encoding, QStringConverter::Flag::WriteBom);
+            return QByteArray(encoder.encode(text));
+        };
+        row("UTF-16 little-endian", utf16(QStringConverter::Utf16LE, QString::fromUtf16(u"[A]\r\nk=°C\r\n")),
+            QString::fromUtf16(u"°C"));
+        row("UTF-16 big-endian", utf16(QStringConverter::Utf16BE, QStringLiteral("[A]\nk=7")), "7");
+        row("CR alone ends the lines", "[A]\rj=1\rk=2\r", "2");
     }
     void reading()
     {
@@ -136,6 +146,27 @@ private slots:
         QTest::ignoreMessage(QtWarningMsg, QRegularExpression("Cannot write key"));
         QVERIFY(!file.setValue(section, key, value));
         QCOMPARE(file.toBytes(), before);
+    }
+
+    // A file that is not the text it should be is read as well as it can be, and told
+    // about, so that a plant that shows no zones can be explained from the log.
+    void formatProblems_data()
+    {
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::addColumn<QString>("problem"); // empty: none
+        QTest::newRow("UTF-8") << QByteArray("[A]\r\nk=\xC2\xB0\r\n") << QString();
+        QTest::newRow("Windows-1252") << QByteArray("[A]\r\nk=\xB0\r\n") << QString();
+        QTest::newRow("LF alone") << QByteArray("[A]\nk=1\n") << QString();
+        QTest::newRow("UTF-16") << QByteArray("\xFF\xFE[\0A\0]\0", 8) << "UTF-16";
+        QTest::newRow("binary") << QByteArray("\x89PNG\r\n\x1A\n\0\0\0\rIHDR", 16) << "NUL";
+        QTest::newRow("CR alone") << QByteArray("[A]\rk=1\r") << "CR alone";
+    }
+    void formatProblems()
+    {
+        QFETCH(QByteArray, bytes);
+        QFETCH(QString, problem);
+        const QString found = settingsTextProblem(bytes);
+        QVERIFY2(problem.isEmpty() ? found.isEmpty() : found.contains(problem), qPrintable(found));
     }
 
     // The bytes the code page defines differently from Latin-1, and its undefined ones.

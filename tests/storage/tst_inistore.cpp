@@ -1,4 +1,5 @@
 #include "filesizelimit.h"
+#include "storage/atomicfile.h"
 #include "storage/inifilecache.h"
 #include "storage/inistore.h"
 #include "storage/modesettings.h"
@@ -177,6 +178,48 @@ private slots:
         setModified(path, old);
         QVERIFY(store.WriteIniKey("a", "K", "1"));
         QCOMPARE(modified(path), old);
+    }
+
+    // A value a legacy editor saved in Windows-1252 among UTF-8 ones: a save keeps every
+    // value as it was, the stray line now in UTF-8 too.
+    void strayByteSurvivesASave()
+    {
+        SettingsFolder dir;
+        IniStore store = dir.store("[Generale]\r\nZone Unita=\xC2\xB0" "C\r\n[Zona 01]\r\nNome=Caff\xE8\r\nInfo=m\xC2\xB2\r\n");
+        QVERIFY(store.WriteIniKey("Generale", "Zone", "2"));
+        QCOMPARE(dir.read(SettingsFolder::Industrial),
+                 QByteArray("[Generale]\r\nZone Unita=\xC2\xB0" "C\r\nZone=2\r\n[Zona 01]\r\nNome=Caff\xC3\xA8\r\nInfo=m\xC2\xB2\r\n"));
+        QCOMPARE(store.ReadIniKey("Generale", "Zone Unita", ""), QString::fromUtf16(u"°C"));
+        QCOMPARE(store.ReadIniKey("Zona 01", "Nome", ""), QString::fromUtf16(u"Caffè"));
+    }
+
+    // A file that is not plain text is told about once, with its name.
+    void oddFileIsReported()
+    {
+        SettingsFolder dir;
+        const IniStore store = dir.store("[Generale]\rZone=3\r");
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression("Telvane2.ini.*CR alone"));
+        QCOMPARE(store.ReadIniKey("Generale", "Zone", ""), QStringLiteral("3"));
+        QCOMPARE(store.ReadIniKey("Generale", "LED", "none"), QStringLiteral("none"));
+    }
+
+    // What a save killed half-way leaves beside the settings, chrono and recipe files is
+    // removed; files that only look alike are the user's and stay.
+    void leftoverSaveFilesRemoved()
+    {
+        SettingsFolder dir;
+        const QStringList leftovers{"Telvane1.ini.k3Xq9Z", "Crono/Cronotermostato.cts.a1B2c3", "Ricetta/Estate.prg.ZZ9zz9"};
+        const QStringList kept{"Telvane1.ini", "Telvane1.ini.bak", "Telvane1.ini.k3Xq9", "Dati/2026_11_14.csv.a1B2c3",
+                               "Crono/note.txt.a1B2c3", "Ricetta/Estate.prg"};
+        for (const QString &name : leftovers + kept)
+            dir.write(name, "x");
+        for (int i = 0; i < leftovers.size(); ++i)
+            QTest::ignoreMessage(QtWarningMsg, QRegularExpression("Removed .*interrupted"));
+        QCOMPARE(removeLeftoverSaveFiles(dir.folder()), leftovers.size());
+        for (const QString &name : leftovers)
+            QVERIFY2(!QFile::exists(dir.path(name)), qPrintable(name));
+        for (const QString &name : kept)
+            QVERIFY2(QFile::exists(dir.path(name)), qPrintable(name));
     }
 
     void readIniKeyFromNamedFiles()

@@ -1,5 +1,6 @@
 #include "support/runtimefixture.h"
 
+#include "supervisor/chartlogging.h"
 #include "supervisor/supervisor.h"
 
 #include <QDir>
@@ -98,6 +99,27 @@ private slots:
         QCOMPARE(supervisor.SerialPortOpen(), portOpens);
         QCOMPARE(fx.rt.statusBar.panel(StatusBar::PortPanel), QString(portOpens ? "COM2:9600,N,8,1" : "Nessuna COM"));
         QCOMPARE(fx.rt.statusBar.panel(StatusBar::MessagePanel), QString(autoAvvio == "1" ? "Avvio in corso..." : ""));
+    }
+
+    // The operator's choice from the editor's menu outlives the reload that follows every
+    // confirmed editor page, and the next start of the program.
+    void chartChoiceOutlivesEditorReload()
+    {
+        RuntimeFixture fx;
+        fx.writeFile(QStringLiteral("Telvane2.ini"), "[Generale]\r\nZone=1\r\nGrafico=0\r\n");
+        ReloadEditor(fx.rt);
+        QVERIFY(!fx.rt.ChartLoggingOption);
+        for (const bool chosen : {true, false}) {
+            MenuVediGraf(fx.rt);
+            QCOMPARE(fx.rt.ChartLoggingOption, chosen);
+            ReloadEditor(fx.rt);
+            QCOMPARE(fx.rt.ChartLoggingOption, chosen);
+            RuntimeFixture restarted;
+            QVERIFY(QFile::copy(fx.dir.filePath(QStringLiteral("Telvane2.ini")),
+                                restarted.dir.filePath(QStringLiteral("Telvane2.ini"))));
+            ReloadEditor(restarted.rt);
+            QCOMPARE(restarted.rt.ChartLoggingOption, chosen);
+        }
     }
 
     // Either way the activity and message panels are emptied; off also stops the blink.

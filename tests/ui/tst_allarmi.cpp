@@ -72,10 +72,12 @@ private slots:
         QCOMPARE(rig.acquisitionImage(), Supervisor::AcquiringImage);
     }
 
-    void closingAcknowledges_data() { addRows({"Cmd_Chiudi", "frame"}); }
+    // Enter and Escape act as "Chiudi", the button drawn as the default.
+    void closingAcknowledges_data() { addRows({"Cmd_Chiudi", "frame", "Return", "Enter", "Escape"}); }
     void closingAcknowledges()
     {
-        const bool byFrame = rowCells()[0] == QLatin1String("frame");
+        const QString how = rowCells()[0];
+        const QHash<QString, Qt::Key> keys{{"Return", Qt::Key_Return}, {"Enter", Qt::Key_Enter}, {"Escape", Qt::Key_Escape}};
         WindowRig rig;
         startWithSilentSwitch(rig);
         readPlant(rig, 6);
@@ -83,8 +85,10 @@ private slots:
         rig.clickButton(QStringLiteral("8")); // while acquiring it shows the alarms
         QVERIFY(alarms->isVisible());
         QVERIFY(alarms->windowFlags().testFlag(Qt::WindowStaysOnTopHint));
-        if (byFrame)
+        if (how == QLatin1String("frame"))
             alarms->close();
+        else if (keys.contains(how))
+            QTest::keyClick(alarms->focusWidget() ? alarms->focusWidget() : alarms, keys[how]);
         else
             QTest::mouseClick(alarms->findChild<QPushButton *>(QStringLiteral("Cmd_Chiudi")), Qt::LeftButton);
         QVERIFY(!alarms->isVisible());

@@ -21,7 +21,8 @@ private:
     {
         return rig.window->loginWindow()->findChild<QLineEdit *>(QLatin1String(name));
     }
-    // Opens the login by button "1" and types; `confirm` is "cmdOK", "cmdCancel" or "Enter".
+    // Opens the login by button "1" and types; `confirm` is "cmdOK", "cmdCancel", "Enter"
+    // or "Escape".
     static void logIn(WindowRig &rig, const QString &name, const QString &password, const QString &confirm = "cmdOK")
     {
         rig.clickButton(QStringLiteral("1"));
@@ -30,6 +31,8 @@ private:
         QTest::keyClicks(field(rig, "txtPassword"), password);
         if (confirm == QLatin1String("Enter"))
             QTest::keyClick(field(rig, "txtPassword"), Qt::Key_Return);
+        else if (confirm == QLatin1String("Escape"))
+            QTest::keyClick(field(rig, "txtPassword"), Qt::Key_Escape);
         else
             QTest::mouseClick(rig.window->loginWindow()->findChild<QPushButton *>(confirm), Qt::LeftButton);
     }
@@ -38,13 +41,13 @@ private slots:
     void initTestCase() { QLoggingCategory::setFilterRules(QStringLiteral("telvane.*.debug=false")); }
 
     // name|password|confirm|panel 1|technician|administrator|refused. Service was
-    // logged in before: every attempt logs out first, Annulla keeps him.
+    // logged in before: every attempt logs out first, Annulla (or Escape) keeps him.
     void loginAsEachUser_data()
     {
         addRows({"Tecnico|Qx7|cmdOK|Utente: Tecnico|1|0|0", "Service|7ubl4ko|cmdOK|Utente: Amministratore|0|1|0",
                  "Admin|Wm4|Enter|Utente: Amministratore|0|1|0", "Tecnico|qx7|cmdOK|Utente: Anonimo|0|0|1",
                  "admin|Wm4|cmdOK|Utente: Anonimo|0|0|1", "||cmdOK|Utente: Anonimo|0|0|0",
-                 "Tecnico|Qx7|cmdCancel|Utente: Amministratore|0|1|0"});
+                 "Tecnico|Qx7|cmdCancel|Utente: Amministratore|0|1|0", "Tecnico|Qx7|Escape|Utente: Amministratore|0|1|0"});
     }
     void loginAsEachUser()
     {

@@ -1,0 +1,18 @@
+#include "supervisor/chartlogging.h"
+
+#include "supervisor/runtime.h"
+#include "supervisor/supervisorlog.h"
+
+namespace telvane {
+
+void MenuVediGraf(Runtime &rt)
+{
+    const bool on = !rt.ChartLoggingOption;
+    rt.ChartLoggingOption = on;
+    rt.editor.options.chart = on;
+    if (!rt.ini.WriteIniKey(QStringLiteral("Generale"), QStringLiteral("Grafico"), on ? QStringLiteral("1") : QStringLiteral("0")))
+        qCWarning(lcSupervisor) << "The option \"Grafico\" could not be saved: the next editor reload turns the chart"
+                                << (on ? "off" : "on") << "again";
+}
+
+} // namespace telvane
