@@ -5,7 +5,7 @@
 #include "base/clock.h"
 #include "base/soundplayer.h"
 #include "platform/eventlooppause.h"
-#include "platform/qserialline.h"
+#include "platform/termiosline.h"
 #include "platform/terminationsignals.h"
 #include "storage/programfolder.h"
 #include "supervisor/headlessprompts.h"
@@ -126,7 +126,7 @@ int headlessMain(int argc, char *argv[])
     if (!QDir().mkpath(folder.root()))
         QTextStream(stderr) << "telvane: cannot create the program folder " << folder.root() << '\n';
     SystemClock clock;
-    QSerialLine line;
+    TermiosLine line;
     EventLoopPause pause;
     SilentSoundPlayer sound;
     Runtime rt(folder, line, clock, pause, sound);

@@ -4,7 +4,7 @@
 #include "base/clock.h"
 #include "platform/eventlooppause.h"
 #include "platform/messageboxprompts.h"
-#include "platform/qserialline.h"
+#include "platform/termiosline.h"
 #include "platform/qtsoundplayer.h"
 #include "storage/programfolder.h"
 #include "supervisor/plantsession.h"
@@ -69,7 +69,7 @@ int main(int argc, char *argv[])
     if (!QDir().mkpath(folder.root()))
         qCWarning(lcUi).noquote() << "Cannot create the program folder" << folder.root();
     SystemClock clock;
-    QSerialLine line;
+    TermiosLine line;
     EventLoopPause pause;
     QtSoundPlayer sound;
     MessageBoxPrompts prompts;
