@@ -291,9 +291,10 @@ BusOutcome ModbusMaster::WriteItem(int functionCode, quint8 addressHigh, quint8 
     const QByteArray request = BuildFrame(8, static_cast<quint8>(slave), static_cast<quint8>(functionCode),
                                           QByteArray(data, sizeof data));
     const BusResult result = Transact(slave, expected, request);
+    // A refused write did not happen: its exception code is no echo.
     if (result == BusResult::Exception && m_reply.size() >= 3) {
         const int code = static_cast<quint8>(m_reply[2]);
-        return failed("WriteItem", functionCode, slave, {BusResult::Exception, code, code});
+        return failed("WriteItem", functionCode, slave, {BusResult::Exception, InvalidValue, code});
     }
     if (result != BusResult::Value)
         return failed("WriteItem", functionCode, slave, BusOutcome::failure(result));

@@ -168,6 +168,10 @@ private slots:
         QTest::newRow("wrong CRC then a good echo") << 6 << 1234 << 7 << set1234 << Replies{badCrc(set1234), set1234}
                                                     << 1234 << BusResult::Value << 2;
         QTest::newRow("missing slave") << 6 << 1234 << 7 << set1234 << Replies{} << -99999 << BusResult::TimeOut << 3;
+        // A refused write did not happen: its exception code is no echo.
+        const Reply refused = exceptionReply(7, 6, 2);
+        QTest::newRow("refused write") << 6 << 1234 << 7 << set1234 << Replies{refused, refused, refused} << -99999
+                                       << BusResult::Exception << 3;
         // Every slave carries a broadcast out: sending it again would do it again.
         QTest::newRow("broadcast is sent once") << 6 << 42 << 0 << hex("00060102002AA9F8") << Replies{} << -99999
                                                 << BusResult::Broadcast << 1;
