@@ -5,7 +5,7 @@
 #include "base/clock.h"
 #include "base/soundplayer.h"
 #include "platform/eventlooppause.h"
-#include "platform/qserialline.h"
+#include "platform/termiosline.h"
 #include "platform/terminationsignals.h"
 #include "storage/programfolder.h"
 #include "session/headlessprompts.h"
@@ -128,7 +128,7 @@ int headlessMain(int argc, char *argv[])
         return usageError(problem);
     const ProgramFolder &folder = *openedFolder;
     SystemClock clock;
-    QSerialLine line;
+    TermiosLine line;
     EventLoopPause pause;
     SilentSoundPlayer sound;
     Runtime rt(folder, line, clock, pause, sound);

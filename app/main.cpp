@@ -4,7 +4,7 @@
 #include "base/clock.h"
 #include "platform/eventlooppause.h"
 #include "platform/messageboxprompts.h"
-#include "platform/qserialline.h"
+#include "platform/termiosline.h"
 #include "platform/qtsoundplayer.h"
 #include "storage/programfolder.h"
 #include "session/plantsession.h"
@@ -65,7 +65,7 @@ int main(int argc, char *argv[])
     }
 
     SystemClock clock;
-    QSerialLine line;
+    TermiosLine line;
     EventLoopPause pause;
     QtSoundPlayer sound;
     MessageBoxPrompts prompts;

@@ -5,7 +5,7 @@
 #include "fieldbus/modbusmaster.h"
 #include "fieldbus/modbusframe.h"
 #include "fieldbus/probecommand.h"
-#include "platform/qserialline.h"
+#include "platform/termiosline.h"
 
 #include <QCoreApplication>
 #include <QLoggingCategory>
@@ -16,12 +16,10 @@ using namespace telvane;
 namespace {
 
 // The value, then what went wrong: "2 (Exception)", "-99999 Time out".
-QString resultLine(qint32 value, const ModbusMaster &master)
+QString resultLine(const BusOutcome &outcome)
 {
-    QString line = QString::number(value) + master.failureDescription();
-    if (value == ModbusMaster::InvalidValue && master.failureDescription().isEmpty())
-        line += QStringLiteral(" Risposta non valida");
-    return line;
+    const QString reason = outcome.reason();
+    return reason.isEmpty() ? QString::number(outcome.value) : QStringLiteral("%1 %2").arg(outcome.value).arg(reason);
 }
 
 } // namespace
@@ -51,7 +49,7 @@ int main(int argc, char *argv[])
         QLoggingCategory::setFilterRules(QStringLiteral("telvane.*.debug=false\ntelvane.*.warning=false"));
 
     SystemClock clock;
-    QSerialLine line;
+    TermiosLine line;
     ModbusMaster master(line, clock);
     line.setFormat(command.format);
     master.setReplyTimeout(float(command.timeoutMs) / 1000.0f);
@@ -63,11 +61,11 @@ int main(int argc, char *argv[])
 
     int status = 0;
     for (int i = 0; i < command.repeat; ++i) {
-        const qint32 value = isReadFunction(command.functionCode)
-            ? master.ReadRegister(command.functionCode, command.address, command.slave)
-            : master.WriteRegister(command.functionCode, command.address, *command.value, command.slave);
-        out << resultLine(value, master) << Qt::endl;
-        if (value == ModbusMaster::InvalidValue)
+        const BusOutcome outcome = isReadFunction(command.functionCode)
+            ? master.read(command.functionCode, command.address, command.slave)
+            : master.write(command.functionCode, command.address, *command.value, command.slave);
+        out << resultLine(outcome) << Qt::endl;
+        if (!outcome.answered())
             status = 1;
     }
     return status;

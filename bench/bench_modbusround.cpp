@@ -23,6 +23,7 @@
 #include "fieldbus/modbusmaster.h"
 #include "peer/peerslave.h"
 #include "platform/qserialline.h"
+#include "platform/termiosline.h"
 
 #include <modbus.h>
 
@@ -36,6 +37,7 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <memory>
 #include <vector>
 
 #include <sys/resource.h>
@@ -62,6 +64,37 @@ constexpr int ProbeIntervalMs = 5;
 constexpr int IdleProbeMs = 3000;
 
 volatile std::sig_atomic_t stopRequested = 0;
+
+// Which line our master drives: the terminal line the program uses, or (to compare)
+// Qt's serial port; either opened per operation, or held open for the whole round as if
+// the round were one group of operations, the input drained before every transaction.
+struct LineChoice
+{
+    bool qtSerialPort = false;
+    bool heldOpen = false;
+};
+LineChoice lineChoice;
+
+class HeldOpenLine final : public SerialLine
+{
+public:
+    explicit HeldOpenLine(SerialLine &line) : m_line(line) {}
+    void setPort(const QString &port) override { m_line.setPort(port); }
+    bool setFormat(const QString &format) override { return m_line.setFormat(format); }
+    bool open() override { return m_line.open(); }
+    // The master drained the input just before.
+    void close() override {}
+    bool isOpen() const override { return m_line.isOpen(); }
+    void write(const QByteArray &bytes) override { m_line.write(bytes); }
+    qint64 bytesAvailable() override { return m_line.bytesAvailable(); }
+    QByteArray readAll() override { return m_line.readAll(); }
+    void clearInput() override { m_line.clearInput(); }
+    void yield(int ms) override { m_line.yield(ms); }
+    QString lastError() const override { return m_line.lastError(); }
+
+private:
+    SerialLine &m_line;
+};
 
 struct Read
 {
@@ -321,7 +354,13 @@ bool compare(const QStringList &slaves, int wireDelayBaud, int rounds, const std
         return false;
     }
     SystemClock clock;
-    QSerialLine line;
+    std::unique_ptr<SerialLine> device;
+    if (lineChoice.qtSerialPort)
+        device = std::make_unique<QSerialLine>();
+    else
+        device = std::make_unique<TermiosLine>();
+    HeldOpenLine held(*device);
+    SerialLine &line = lineChoice.heldOpen ? static_cast<SerialLine &>(held) : *device;
     line.setPort(peer.port());
     line.setFormat(QStringLiteral("%1,N,8,1").arg(Baud));
     ModbusMaster master(line, clock);
@@ -329,12 +368,16 @@ bool compare(const QStringList &slaves, int wireDelayBaud, int rounds, const std
 
     ourRound(master, reads);
     libmodbusRound(peer.port(), reads);
+    if (lineChoice.heldOpen)
+        device->close();
     std::vector<RoundFigures> ours;
     std::vector<RoundFigures> theirs;
     for (int round = 0; round < rounds && !stopRequested; ++round) {
         ours.push_back(ourRound(master, reads));
+        if (lineChoice.heldOpen)
+            device->close();
         theirs.push_back(libmodbusRound(peer.port(), reads));
-        ours.back().openCloseMs = ourOpenCloseMs(line, count);
+        ours.back().openCloseMs = ourOpenCloseMs(*device, count);
         theirs.back().openCloseMs = libmodbusOpenCloseMs(peer.port(), count);
         std::fprintf(stderr, "  %s round %d: ours %.1f ms, libmodbus %.1f ms\n", wireDelayBaud ? "B" : "A", round + 1,
                      ours.back().wallMs, theirs.back().wallMs);
@@ -438,6 +481,15 @@ int main(int argc, char **argv)
 
     const std::vector<Read> reads = roundReads();
     const QStringList slaves = slaveTexts(reads);
+    for (int i = 1; i < argc; ++i) {
+        const QByteArray argument(argv[i]);
+        if (argument == "--qserialport")
+            lineChoice.qtSerialPort = true;
+        else if (argument == "--held-open")
+            lineChoice.heldOpen = true;
+    }
+    std::fprintf(stderr, "our line: %s, %s\n", lineChoice.qtSerialPort ? "QSerialPort" : "termios",
+                 lineChoice.heldOpen ? "held open for the round" : "opened per read");
     const QString loadBefore = loadAverage();
 
     Comparison a;

@@ -65,29 +65,29 @@ const AlarmBook::ItemAlarm *AlarmBook::item(AlarmItemKind kind, int index) const
     return first + index;
 }
 
-void AlarmBook::ReportZoneFailure(int zone)
+void AlarmBook::ReportZoneFailure(int zone, const QString &reason)
 {
-    reportFailure(AlarmItemKind::Zone, zone);
+    reportFailure(AlarmItemKind::Zone, zone, reason);
 }
 
-void AlarmBook::ReportSwitchFailure(int sw)
+void AlarmBook::ReportSwitchFailure(int sw, const QString &reason)
 {
-    reportFailure(AlarmItemKind::Switch, sw);
+    reportFailure(AlarmItemKind::Switch, sw, reason);
 }
 
-void AlarmBook::ReportLedFailure(int led)
+void AlarmBook::ReportLedFailure(int led, const QString &reason)
 {
-    reportFailure(AlarmItemKind::Led, led);
+    reportFailure(AlarmItemKind::Led, led, reason);
 }
 
-void AlarmBook::reportFailure(AlarmItemKind kind, int index)
+void AlarmBook::reportFailure(AlarmItemKind kind, int index, const QString &reason)
 {
     ItemAlarm *alarm = item(kind, index);
     if (!alarm)
         return;
     if (alarm->FailCount < MaxFailCount)
         ++alarm->FailCount;
-    emit failureCounted(kind, index);
+    emit failureCounted(kind, index, reason);
     if (alarm->FailCount < AlarmThreshold || alarm->AlarmReported)
         return;
 

@@ -32,10 +32,12 @@ public:
 
     AlarmBook(const Clock &clock, ItemNameLookup nameOf, QObject *parent = nullptr);
 
-    // One failed read of the item's instrument.
-    void ReportZoneFailure(int zone);
-    void ReportSwitchFailure(int sw);
-    void ReportLedFailure(int led);
+    // One failed exchange with the item's instrument; `reason` says why ("Time out",
+    // "(Exception)", ...) for the communication-error view.
+    void ReportZoneFailure(int zone, const QString &reason = QString());
+    void ReportSwitchFailure(int sw, const QString &reason = QString());
+    void ReportLedFailure(int led, const QString &reason = QString());
+    void reportFailure(AlarmItemKind kind, int index, const QString &reason = QString());
 
     // A good read: the count starts again.
     void clearFailCount(AlarmItemKind kind, int index);
@@ -57,7 +59,7 @@ public:
 
 signals:
     // Each failed read, counted or not (the count stops at the 16-bit top).
-    void failureCounted(telvane::AlarmItemKind kind, int index);
+    void failureCounted(telvane::AlarmItemKind kind, int index, const QString &reason);
     // A good read cleared a count that was not zero.
     void failCountCleared(telvane::AlarmItemKind kind, int index);
     // A new entry at the end of its list.
@@ -77,7 +79,6 @@ private:
     // Null, with a warning, for an index outside the plant's limits.
     ItemAlarm *item(AlarmItemKind kind, int index);
     const ItemAlarm *item(AlarmItemKind kind, int index) const;
-    void reportFailure(AlarmItemKind kind, int index);
 
     const Clock &m_clock;
     ItemNameLookup m_nameOf;

@@ -3,7 +3,6 @@
 #include "base/clock.h"
 #include "base/datetimetext.h"
 #include "config_editor/registertables.h"
-#include "fieldbus/modbusmaster.h"
 #include "storage/plantconfig.h"
 
 #include <algorithm>
@@ -46,12 +45,11 @@ QString timeText(const QDateTime &at)
 } // namespace
 
 CommErrorTable::CommErrorTable(const AlarmBook &alarms, const PlantConfig &plant, const RegisterTables &tables,
-                               const ModbusMaster &master, const Clock &clock, QObject *parent)
+                               const Clock &clock, QObject *parent)
     : QAbstractTableModel(parent)
     , m_alarms(alarms)
     , m_plant(plant)
     , m_tables(tables)
-    , m_master(master)
     , m_clock(clock)
 {
     connect(&alarms, &AlarmBook::failureCounted, this, &CommErrorTable::failureCounted);
@@ -223,14 +221,14 @@ int CommErrorTable::addressOf(AlarmItemKind kind, int index) const
     return 0;
 }
 
-void CommErrorTable::failureCounted(AlarmItemKind kind, int index)
+void CommErrorTable::failureCounted(AlarmItemKind kind, int index, const QString &reason)
 {
     ItemErrors *errors = errorsOf(kind, index);
     if (!errors)
         return;
     ++errors->total;
     errors->lastAt = m_clock.now();
-    errors->lastReason = m_master.failureDescription().trimmed();
+    errors->lastReason = reason;
     m_lineFailed = true;
     m_lastKind = kind;
     m_lastIndex = index;

@@ -11,7 +11,6 @@
 namespace telvane {
 
 class Clock;
-class ModbusMaster;
 struct PlantConfig;
 struct RegisterTables;
 
@@ -21,9 +20,8 @@ struct RegisterTables;
 // and the line's last failure. An instrument that fails now and then never reaches six
 // in a row, yet shows here before it is listed.
 //
-// The reason is the master's description of the transaction that just failed
-// ("Time out", "(Exception)", "Broadcast"; a reply that arrived but was not valid has
-// none).
+// The reason is the one the failed exchange reported with the failure ("Time out",
+// "(Exception)", "Risposta non valida", ...).
 class CommErrorTable final : public QAbstractTableModel
 {
     Q_OBJECT
@@ -32,7 +30,7 @@ public:
     enum Column { KindColumn, NameColumn, AddressColumn, ConsecutiveColumn, TotalColumn, LastFailureColumn, ColumnCount };
 
     CommErrorTable(const AlarmBook &alarms, const PlantConfig &plant, const RegisterTables &tables,
-                   const ModbusMaster &master, const Clock &clock, QObject *parent = nullptr);
+                   const Clock &clock, QObject *parent = nullptr);
 
     // The rows follow the plant's items: called when the view opens, since a reload may
     // have added or removed items.
@@ -73,14 +71,13 @@ private:
     int countOf(AlarmItemKind kind) const;
     QString nameOf(AlarmItemKind kind, int index) const;
     int addressOf(AlarmItemKind kind, int index) const;
-    void failureCounted(AlarmItemKind kind, int index);
+    void failureCounted(AlarmItemKind kind, int index, const QString &reason);
     void countChanged(AlarmItemKind kind, int index);
     void acknowledged();
 
     const AlarmBook &m_alarms;
     const PlantConfig &m_plant;
     const RegisterTables &m_tables;
-    const ModbusMaster &m_master;
     const Clock &m_clock;
 
     std::array<ItemErrors, MaxZones> m_zones{};

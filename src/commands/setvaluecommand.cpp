@@ -7,7 +7,6 @@
 #include "storage/valueconversion.h"
 #include "supervisor/itemexchange.h"
 
-#include <cmath>
 #include <optional>
 
 namespace telvane {
@@ -53,7 +52,7 @@ CommandOutcome SetValueCommand(Runtime &rt, Prompts &prompts, int zone, const QS
                                                  "di un errore di comunicazione."));
         return CommandOutcome::Doubtful;
     }
-    rt.values.ZoneValues[zone][quantity] = float(*raw / std::pow(10.0, target->decimals));
+    rt.values.ZoneValues[zone][quantity] = float(registerToValue(*raw, target->decimals));
     emit rt.synoptic.zoneTextsChanged();
     return CommandOutcome::Confirmed;
 }

@@ -39,12 +39,12 @@ std::optional<SwitchWrite> switchWrite(const SwitchTable &table, int sw, bool on
                        switchWriteValue(functionCode, value)};
 }
 
-void countExchange(Runtime &rt, int sw, bool answered)
+// An exchange that is not configured, or was refused because the line was busy, is no
+// request to the instrument and counts for nothing.
+void countExchange(Runtime &rt, int sw, const BusOutcome &outcome)
 {
-    if (answered)
+    if (countFailure(rt, AlarmItemKind::Switch, sw, outcome))
         rt.alarms.clearFailCount(AlarmItemKind::Switch, sw);
-    else
-        rt.alarms.ReportSwitchFailure(sw);
 }
 
 } // namespace
@@ -65,14 +65,18 @@ CommandOutcome SwitchCommand(Runtime &rt, Prompts &prompts, int sw, bool on)
         return CommandOutcome::NotConfigured;
     }
 
-    // The command counts its own exchanges toward the alarm, so the exchanges themselves
-    // report nothing.
-    countExchange(rt, sw, remoteRead(rt, rt.editor.tables.SwitchReadTable, sw, rt.items.switchRemote[sw], {}));
-    const qint32 echo = rt.master.WriteRegister(write->functionCode, write->registerNumber, write->value, write->slave);
-    countExchange(rt, sw, localWrite(rt, rt.editor.tables.SwitchWriteTable, sw, 0, {}));
+    countExchange(rt, sw, remoteRead(rt, rt.editor.tables.SwitchReadTable, sw, rt.items.switchRemote[sw]));
+    const BusOutcome written = rt.master.write(write->functionCode, write->registerNumber, write->value, write->slave);
+    countExchange(rt, sw, localWrite(rt, rt.editor.tables.SwitchWriteTable, sw, 0));
 
+    const qint32 echo = written.value;
     const bool confirmed = switchEchoConfirms(write->functionCode, write->value, echo);
-    countExchange(rt, sw, confirmed);
+    if (confirmed)
+        rt.alarms.clearFailCount(AlarmItemKind::Switch, sw);
+    else if (written.answered())
+        rt.alarms.ReportSwitchFailure(sw, QStringLiteral("Eco non valida: %1 per %2").arg(echo).arg(write->value));
+    else if (written.instrumentFailed())
+        rt.alarms.ReportSwitchFailure(sw, written.reason());
     rt.statusBar.setPanel(StatusBar::MessagePanel, QString());
 
     if (!confirmed) {

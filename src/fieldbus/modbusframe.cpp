@@ -17,7 +17,7 @@ quint16 modbusCrc(const QByteArray &bytes)
     return crc;
 }
 
-AddressBytes splitAddress(quint16 address)
+WordBytes splitAddress(quint16 address)
 {
     return {static_cast<quint8>(address >> 8), static_cast<quint8>(address & 0xFF)};
 }
@@ -74,72 +74,21 @@ int expectedReplyLength(int functionCode)
     }
 }
 
-namespace {
-
-float scaleDown(qint32 raw, int decimals)
+qint16 DecodeValue(quint8 high, quint8 low)
 {
-    if (decimals <= 0)
-        return static_cast<float>(raw);
-    double power = 1.0;
-    for (int i = 0; i < qMin(decimals, 9); ++i)
-        power *= 10.0;
-    return static_cast<float>(raw / power);
+    return static_cast<qint16>((high << 8) | low);
 }
 
-} // namespace
-
-float DecodeValue(quint8 high, quint8 low, int decimals)
+quint16 decodeUnsignedValue(quint8 high, quint8 low)
 {
-    const qint16 raw = static_cast<qint16>((high << 8) | low);
-    if (raw == 32767 || raw == -32768)
-        return raw;
-    return scaleDown(raw, decimals);
+    return static_cast<quint16>((high << 8) | low);
 }
 
-float decodeUnsignedValue(quint8 high, quint8 low, int decimals)
+std::optional<WordBytes> EncodeValue(qint32 value)
 {
-    return scaleDown((high << 8) | low, decimals);
-}
-
-bool EncodeValue(const QString &value, int decimals, quint8 *high, quint8 *low)
-{
-    // Nine fraction digits already overflow 16 bits for any non-zero value; refusing
-    // more keeps the padding below bounded.
-    if (decimals < 0 || decimals > 9)
-        return false;
-    const QString text = value.trimmed();
-    const bool hasPoint = text.contains(QLatin1Char('.'));
-    const bool hasComma = text.contains(QLatin1Char(','));
-    if (hasPoint && hasComma)
-        return false;
-
-    QString digits = text;
-    if (hasPoint || hasComma) {
-        const qsizetype separator = text.indexOf(hasPoint ? QLatin1Char('.') : QLatin1Char(','));
-        const QString fraction = text.mid(separator + 1) + QString(decimals, QLatin1Char('0'));
-        digits = text.left(separator) + fraction.left(decimals);
-    } else {
-        digits += QString(decimals, QLatin1Char('0'));
-    }
-
-    // Only plain ASCII digits after an optional sign: toLongLong alone would also take
-    // blanks and other scripts' digits.
-    const qsizetype firstDigit = digits.startsWith(QLatin1Char('-')) || digits.startsWith(QLatin1Char('+')) ? 1 : 0;
-    if (digits.size() == firstDigit)
-        return false;
-    for (qsizetype i = firstDigit; i < digits.size(); ++i) {
-        if (digits[i] < QLatin1Char('0') || digits[i] > QLatin1Char('9'))
-            return false;
-    }
-    bool ok = false;
-    const qlonglong integer = digits.toLongLong(&ok);
-    if (!ok || integer < -32768 || integer > 65535)
-        return false;
-
-    const quint16 word = static_cast<quint16>(integer & 0xFFFF);
-    *high = static_cast<quint8>(word >> 8);
-    *low = static_cast<quint8>(word & 0xFF);
-    return true;
+    if (value < -32768 || value > 0xFFFF)
+        return std::nullopt;
+    return splitAddress(static_cast<quint16>(value & 0xFFFF));
 }
 
 } // namespace telvane

@@ -3,6 +3,8 @@
 #include <QByteArray>
 #include <QString>
 
+#include <optional>
+
 namespace telvane {
 
 // Modbus RTU frames without any I/O: CRC, requests, reply checks and the register
@@ -13,13 +15,13 @@ namespace telvane {
 // low byte first.
 quint16 modbusCrc(const QByteArray &bytes);
 
-// A 16-bit item address as its two bytes on the wire, high byte first.
-struct AddressBytes
+// A 16-bit word (an item address, a value) as its two bytes on the wire, high byte first.
+struct WordBytes
 {
     quint8 high = 0;
     quint8 low = 0;
 };
-AddressBytes splitAddress(quint16 address);
+WordBytes splitAddress(quint16 address);
 
 // A request of `length` bytes: slave, function code, the first `length` - 4 bytes of
 // `data` (zeros if `data` is shorter), CRC low byte, CRC high byte.
@@ -36,20 +38,15 @@ int expectedReplyLength(int functionCode);
 bool isReadFunction(int functionCode);
 bool isWriteFunction(int functionCode);
 
-// The signed register value scaled down by `decimals`. 32767 and -32768 are what
-// instruments send for "over range" and "under range", so they come back unscaled.
-float DecodeValue(quint8 high, quint8 low, int decimals);
+// The register as a signed 16-bit value, as reads give it to their callers.
+qint16 DecodeValue(quint8 high, quint8 low);
 
-// The register read as unsigned (0..65535) and scaled down by `decimals`: how a
-// write's echo is read back when the value written was not negative, so that a coil
-// written with 65280 echoes 65280.
-float decodeUnsignedValue(quint8 high, quint8 low, int decimals);
+// The register as unsigned (0..65535): how a write's echo is read back when the value
+// written was not negative, so that a coil written with 65280 echoes 65280.
+quint16 decodeUnsignedValue(quint8 high, quint8 low);
 
-// `value` (trimmed text, "." or "," as decimal separator, not both) as the register
-// integer for `decimals`: the integer part followed by the first `decimals` digits of
-// the fraction, padded with zeros and never rounded ("21,57" with 1 decimal is 215).
-// The result must fit 16 bits, signed or unsigned (-32768..65535); negative values go
-// on the wire as two's complement. False, and the bytes untouched, for anything else.
-bool EncodeValue(const QString &value, int decimals, quint8 *high, quint8 *low);
+// The two bytes of a value to write, high byte first: -32768..65535, negative values as
+// two's complement. Nothing for a value that does not fit 16 bits.
+std::optional<WordBytes> EncodeValue(qint32 value);
 
 } // namespace telvane

@@ -13,10 +13,6 @@ namespace telvane {
 
 namespace {
 
-const QString ExceptionText = QStringLiteral(" (Exception)");
-const QString TimeOutText = QStringLiteral(" Time out");
-const QString BroadcastText = QStringLiteral(" Broadcast");
-
 constexpr float LongestReplyTimeout = 3600.0f;
 
 std::function<double()> clockSeededRandom(const Clock &clock)
@@ -24,12 +20,6 @@ std::function<double()> clockSeededRandom(const Clock &clock)
     std::mt19937_64 engine(static_cast<quint64>(clock.now().toMSecsSinceEpoch()));
     std::uniform_real_distribution<double> uniform(0.0, 1.0);
     return [engine, uniform]() mutable { return uniform(engine); };
-}
-
-// Values travel as singles and reach the callers as integers, rounded half to even.
-qint32 toInteger(float value)
-{
-    return static_cast<qint32>(std::nearbyint(value));
 }
 
 // Sets a flag for the lifetime of a scope.
@@ -113,50 +103,48 @@ bool ModbusMaster::acceptRequest(const char *operation, bool knownFunction, int 
     return true;
 }
 
-qint32 ModbusMaster::ReadRegister(int functionCode, int address, int slave)
+BusOutcome ModbusMaster::read(int functionCode, int address, int slave)
 {
-    if (refuseWhileBusy("ReadRegister")
-        || !acceptRequest("ReadRegister", isReadFunction(functionCode), functionCode, address, slave))
-        return InvalidValue;
+    if (refuseWhileBusy("ReadRegister"))
+        return BusOutcome::failure(BusResult::LineBusy);
+    if (!acceptRequest("ReadRegister", isReadFunction(functionCode), functionCode, address, slave))
+        return BusOutcome::failure(BusResult::NotConfigured);
     if (!m_communicate)
-        return simulatedRead(functionCode);
+        return BusOutcome::of(simulatedRead(functionCode));
 
-    const Raise busy(m_busy);
-    const AddressBytes item = splitAddress(static_cast<quint16>(address));
-    OpenPort();
-    // Nobody answers a broadcast, so asking again would only wait again.
-    const int tries = slave == 0 ? 1 : m_attempts;
-    qint32 result = InvalidValue;
-    for (int attempt = 0; attempt < tries && result == InvalidValue; ++attempt)
-        result = toInteger(ReadItem(functionCode, item.high, item.low, 0, slave));
-    ClosePort();
-    return result;
+    const WordBytes item = splitAddress(static_cast<quint16>(address));
+    return withAttempts(slave, [&] { return ReadItem(functionCode, item.high, item.low, slave); });
 }
 
-qint32 ModbusMaster::WriteRegister(int functionCode, int address, qint32 value, int slave)
+BusOutcome ModbusMaster::write(int functionCode, int address, qint32 value, int slave)
 {
-    if (refuseWhileBusy("WriteRegister")
-        || !acceptRequest("WriteRegister", isWriteFunction(functionCode), functionCode, address, slave))
-        return InvalidValue;
-    if (value < -32768 || value > 0xFFFF) {
+    if (refuseWhileBusy("WriteRegister"))
+        return BusOutcome::failure(BusResult::LineBusy);
+    if (!acceptRequest("WriteRegister", isWriteFunction(functionCode), functionCode, address, slave))
+        return BusOutcome::failure(BusResult::NotConfigured);
+    if (!EncodeValue(value)) {
         qCWarning(lcFieldbus) << "WriteRegister refused: value" << value << "does not fit a register";
-        return InvalidValue;
+        return BusOutcome::failure(BusResult::NotConfigured);
     }
     if (!m_communicate)
-        return value;
+        return BusOutcome::of(value);
 
+    const WordBytes item = splitAddress(static_cast<quint16>(address));
+    return withAttempts(slave, [&] { return WriteItem(functionCode, item.high, item.low, value, slave); });
+}
+
+BusOutcome ModbusMaster::withAttempts(int slave, const std::function<BusOutcome()> &attempt)
+{
     const Raise busy(m_busy);
-    const AddressBytes item = splitAddress(static_cast<quint16>(address));
-    const QString text = QString::number(value);
     OpenPort();
-    // A broadcast write is carried out by every slave and answered by none: sending it
-    // again would carry it out again.
+    // Nobody answers a broadcast, so asking again would only wait again; and a write
+    // would be carried out again by every slave.
     const int tries = slave == 0 ? 1 : m_attempts;
-    qint32 result = InvalidValue;
-    for (int attempt = 0; attempt < tries && result == InvalidValue; ++attempt)
-        result = toInteger(WriteItem(functionCode, item.high, item.low, text, 0, slave));
+    BusOutcome outcome;
+    for (int i = 0; i < tries && !outcome.answered(); ++i)
+        outcome = attempt();
     ClosePort();
-    return result;
+    return outcome;
 }
 
 bool ModbusMaster::TestPort(const QString &port)
@@ -214,35 +202,28 @@ void ModbusMaster::DrainInput()
     }
 }
 
-bool ModbusMaster::Transact(int slave, int expectedLength, const QByteArray &frame)
+BusResult ModbusMaster::Transact(int slave, int expectedLength, const QByteArray &frame)
 {
     if (refuseWhileWaiting("Transact"))
-        return false;
+        return BusResult::LineBusy;
 
     // A port that would not open still costs the time-out, as a silent line does: the
     // cycle keeps its pace and the items are counted as not answering.
     const bool open = m_line.isOpen();
-    if (open)
+    if (open) {
         m_line.clearInput();
-    m_exceptionFlag = false;
-    m_timeOutFlag = false;
-    m_broadcastFlag = slave == 0;
-    m_failureDescription.clear();
-    if (open)
         m_line.write(frame);
+    }
 
     // On the monotonic counter, so a wait across midnight or a clock change lasts what
     // it should. Bytes that arrive by the deadline itself still count.
     const qint64 deadline = m_clock.monotonicMs() + qRound64(double(m_replyTimeoutSeconds) * 1000.0);
-    bool complete = false;
-    QByteArray received;
     {
         const Raise waiting(m_waiting);
         for (;;) {
             if (open && m_line.bytesAvailable() >= expectedLength) {
-                received = m_line.readAll();
-                complete = true;
-                break;
+                m_reply = m_line.readAll();
+                return BusResult::Value;
             }
             const qint64 remaining = deadline - m_clock.monotonicMs();
             if (remaining < 0)
@@ -251,97 +232,79 @@ bool ModbusMaster::Transact(int slave, int expectedLength, const QByteArray &fra
         }
     }
 
-    if (!complete) {
-        if (open)
-            received = m_line.readAll();
-        if (received.isEmpty()) {
-            if (slave == 0) {
-                m_failureDescription = BroadcastText;
-            } else {
-                m_timeOutFlag = true;
-                m_failureDescription = TimeOutText;
-            }
-            m_reply.clear();
-            return false;
-        }
-        // A short reply: an exception answer is shorter than the data answer.
-        m_exceptionFlag = true;
-        m_failureDescription = ExceptionText;
-    }
-    m_reply = received;
-    return complete;
+    m_reply = open ? m_line.readAll() : QByteArray();
+    if (!m_reply.isEmpty())
+        return BusResult::Exception; // an exception answer is shorter than the data answer
+    if (!open)
+        return BusResult::NoPort;
+    return slave == 0 ? BusResult::Broadcast : BusResult::TimeOut;
 }
 
-float ModbusMaster::exceptionOrInvalid(const char *operation, int functionCode, int slave) const
-{
-    // The exception code stands in for the value: callers have always treated it as a
-    // reading, and the plant's history depends on that.
-    if (m_exceptionFlag && m_reply.size() >= 3) {
-        logFailure(operation, functionCode, slave,
-                   QStringLiteral("short reply, exception code %1").arg(static_cast<quint8>(m_reply[2])));
-        return static_cast<quint8>(m_reply[2]);
-    }
-    logFailure(operation, functionCode, slave, m_failureDescription.trimmed());
-    return InvalidValue;
-}
-
-void ModbusMaster::logFailure(const char *operation, int functionCode, int slave, const QString &reason) const
+BusOutcome ModbusMaster::failed(const char *operation, int functionCode, int slave, BusOutcome outcome) const
 {
     qCDebug(lcFieldbus).nospace() << operation << " slave " << slave << " code " << functionCode << ": "
-                                  << reason << " [" << m_reply.toHex(' ') << "]";
+                                  << outcome.reason() << " " << outcome.exceptionCode << " ["
+                                  << m_reply.toHex(' ') << "]";
+    return outcome;
 }
 
-float ModbusMaster::ReadItem(int functionCode, quint8 addressHigh, quint8 addressLow, int decimals, int slave)
+BusOutcome ModbusMaster::ReadItem(int functionCode, quint8 addressHigh, quint8 addressLow, int slave)
 {
     if (!acceptRequest("ReadItem", isReadFunction(functionCode), functionCode, 0, slave))
-        return InvalidValue;
+        return BusOutcome::failure(BusResult::NotConfigured);
     const int expected = expectedReplyLength(functionCode);
     // One item is always read.
     const char data[] = {static_cast<char>(addressHigh), static_cast<char>(addressLow), 0, 1};
     const QByteArray request = BuildFrame(8, static_cast<quint8>(slave), static_cast<quint8>(functionCode),
                                           QByteArray(data, sizeof data));
-    if (!Transact(slave, expected, request))
-        return exceptionOrInvalid("ReadItem", functionCode, slave);
+    const BusResult result = Transact(slave, expected, request);
+    if (result == BusResult::Exception && m_reply.size() >= 3) {
+        // The exception code stands in for the value: callers have always treated it as
+        // a reading, and the plant's history depends on that.
+        const int code = static_cast<quint8>(m_reply[2]);
+        return failed("ReadItem", functionCode, slave, {BusResult::Exception, code, code});
+    }
+    if (result != BusResult::Value)
+        return failed("ReadItem", functionCode, slave, BusOutcome::failure(result));
     // The reply's slave and function code are deliberately not compared with the
     // request: instruments that answer with another address have always been accepted.
-    if (!CheckReplyCrc(m_reply, expected)) {
-        logFailure("ReadItem", functionCode, slave, QStringLiteral("bad CRC"));
-        return InvalidValue;
-    }
+    if (!CheckReplyCrc(m_reply, expected))
+        return failed("ReadItem", functionCode, slave, BusOutcome::failure(BusResult::BadCrc));
     const auto byte = [this](int index) { return static_cast<quint8>(m_reply[index]); };
     if (functionCode <= 2)
-        return byte(3);
-    return DecodeValue(byte(3), byte(4), decimals);
+        return BusOutcome::of(byte(3));
+    return BusOutcome::of(DecodeValue(byte(3), byte(4)));
 }
 
-float ModbusMaster::WriteItem(int functionCode, quint8 addressHigh, quint8 addressLow, const QString &value,
-                              int decimals, int slave)
+BusOutcome ModbusMaster::WriteItem(int functionCode, quint8 addressHigh, quint8 addressLow, qint32 value, int slave)
 {
     if (!acceptRequest("WriteItem", isWriteFunction(functionCode), functionCode, 0, slave))
-        return InvalidValue;
-    quint8 valueHigh = 0;
-    quint8 valueLow = 0;
-    if (!EncodeValue(value, decimals, &valueHigh, &valueLow)) {
-        qCWarning(lcFieldbus) << "WriteItem refused: value" << value << "with" << decimals
-                              << "decimals does not fit a register";
-        return InvalidValue;
+        return BusOutcome::failure(BusResult::NotConfigured);
+    const std::optional<WordBytes> word = EncodeValue(value);
+    if (!word) {
+        qCWarning(lcFieldbus) << "WriteItem refused: value" << value << "does not fit a register";
+        return BusOutcome::failure(BusResult::NotConfigured);
     }
     const int expected = expectedReplyLength(functionCode);
     const char data[] = {static_cast<char>(addressHigh), static_cast<char>(addressLow),
-                         static_cast<char>(valueHigh), static_cast<char>(valueLow)};
+                         static_cast<char>(word->high), static_cast<char>(word->low)};
     const QByteArray request = BuildFrame(8, static_cast<quint8>(slave), static_cast<quint8>(functionCode),
                                           QByteArray(data, sizeof data));
-    if (!Transact(slave, expected, request))
-        return exceptionOrInvalid("WriteItem", functionCode, slave);
-    if (!CheckReplyCrc(m_reply, expected)) {
-        logFailure("WriteItem", functionCode, slave, QStringLiteral("bad CRC"));
-        return InvalidValue;
+    const BusResult result = Transact(slave, expected, request);
+    // A refused write did not happen: its exception code is no echo.
+    if (result == BusResult::Exception && m_reply.size() >= 3) {
+        const int code = static_cast<quint8>(m_reply[2]);
+        return failed("WriteItem", functionCode, slave, {BusResult::Exception, InvalidValue, code});
     }
+    if (result != BusResult::Value)
+        return failed("WriteItem", functionCode, slave, BusOutcome::failure(result));
+    if (!CheckReplyCrc(m_reply, expected))
+        return failed("WriteItem", functionCode, slave, BusOutcome::failure(BusResult::BadCrc));
     const quint8 echoHigh = static_cast<quint8>(m_reply[4]);
     const quint8 echoLow = static_cast<quint8>(m_reply[5]);
-    if (value.trimmed().startsWith(QLatin1Char('-')))
-        return DecodeValue(echoHigh, echoLow, decimals);
-    return decodeUnsignedValue(echoHigh, echoLow, decimals);
+    if (value < 0)
+        return BusOutcome::of(DecodeValue(echoHigh, echoLow));
+    return BusOutcome::of(decodeUnsignedValue(echoHigh, echoLow));
 }
 
 } // namespace telvane

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "fieldbus/busoutcome.h"
+
 #include <QByteArray>
 #include <QString>
 
@@ -16,14 +18,14 @@ class SerialLine;
 // closes the port again, so a technician can unplug the line between polls. While a
 // reply is awaited the master yields to the event loop (through the line), so the
 // window stays responsive; an operation requested from an event handler during that
-// wait is refused with -99999 instead of mixing two requests on the wire.
+// wait is refused as "line busy" instead of mixing two requests on the wire.
 //
 // Not thread-safe: it lives on the user-interface thread with the line it drives.
 class ModbusMaster
 {
 public:
     // Every read or write that got no valid answer returns this.
-    static constexpr qint32 InvalidValue = -99999;
+    static constexpr qint32 InvalidValue = InvalidRegisterValue;
 
     // Default settings: one second, three attempts, talking to the instruments.
     ModbusMaster(SerialLine &line, const Clock &clock);
@@ -32,14 +34,21 @@ public:
 
     // Function code 1 or 2 (one bit), 3 or 4 (one register); `address` 0..65535,
     // `slave` 0..255 (0 is broadcast: sent once, and since nobody answers it ends in
-    // -99999 with " Broadcast" after one time-out).
-    // Returns the value or -99999. An exception reply gives its exception code as the
-    // value: callers have always seen it that way and rely on it.
-    qint32 ReadRegister(int functionCode, int address, int slave);
+    // a failure after one time-out).
+    // An exception reply gives its exception code as the value: callers have always
+    // seen it that way and rely on it.
+    BusOutcome read(int functionCode, int address, int slave);
+    // The value, or -99999.
+    qint32 ReadRegister(int functionCode, int address, int slave) { return read(functionCode, address, slave).value; }
 
     // Function code 5 (`value` 65280 = on, 0 = off), 6 or 8; `value` -32768..65535.
-    // Returns the value echoed by the instrument, or -99999.
-    qint32 WriteRegister(int functionCode, int address, qint32 value, int slave);
+    // The outcome's value is the one echoed by the instrument.
+    BusOutcome write(int functionCode, int address, qint32 value, int slave);
+    // The echo, or -99999.
+    qint32 WriteRegister(int functionCode, int address, qint32 value, int slave)
+    {
+        return write(functionCode, address, value, slave).value;
+    }
 
     // Points the line at `port` (a number or a device path) and tries to open and close
     // it. The port stays selected whatever the answer.
@@ -64,17 +73,6 @@ public:
     // seeded from the clock's wall time.
     void setRandomSource(std::function<double()> random);
 
-    // --- The last transaction ---------------------------------------------------
-
-    // Bytes arrived, but fewer than a full reply.
-    bool ExceptionFlag() const { return m_exceptionFlag; }
-    // Nothing arrived from an addressed slave.
-    bool TimeOutFlag() const { return m_timeOutFlag; }
-    // Addressed to slave 0.
-    bool BroadcastFlag() const { return m_broadcastFlag; }
-    // " (Exception)", " Time out", " Broadcast" (leading blank included, ready to be
-    // appended to a message), or empty. A reply with a bad CRC leaves it empty.
-    const QString &failureDescription() const { return m_failureDescription; }
     // Every byte received by the last transaction, in arrival order.
     const QByteArray &replyBuffer() const { return m_reply; }
 
@@ -92,15 +90,14 @@ public:
     void DrainInput();
 
     // Sends `frame` and waits up to the reply time-out for `expectedLength` bytes.
-    // True with a full reply in `replyBuffer()`; false after a time-out, with the
-    // flags and description telling what happened (a short reply is kept).
-    bool Transact(int slave, int expectedLength, const QByteArray &frame);
+    // Value with a full reply in `replyBuffer()`; Exception when fewer bytes came (they
+    // are kept); TimeOut, Broadcast or NoPort when none did; LineBusy when called while
+    // another transaction waits.
+    BusResult Transact(int slave, int expectedLength, const QByteArray &frame);
 
-    // One try. -99999 when nothing valid came back.
-    float ReadItem(int functionCode, quint8 addressHigh, quint8 addressLow, int decimals, int slave);
-    // `value` as text, either "." or "," as decimal separator (see EncodeValue).
-    float WriteItem(int functionCode, quint8 addressHigh, quint8 addressLow, const QString &value,
-                    int decimals, int slave);
+    // One try each.
+    BusOutcome ReadItem(int functionCode, quint8 addressHigh, quint8 addressLow, int slave);
+    BusOutcome WriteItem(int functionCode, quint8 addressHigh, quint8 addressLow, qint32 value, int slave);
 
 private:
     bool refuseWhileBusy(const char *operation) const;
@@ -108,8 +105,9 @@ private:
     bool acceptRequest(const char *operation, bool knownFunction, int functionCode, int address,
                        int slave) const;
     qint32 simulatedRead(int functionCode);
-    float exceptionOrInvalid(const char *operation, int functionCode, int slave) const;
-    void logFailure(const char *operation, int functionCode, int slave, const QString &reason) const;
+    // Up to `attempts()` tries of `attempt` between opening and closing the port.
+    BusOutcome withAttempts(int slave, const std::function<BusOutcome()> &attempt);
+    BusOutcome failed(const char *operation, int functionCode, int slave, BusOutcome outcome) const;
 
     SerialLine &m_line;
     const Clock &m_clock;
@@ -119,10 +117,6 @@ private:
     int m_attempts = 3;
     bool m_communicate = true;
 
-    bool m_exceptionFlag = false;
-    bool m_timeOutFlag = false;
-    bool m_broadcastFlag = false;
-    QString m_failureDescription;
     QByteArray m_reply;
 
     bool m_busy = false;    // inside ReadRegister, WriteRegister or TestPort

@@ -5,8 +5,9 @@
 
 namespace telvane {
 
-// The serial line as the Modbus master sees it. The real one wraps QSerialPort
-// (platform/); tests use a scripted slave that records every request byte.
+// The serial line as the Modbus master sees it. The real one drives the port through
+// the terminal interface (platform/); tests use a scripted slave that records every
+// request byte.
 class SerialLine
 {
 public:

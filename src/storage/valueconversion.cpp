@@ -48,6 +48,11 @@ Pattern parsePattern(QLatin1String pattern)
 
 } // namespace
 
+double registerToValue(double raw, int decimals)
+{
+    return raw / std::pow(10.0, std::max(decimals, 0));
+}
+
 std::optional<qint16> registerFromText(const QString &text, int decimals)
 {
     // Padding alone would turn "" or "," into a 0 nobody typed.
@@ -69,7 +74,7 @@ qint16 TextToRegister(const QString &text, int decimals)
 
 float TextToValue(const QString &text, int decimals)
 {
-    const double value = leadingNumber(scaledDigits(text, decimals)) / std::pow(10.0, std::max(decimals, 0));
+    const double value = registerToValue(leadingNumber(scaledDigits(text, decimals)), decimals);
     // Like a register that overflows, a value no float can hold is passed over as 0.
     if (std::fabs(value) > std::numeric_limits<float>::max())
         return 0.0f;

@@ -7,6 +7,11 @@
 
 namespace telvane {
 
+// A register integer as the value it stands for: `raw` divided by 10 to the power of
+// `decimals` (21.5 for 215 with 1 decimal). Decimals below 0 count as none. The one
+// place where the program scales by an instrument's decimals.
+double registerToValue(double raw, int decimals);
+
 // Operator text to the register integer of an instrument with `decimals` implied decimals:
 // "21,5" with 1 decimal is 215. Extra decimals are cut, never rounded. Text that is not a
 // number, or a result outside the 16-bit range, gives 0.

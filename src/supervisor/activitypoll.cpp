@@ -11,8 +11,11 @@ bool ActivityPoll(Runtime &rt)
     const LineProbe &probe = rt.editor.lineProbe;
     if (probe.address < 1 || probe.address > 255 || probe.functionCode < 1 || probe.functionCode > 4)
         return false;
-    const bool answered = rt.master.ReadRegister(probe.functionCode, quint16(probe.registerNumber), probe.address)
-                          != ModbusMaster::InvalidValue;
+    const BusOutcome outcome = rt.master.read(probe.functionCode, quint16(probe.registerNumber), probe.address);
+    // A refusal for a busy line says nothing of the line.
+    if (outcome.result == BusResult::LineBusy)
+        return false;
+    const bool answered = outcome.answered();
     if (answered != rt.lineAnswering) {
         rt.lineAnswering = answered;
         if (answered)

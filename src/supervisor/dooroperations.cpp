@@ -6,7 +6,7 @@ namespace telvane {
 
 bool DoorRemoteRead(Runtime &rt)
 {
-    if (remoteRead(rt, rt.editor.tables.DoorReadTable, 0, rt.items.doorRemote, {}))
+    if (remoteRead(rt, rt.editor.tables.DoorReadTable, 0, rt.items.doorRemote).answered())
         return true;
     forgetRemoteState(rt, rt.items.doorRemote);
     return false;
@@ -14,7 +14,7 @@ bool DoorRemoteRead(Runtime &rt)
 
 bool DoorLocalWrite(Runtime &rt, int supervisorState)
 {
-    return localWrite(rt, rt.editor.tables.DoorWriteTable, 0, supervisorState, {});
+    return localWrite(rt, rt.editor.tables.DoorWriteTable, 0, supervisorState).answered();
 }
 
 } // namespace telvane

@@ -1,11 +1,10 @@
 #pragma once
 
+#include "alarms/alarmbook.h"
 #include "supervisor/remoteexchange.h"
 #include "supervisor/runtime.h"
 #include "supervisor/supervisorlog.h"
 #include "supervisor/synopticrefresh.h"
-
-#include <functional>
 
 namespace telvane {
 
@@ -20,37 +19,36 @@ inline bool itemIndexValid(const char *kind, int index, int count)
     return false;
 }
 
+// Reads the item's `REM_r` into `state`. The caller counts the outcome.
 template <typename Slot, int Rows>
-bool remoteRead(Runtime &rt, const RegisterTable<Slot, Rows> &readTable, int row, RemoteState &state,
-                const std::function<void()> &reportFailure)
+BusOutcome remoteRead(Runtime &rt, const RegisterTable<Slot, Rows> &readTable, int row, RemoteState &state)
 {
-    const RemoteReading reading = readRemoteRegister(rt.master, remoteRegister(readTable, row));
-    switch (reading.outcome) {
-    case ExchangeOutcome::NotConfigured:
-        return false;
-    case ExchangeOutcome::Failed:
-        if (reportFailure)
-            reportFailure();
-        return false;
-    case ExchangeOutcome::Done:
-        break;
-    }
+    const BusOutcome reading = readRemoteRegister(rt.master, remoteRegister(readTable, row));
+    if (!reading.answered())
+        return reading;
     const RemoteState now = remoteStateFrom(reading.value);
     if (state != now) {
         state = now;
         emit rt.synoptic.remoteStatesChanged();
     }
-    return true;
+    return reading;
 }
 
+// Writes the supervisor's state to the item's `REM_w`. The caller counts the outcome.
 template <typename Slot, int Rows>
-bool localWrite(Runtime &rt, const RegisterTable<Slot, Rows> &writeTable, int row, int supervisorState,
-                const std::function<void()> &reportFailure)
+BusOutcome localWrite(Runtime &rt, const RegisterTable<Slot, Rows> &writeTable, int row, int supervisorState)
 {
-    const ExchangeOutcome outcome = writeRemoteRegister(rt.master, remoteRegister(writeTable, row), supervisorState);
-    if (outcome == ExchangeOutcome::Failed && reportFailure)
-        reportFailure();
-    return outcome == ExchangeOutcome::Done;
+    return writeRemoteRegister(rt.master, remoteRegister(writeTable, row), supervisorState);
+}
+
+// Counts a failed exchange toward the item's alarm, with its reason; a refusal for a
+// busy line and an exchange that is not configured count for nothing. True when the
+// instrument answered.
+inline bool countFailure(Runtime &rt, AlarmItemKind kind, int index, const BusOutcome &outcome)
+{
+    if (outcome.instrumentFailed())
+        rt.alarms.reportFailure(kind, index, outcome.reason());
+    return outcome.answered();
 }
 
 inline void forgetRemoteState(Runtime &rt, RemoteState &state)

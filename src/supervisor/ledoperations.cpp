@@ -1,7 +1,6 @@
 #include "supervisor/ledoperations.h"
 
 #include "alarms/alarmbook.h"
-#include "fieldbus/modbusmaster.h"
 #include "supervisor/itemexchange.h"
 #include "supervisor/registerreading.h"
 
@@ -18,18 +17,15 @@ void readLamp(Runtime &rt, int led)
 {
     const LedTable &table = rt.editor.tables.LedReadTable;
     LedLamp lamp;
-    const int slave = table.at(led, LedSlot::Address);
     const int functionCode = table.at(led, LedSlot::P1Function);
-    if (slave >= 1 && slave <= 255 && functionCode >= 1 && functionCode <= 4) {
-        const qint32 raw =
-            rt.master.ReadRegister(functionCode, quint16(table.at(led, LedSlot::P1Register)), slave);
-        if (raw == ModbusMaster::InvalidValue) {
-            rt.alarms.ReportLedFailure(led);
-        } else {
-            rt.alarms.clearFailCount(AlarmItemKind::Led, led);
-            lamp.value = scaledReading(functionCode, raw, table.at(led, LedSlot::Decimals));
-            lamp.lit = LedConditionHolds(table.at(led, LedSlot::Condition), raw, table.at(led, LedSlot::Threshold));
-        }
+    const ScaledReading reading = readScaledRegister(rt.master, table.at(led, LedSlot::Address), functionCode,
+                                                     table.at(led, LedSlot::P1Register),
+                                                     table.at(led, LedSlot::Decimals));
+    if (countFailure(rt, AlarmItemKind::Led, led, reading.bus)) {
+        rt.alarms.clearFailCount(AlarmItemKind::Led, led);
+        lamp.value = reading.value;
+        lamp.lit = LedConditionHolds(table.at(led, LedSlot::Condition), reading.bus.value,
+                                     table.at(led, LedSlot::Threshold));
     }
     rt.items.leds[led] = lamp;
 }
@@ -40,8 +36,8 @@ bool LedRemoteRead(Runtime &rt, int led)
 {
     if (!ledValid(led))
         return false;
-    if (remoteRead(rt, rt.editor.tables.LedReadTable, led, rt.items.ledRemote[led],
-                   [&] { rt.alarms.ReportLedFailure(led); }))
+    if (countFailure(rt, AlarmItemKind::Led, led,
+                     remoteRead(rt, rt.editor.tables.LedReadTable, led, rt.items.ledRemote[led])))
         return true;
     forgetRemoteState(rt, rt.items.ledRemote[led]);
     return false;
@@ -50,8 +46,8 @@ bool LedRemoteRead(Runtime &rt, int led)
 bool LedLocalWrite(Runtime &rt, int led, int supervisorState)
 {
     return ledValid(led)
-           && localWrite(rt, rt.editor.tables.LedWriteTable, led, supervisorState,
-                         [&] { rt.alarms.ReportLedFailure(led); });
+           && countFailure(rt, AlarmItemKind::Led, led,
+                           localWrite(rt, rt.editor.tables.LedWriteTable, led, supervisorState));
 }
 
 bool LedConditionHolds(int condition, qint32 reading, qint32 threshold)

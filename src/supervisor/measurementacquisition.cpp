@@ -33,22 +33,23 @@ void readQuantity(Runtime &rt, int zone, int k)
 {
     const ZoneTable &table = rt.editor.tables.ZoneReadTable;
 
-    const std::optional<float> reading =
+    const ScaledReading reading =
         readScaledRegister(rt.master, table.at(zone, ZoneSlot::Address), table.at(zone, zoneQuantityFunctionSlot(k)),
                            table.at(zone, zoneQuantityRegisterSlot(k)), table.at(zone, ZoneSlot::Decimals));
-    const float stored = reading.value_or(InvalidValue);
-    if (!reading && k >= int(ZoneQuantity::AL1)) {
+    const bool configured = reading.bus.result != BusResult::NotConfigured;
+    if (!configured && k >= int(ZoneQuantity::AL1)) {
         // An alarm quantity that is not read counts against the zone here and again
         // below; plants are set up knowing that a zone without its alarm registers is
         // listed after its first round.
-        rt.alarms.ReportZoneFailure(zone);
+        rt.alarms.ReportZoneFailure(zone, reading.bus.reason());
     }
-    rt.values.ZoneValues[zone][k] = stored;
+    rt.values.ZoneValues[zone][k] = reading.value;
 
-    if (stored == InvalidValue)
-        rt.alarms.ReportZoneFailure(zone);
-    else
+    // Unlike every other exchange, a quantity not in use counts as a failed read here.
+    if (reading.bus.answered())
         rt.alarms.clearFailCount(AlarmItemKind::Zone, zone);
+    else if (reading.bus.instrumentFailed() || !configured)
+        rt.alarms.ReportZoneFailure(zone, reading.bus.reason());
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "supervisor/remoteexchange.h"
 
+#include "fieldbus/modbusframe.h"
 #include "fieldbus/modbusmaster.h"
 
 namespace telvane {
@@ -15,24 +16,19 @@ bool addressInUse(int slave)
 
 } // namespace
 
-RemoteReading readRemoteRegister(ModbusMaster &master, const RemoteRegister &reg)
+BusOutcome readRemoteRegister(ModbusMaster &master, const RemoteRegister &reg)
 {
-    if (!addressInUse(reg.slave) || reg.functionCode < 1 || reg.functionCode > 4)
+    if (!addressInUse(reg.slave) || !isReadFunction(reg.functionCode))
         return {};
-    const qint32 value = master.ReadRegister(reg.functionCode, reg.address, reg.slave);
-    if (value == ModbusMaster::InvalidValue)
-        return {ExchangeOutcome::Failed, value};
-    return {ExchangeOutcome::Done, value};
+    return master.read(reg.functionCode, reg.address, reg.slave);
 }
 
-ExchangeOutcome writeRemoteRegister(ModbusMaster &master, const RemoteRegister &reg, int state)
+BusOutcome writeRemoteRegister(ModbusMaster &master, const RemoteRegister &reg, int state)
 {
-    const bool writeCode = reg.functionCode == 5 || reg.functionCode == 6 || reg.functionCode == 8;
-    if (!addressInUse(reg.slave) || !writeCode)
-        return ExchangeOutcome::NotConfigured;
+    if (!addressInUse(reg.slave) || !isWriteFunction(reg.functionCode))
+        return {};
     const qint32 value = reg.functionCode == 5 && state != 0 ? CoilOn : state;
-    const qint32 echo = master.WriteRegister(reg.functionCode, reg.address, value, reg.slave);
-    return echo == ModbusMaster::InvalidValue ? ExchangeOutcome::Failed : ExchangeOutcome::Done;
+    return master.write(reg.functionCode, reg.address, value, reg.slave);
 }
 
 RemoteState remoteStateFrom(qint32 value)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "config_editor/registertables.h"
+#include "fieldbus/busoutcome.h"
 #include "supervisor/itemstates.h"
 
 #include <QtGlobal>
@@ -26,24 +27,14 @@ RemoteRegister remoteRegister(const RegisterTable<Slot, Rows> &table, int row)
             int(quint16(table.at(row, Slot::RemRegister)))};
 }
 
-enum class ExchangeOutcome {
-    NotConfigured, // no address or no usable function code: nothing was sent
-    Failed,        // no valid answer
-    Done,
-};
-
-struct RemoteReading
-{
-    ExchangeOutcome outcome = ExchangeOutcome::NotConfigured;
-    qint32 value = 0;
-};
-
-// Reads the register with a read function code (1..4).
-RemoteReading readRemoteRegister(ModbusMaster &master, const RemoteRegister &reg);
+// Reads the register with a read function code (1..4). Without an address or such a
+// code nothing is sent and the outcome is NotConfigured.
+BusOutcome readRemoteRegister(ModbusMaster &master, const RemoteRegister &reg);
 
 // Writes `state` (0 or 1) with a write function code (5, 6 or 8); a coil is written
-// 65280 for 1, as instruments expect. Done when the instrument echoed anything valid.
-ExchangeOutcome writeRemoteRegister(ModbusMaster &master, const RemoteRegister &reg, int state);
+// 65280 for 1, as instruments expect. Answered when the instrument echoed anything
+// valid; NotConfigured, with nothing sent, as for the read.
+BusOutcome writeRemoteRegister(ModbusMaster &master, const RemoteRegister &reg, int state);
 
 // 0 is local, anything else remote.
 RemoteState remoteStateFrom(qint32 value);

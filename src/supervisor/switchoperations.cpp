@@ -17,17 +17,13 @@ bool switchValid(int sw)
 bool readStateRegister(Runtime &rt, int sw, SwitchSlot functionSlot, SwitchSlot registerSlot, float &value)
 {
     const SwitchTable &table = rt.editor.tables.SwitchReadTable;
-    const std::optional<float> reading =
+    const ScaledReading reading =
         readScaledRegister(rt.master, table.at(sw, SwitchSlot::Address), table.at(sw, functionSlot),
                            table.at(sw, registerSlot), table.at(sw, SwitchSlot::Decimals));
-    if (!reading) {
-        value = InvalidValue;
+    value = reading.value;
+    if (reading.bus.result == BusResult::NotConfigured)
         return false;
-    }
-    value = *reading;
-    if (value == InvalidValue)
-        rt.alarms.ReportSwitchFailure(sw);
-    else
+    if (countFailure(rt, AlarmItemKind::Switch, sw, reading.bus))
         rt.alarms.clearFailCount(AlarmItemKind::Switch, sw);
     return true;
 }
@@ -37,15 +33,15 @@ bool readStateRegister(Runtime &rt, int sw, SwitchSlot functionSlot, SwitchSlot 
 bool SwitchRemoteRead(Runtime &rt, int sw)
 {
     return switchValid(sw)
-           && remoteRead(rt, rt.editor.tables.SwitchReadTable, sw, rt.items.switchRemote[sw],
-                         [&] { rt.alarms.ReportSwitchFailure(sw); });
+           && countFailure(rt, AlarmItemKind::Switch, sw,
+                           remoteRead(rt, rt.editor.tables.SwitchReadTable, sw, rt.items.switchRemote[sw]));
 }
 
 bool SwitchLocalWrite(Runtime &rt, int sw, int supervisorState)
 {
     return switchValid(sw)
-           && localWrite(rt, rt.editor.tables.SwitchWriteTable, sw, supervisorState,
-                         [&] { rt.alarms.ReportSwitchFailure(sw); });
+           && countFailure(rt, AlarmItemKind::Switch, sw,
+                           localWrite(rt, rt.editor.tables.SwitchWriteTable, sw, supervisorState));
 }
 
 void SwitchStatusText(Runtime &rt, int sw)

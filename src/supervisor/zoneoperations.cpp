@@ -17,15 +17,15 @@ bool zoneValid(int zone)
 bool ZoneRemoteRead(Runtime &rt, int zone)
 {
     return zoneValid(zone)
-           && remoteRead(rt, rt.editor.tables.ZoneReadTable, zone, rt.items.zoneRemote[zone],
-                         [&] { rt.alarms.ReportZoneFailure(zone); });
+           && countFailure(rt, AlarmItemKind::Zone, zone,
+                           remoteRead(rt, rt.editor.tables.ZoneReadTable, zone, rt.items.zoneRemote[zone]));
 }
 
 bool ZoneLocalWrite(Runtime &rt, int zone, int supervisorState)
 {
     return zoneValid(zone)
-           && localWrite(rt, rt.editor.tables.ZoneWriteTable, zone, supervisorState,
-                         [&] { rt.alarms.ReportZoneFailure(zone); });
+           && countFailure(rt, AlarmItemKind::Zone, zone,
+                           localWrite(rt, rt.editor.tables.ZoneWriteTable, zone, supervisorState));
 }
 
 void ZoneStatusText(Runtime &rt, int zone)

@@ -18,11 +18,11 @@ QString nameOf(AlarmItemKind kind, int index)
 
 void report(AlarmBook &book, AlarmItemKind kind, int index, int times)
 {
-    using Report = void (AlarmBook::*)(int);
+    using Report = void (AlarmBook::*)(int, const QString &);
     static const Report reports[] = {&AlarmBook::ReportZoneFailure, &AlarmBook::ReportSwitchFailure,
                                      &AlarmBook::ReportLedFailure};
     for (int i = 0; i < times; ++i)
-        (book.*reports[int(kind)])(index);
+        (book.*reports[int(kind)])(index, QString());
 }
 
 // LEDs share the switches' list.

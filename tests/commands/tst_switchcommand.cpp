@@ -59,8 +59,9 @@ private slots:
         QTest::newRow("simulated coil on") << 5 << 1 << true << true << 0 << "" << true;
         QTest::newRow("simulated code 8, non-zero") << 8 << 5 << true << true << 0 << "" << false;
     }
-    // Without remote/local registers the write is the only request; a doubtful result
-    // counts three failures and warns, a confirmed one clears the count.
+    // Without remote/local registers the write is the only request and the only exchange
+    // counted: a doubtful result counts one failure and warns, a confirmed one clears
+    // the count.
     void coilValuesAndEchoes()
     {
         QFETCH(int, functionCode);
@@ -83,7 +84,7 @@ private slots:
         QCOMPARE(outcome, confirmed ? CommandOutcome::Confirmed : CommandOutcome::Doubtful);
         QCOMPARE(fx.takeRequests(), request.isEmpty() ? QStringList{} : QStringList{request});
         QCOMPARE(fx.prompts.asked(), confirmed ? QList<RecordingPrompts::Prompt>{} : QList{warning(on)});
-        QCOMPARE(fx.rt.alarms.FailCount(AlarmItemKind::Switch, 0), confirmed ? 0 : 3);
+        QCOMPARE(fx.rt.alarms.FailCount(AlarmItemKind::Switch, 0), confirmed ? 0 : 1);
         const SwitchState state = on ? SwitchState::On : SwitchState::Off;
         QCOMPARE(fx.rt.items.switches[0], confirmed ? state : SwitchState::Undetermined);
         QCOMPARE(refreshes.count(), confirmed ? 1 : 0);
@@ -125,6 +126,33 @@ private slots:
         const QString write = RuntimeFixture::request(4, 5, 0x30, valOn == 1 ? 0xFF00 : 2);
         QCOMPARE(fx.takeRequests(), (QStringList{"05 03 0010 0001", write, "04 06 0011 0000"}));
         QCOMPARE(fx.rt.alarms.FailCount(AlarmItemKind::Switch, 0), failCount);
+    }
+
+    // Each failure is counted with the reason of its own exchange: here the write went
+    // unanswered while the local-state write after it was answered.
+    void failureReasons()
+    {
+        RuntimeFixture fx;
+        configureSwitch(fx, 5, 1, 0);
+        setRow(fx.rt.editor.tables.SwitchWriteTable, 0, {4, 0, 6, 0x11});
+        fx.line.setResponder([](const QByteArray &request) -> ScriptedLine::Reply {
+            if (request.at(1) == 5)
+                return {};
+            return ScriptedLine::withCrc(request.left(2) + QByteArray::fromHex("0000") + request.mid(4, 2));
+        });
+        QStringList reasons;
+        QObject::connect(&fx.rt.alarms, &AlarmBook::failureCounted,
+                         [&](AlarmItemKind, int, const QString &reason) { reasons << reason; });
+
+        QCOMPARE(SwitchCommand(fx.rt, fx.prompts, 0, true), CommandOutcome::Doubtful);
+        QCOMPARE(fx.line.requests().size(), 2);
+        QCOMPARE(reasons, QStringList{QStringLiteral("Time out")});
+
+        // A valid echo that does not confirm is a failure of its own.
+        reasons.clear();
+        fx.echoWrites(0);
+        SwitchCommand(fx.rt, fx.prompts, 0, true);
+        QCOMPARE(reasons, QStringList{QStringLiteral("Eco non valida: 0 per 65280")});
     }
 
     // Neither direction goes out when either write is missing, and nothing is said.

@@ -2,7 +2,7 @@
 
 #include "base/clock.h"
 #include "fieldbus/modbusmaster.h"
-#include "platform/qserialline.h"
+#include "platform/termiosline.h"
 
 #include <QFileInfo>
 
@@ -119,7 +119,7 @@ bool PeerSlave::waitUntilAnswering(QDeadlineTimer deadline)
     // Any answer will do, an exception included: the slave is then serving the line.
     const int unit = m_slaves.constFirst().section(QLatin1Char(' '), 0, 0, QString::SectionSkipEmpty).toInt();
     SystemClock clock;
-    QSerialLine line;
+    TermiosLine line;
     line.setPort(port());
     ModbusMaster master(line, clock);
     master.setAttempts(1);

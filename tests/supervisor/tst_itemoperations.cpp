@@ -3,6 +3,7 @@
 #include "supervisor/activitypoll.h"
 #include "supervisor/dooroperations.h"
 #include "supervisor/ledoperations.h"
+#include "supervisor/measurementacquisition.h"
 #include "supervisor/switchoperations.h"
 #include "supervisor/zoneoperations.h"
 
@@ -110,6 +111,37 @@ private slots:
                                       fx.rt.items.ledRemote[2]};
         QCOMPARE(states[int(kind)], state);
         QCOMPARE(changed.size(), state == RemoteState::Unknown ? 0 : 1);
+    }
+
+    // An exchange asked for while another waits for its reply is refused as "line busy":
+    // that says nothing of the instrument, so no item's count moves, not even for a
+    // measurement round.
+    void busyLineIsNoInstrumentFailure()
+    {
+        RuntimeFixture fx;
+        for (const Kind kind : {Kind::Zone, Kind::Switch, Kind::Door, Kind::Led})
+            configure(fx.rt.editor.tables, kind, 3, 6);
+        fx.rt.plant.zones.resize(3);
+        for (int k = 0; k < 5; ++k) {
+            fx.rt.editor.tables.ZoneReadTable.set(2, zoneQuantityFunctionSlot(k), 3);
+            fx.rt.editor.tables.ZoneReadTable.set(2, zoneQuantityRegisterSlot(k), qint16(k));
+        }
+        fx.setValue(1, 3, 0, 7);
+        QList<bool> answers;
+        fx.line.setDuringYield([&] {
+            if (!answers.isEmpty())
+                return;
+            for (const Kind kind : {Kind::Zone, Kind::Switch, Kind::Door, Kind::Led})
+                answers << runExchange(fx.rt, kind, true, 1) << runExchange(fx.rt, kind, false, 1);
+            ReadAllMeasurements(fx.rt);
+        });
+        QCOMPARE(fx.rt.master.ReadRegister(3, 0, 1), 7);
+
+        QCOMPARE(answers, QList<bool>(8, false));
+        QCOMPARE(fx.rt.alarms.FailCount(AlarmItemKind::Zone, 2), 0);
+        QCOMPARE(fx.rt.alarms.FailCount(AlarmItemKind::Switch, 2), 0);
+        QCOMPARE(fx.rt.alarms.FailCount(AlarmItemKind::Led, 2), 0);
+        QCOMPARE(fx.takeRequests(), QStringList{RuntimeFixture::request(1, 3, 0, 1)});
     }
 
     void indexOutsideThePlant()

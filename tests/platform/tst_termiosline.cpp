@@ -1,6 +1,4 @@
-#include "platform/qserialline.h"
-
-#include "support/datarows.h"
+#include "platform/termiosline.h"
 
 #include <QElapsedTimer>
 #include <QRegularExpression>
@@ -63,7 +61,7 @@ public:
     }
 
     QString device;
-    QSerialLine line;
+    TermiosLine line;
 
 private:
     int m_master = -1;
@@ -71,7 +69,7 @@ private:
 
 } // namespace
 
-class TestQSerialLine : public QObject
+class TestTermiosLine : public QObject
 {
     Q_OBJECT
 
@@ -117,12 +115,19 @@ private slots:
 
     // A pseudo-terminal keeps speed and stop bits but always reports eight data bits and
     // no parity. A bad format afterwards keeps the settings in force.
-    void formatReachesTheDevice_data() { addRows({"1200,N,8,2|before opening", "115200,N,8,1|while open"}); }
+    void formatReachesTheDevice_data()
+    {
+        QTest::addColumn<QString>("format");
+        QTest::addColumn<bool>("beforeOpen");
+        QTest::addColumn<int>("speed");
+        QTest::newRow("two stop bits, set before opening") << "1200,N,8,2" << true << int(B1200);
+        QTest::newRow("changed while open") << "115200,N,8,1" << false << int(B115200);
+    }
     void formatReachesTheDevice()
     {
-        const QString format = rowCells()[0];
-        const bool beforeOpen = rowCells()[1] == QLatin1String("before opening");
-        const int speed = format.startsWith(QLatin1String("1200,")) ? B1200 : B115200;
+        QFETCH(QString, format);
+        QFETCH(bool, beforeOpen);
+        QFETCH(int, speed);
         PtyLine p(false);
         QVERIFY(beforeOpen ? p.line.setFormat(format) && p.line.open() : p.line.open() && p.line.setFormat(format));
         QTest::ignoreMessage(QtWarningMsg, QRegularExpression("1200,X,8,1.*parità"));
@@ -135,13 +140,19 @@ private slots:
         QCOMPARE(bool(settings.c_cflag & CSTOPB), format.endsWith("2"));
     }
 
-    // port|named: not a terminal, a numbered port beyond the machine.
-    void portThatCannotBeOpened_data() { addRows({"/etc/hostname|/etc/hostname", "255|/dev/ttyS254"}); }
+    void portThatCannotBeOpened_data()
+    {
+        QTest::addColumn<QString>("port");
+        QTest::addColumn<QString>("named");
+        QTest::newRow("not a terminal") << "/etc/hostname" << "/etc/hostname";
+        QTest::newRow("numbered port beyond the machine") << "255" << "/dev/ttyS254";
+    }
     void portThatCannotBeOpened()
     {
-        const QString named = rowCells()[1];
-        QSerialLine line;
-        line.setPort(rowCells()[0]);
+        QFETCH(QString, port);
+        QFETCH(QString, named);
+        TermiosLine line;
+        line.setPort(port);
         QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QRegularExpression::escape(named)));
         QVERIFY(!line.open() && !line.isOpen());
         QVERIFY2(line.lastError().contains(named), qPrintable(line.lastError()));
@@ -149,7 +160,20 @@ private slots:
         QTest::failOnWarning(QRegularExpression(QRegularExpression::escape(named)));
         QVERIFY(!line.open());
     }
+
+    // Two programs on one line would mix their requests: while one holds the port, a
+    // second cannot open it; as soon as it is closed, it can.
+    void onlyOneHolderAtATime()
+    {
+        PtyLine p;
+        TermiosLine second;
+        second.setPort(p.device);
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression("in uso"));
+        QVERIFY(!second.open());
+        p.line.close();
+        QVERIFY2(second.open(), qPrintable(second.lastError()));
+    }
 };
 
-QTEST_GUILESS_MAIN(TestQSerialLine)
-#include "tst_qserialline.moc"
+QTEST_GUILESS_MAIN(TestTermiosLine)
+#include "tst_termiosline.moc"
