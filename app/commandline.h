@@ -23,6 +23,7 @@ struct CommandLineOptions
     QCommandLineOption tickMs;
     QCommandLineOption command;
     QCommandLineOption login;
+    QCommandLineOption recipe;
 };
 
 // Whether to run without windows; decided before any application object exists, since
