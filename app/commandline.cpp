@@ -26,9 +26,14 @@ const QString Description = QStringLiteral(
     "\n"
     "  telvane --headless (--simulate | --communicate) [--dir DIR] [--ticks N] [--tick-ms MS]\n"
     "          [--login NOME:PASSWORD] [--command COMANDO ...]\n"
+    "  telvane --headless (--simulate | --communicate) [--dir DIR] --ricetta RICETTA\n"
     "\n"
     "Comandi (uno per ciclo, nell'ordine dato; N da 1): \"switch N on\", \"switch N off\",\n"
     "\"door\", \"set N VALORE\" (VALORE con \",\" o \".\"). I comandi chiedono un utente: --login.\n"
+    "Con --ricetta invia una ricetta invece di acquisire: \"Estate\" o \"Inverno\" (la ricetta\n"
+    "impostata per quel cambio di stagione) oppure un file della cartella Ricetta; scrive l'esito\n"
+    "di ogni riga e la stagione attuale, esce con 0 se tutte le righe sono state inviate, con 1\n"
+    "altrimenti. Un passo MSGBOX non ha nessuno che risponda e interrompe l'invio.\n"
     "Il dettaglio di ogni scambio Modbus: QT_LOGGING_RULES=\"telvane.*.debug=true\".");
 
 } // namespace
@@ -54,6 +59,9 @@ CommandLineOptions::CommandLineOptions()
     , screenshot(QStringLiteral("screenshot"),
                  QStringLiteral("Avvia l'acquisizione, salva l'immagine della finestra principale in FILE ed esce."),
                  QStringLiteral("FILE"))
+    , recipe(QStringLiteral("ricetta"),
+             QStringLiteral("Con --headless: invia la ricetta (Estate, Inverno o un file in Ricetta) ed esce."),
+             QStringLiteral("RICETTA"))
 {
 }
 
@@ -62,7 +70,7 @@ void CommandLineOptions::addTo(QCommandLineParser &parser) const
     parser.setApplicationDescription(Description);
     parser.addHelpOption();
     parser.addVersionOption();
-    parser.addOptions({dir, simulate, communicate, headless, ticks, tickMs, command, login, screenshot});
+    parser.addOptions({dir, simulate, communicate, headless, ticks, tickMs, command, login, screenshot, recipe});
 }
 
 namespace {

@@ -28,6 +28,7 @@ struct CommandLineOptions
     QCommandLineOption command;
     QCommandLineOption login;
     QCommandLineOption screenshot;
+    QCommandLineOption recipe;
 };
 
 // The program folder: --dir, or the executable's own folder. Made when missing, and

@@ -87,6 +87,8 @@ bool readHeadlessOptions(const QCommandLineParser &parser, const CommandLineOpti
         }
         run.login = HeadlessOptions::Credentials{credentials.left(colon), credentials.mid(colon + 1)};
     }
+    if (parser.isSet(options.recipe))
+        run.recipe = parser.value(options.recipe);
     for (const QString &text : parser.values(options.command)) {
         std::optional<HeadlessCommand> command = parseHeadlessCommand(text, problem);
         if (!command)

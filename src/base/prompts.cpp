@@ -2,6 +2,14 @@
 
 namespace telvane {
 
+bool Prompts::acknowledge(const QString &title, const QString &text, Icon, bool cancellable)
+{
+    if (cancellable)
+        return question(title, text);
+    information(title, text);
+    return true;
+}
+
 bool RecordingPrompts::question(const QString &title, const QString &text)
 {
     m_asked.append({Kind::Question, title, text});
@@ -22,6 +30,14 @@ std::optional<QString> RecordingPrompts::textInput(const QString &title, const Q
 {
     m_asked.append({Kind::TextInput, title, prompt});
     return m_textAnswers.isEmpty() ? std::nullopt : m_textAnswers.takeFirst();
+}
+
+bool RecordingPrompts::acknowledge(const QString &title, const QString &text, Icon, bool cancellable)
+{
+    m_asked.append({Kind::Acknowledge, title, text});
+    if (!cancellable)
+        return true;
+    return m_acknowledgeAnswers.isEmpty() ? false : m_acknowledgeAnswers.takeFirst();
 }
 
 } // namespace telvane

@@ -24,6 +24,12 @@ public:
     // An input box: the text typed (untrimmed), or nothing on Cancel.
     virtual std::optional<QString> textInput(const QString &title, const QString &prompt,
                                              const QString &initialText = QString()) = 0;
+
+    enum class Icon { Information, Question, Exclamation, Critical };
+    // A box the operator must close before the work goes on: OK, and Cancel when
+    // `cancellable`. True for OK. Where nobody can answer, a cancellable box is asked as
+    // a question (so it ends No, i.e. Cancel) and any other one is shown as information.
+    virtual bool acknowledge(const QString &title, const QString &text, Icon icon, bool cancellable);
 };
 
 // Records every box and answers questions and input boxes from a script, in order. A
@@ -32,7 +38,7 @@ public:
 class RecordingPrompts final : public Prompts
 {
 public:
-    enum class Kind { Question, Warning, Information, TextInput };
+    enum class Kind { Question, Warning, Information, TextInput, Acknowledge };
 
     struct Prompt
     {
@@ -45,11 +51,14 @@ public:
 
     void scriptQuestion(bool yes) { m_questionAnswers.append(yes); }
     void scriptTextInput(std::optional<QString> answer) { m_textAnswers.append(std::move(answer)); }
+    // OK (true) or Cancel for the next cancellable box; beyond the script: Cancel.
+    void scriptAcknowledge(bool ok) { m_acknowledgeAnswers.append(ok); }
 
     bool question(const QString &title, const QString &text) override;
     void warning(const QString &title, const QString &text) override;
     void information(const QString &title, const QString &text) override;
     std::optional<QString> textInput(const QString &title, const QString &prompt, const QString &initialText) override;
+    bool acknowledge(const QString &title, const QString &text, Icon icon, bool cancellable) override;
 
     const QList<Prompt> &asked() const { return m_asked; }
     void clear() { m_asked.clear(); }
@@ -58,6 +67,7 @@ private:
     QList<Prompt> m_asked;
     QList<bool> m_questionAnswers;
     QList<std::optional<QString>> m_textAnswers;
+    QList<bool> m_acknowledgeAnswers;
 };
 
 } // namespace telvane

@@ -78,4 +78,32 @@ std::optional<QString> MessageBoxPrompts::textInput(const QString &title, const 
     return box.textValue();
 }
 
+bool MessageBoxPrompts::acknowledge(const QString &title, const QString &text, Icon icon, bool cancellable)
+{
+    QMessageBox::Icon boxIcon = QMessageBox::Information;
+    switch (icon) {
+    case Icon::Information:
+        break;
+    case Icon::Question:
+        boxIcon = QMessageBox::Question;
+        break;
+    case Icon::Exclamation:
+        boxIcon = QMessageBox::Warning;
+        break;
+    case Icon::Critical:
+        boxIcon = QMessageBox::Critical;
+        break;
+    }
+    const QMessageBox::StandardButtons buttons = cancellable ? QMessageBox::Ok | QMessageBox::Cancel : QMessageBox::Ok;
+    QMessageBox box(boxIcon, title, text, buttons, parentWidget());
+    box.button(QMessageBox::Ok)->setText(QStringLiteral("OK"));
+    if (cancellable) {
+        box.button(QMessageBox::Cancel)->setText(QStringLiteral("Annulla"));
+        box.setEscapeButton(QMessageBox::Cancel);
+    }
+    box.setDefaultButton(QMessageBox::Ok);
+    execInForeground(box);
+    return box.clickedButton() == box.button(QMessageBox::Ok);
+}
+
 } // namespace telvane

@@ -23,6 +23,7 @@ public:
     void information(const QString &title, const QString &text) override;
     std::optional<QString> textInput(const QString &title, const QString &prompt,
                                      const QString &initialText = QString()) override;
+    bool acknowledge(const QString &title, const QString &text, Icon icon, bool cancellable) override;
 
 private:
     QWidget *parentWidget() const;

@@ -3,6 +3,7 @@
 #include "commands/users.h"
 #include "config_editor/commsettings.h"
 #include "fieldbus/serialline.h"
+#include "season/headlessrecipe.h"
 #include "session/plantsession.h"
 #include "supervisor/runtime.h"
 
@@ -69,6 +70,12 @@ void HeadlessRunner::start()
     }
     if (m_options.login)
         Login(m_options.login->name, m_options.login->password, m_rt.user, m_rt.statusBar, m_prompts);
+    if (!m_options.recipe.isEmpty()) {
+        m_supervisor.cancelAutoStart();
+        m_starting = false;
+        finish(SendRecipeHeadless(m_rt, m_prompts, m_out, m_options.recipe));
+        return;
+    }
 
     // As the automatic start would, without its ten seconds: a box in a cabinet has
     // nobody to give it a last look.

@@ -36,6 +36,9 @@ struct HeadlessOptions
     std::optional<Credentials> login;
     // Queued one a tick from the start on, in this order.
     QList<HeadlessCommand> commands;
+    // Sends this recipe (a season or a file in "Ricetta") after the start-up in place
+    // of acquiring, and finishes with its outcome.
+    QString recipe;
 };
 
 // The plant without a display: the main window's start-up, acquisition at once, and

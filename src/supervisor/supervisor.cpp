@@ -75,6 +75,13 @@ void Supervisor::armAutoStart(bool autoAvvio)
     }
 }
 
+void Supervisor::cancelAutoStart()
+{
+    m_autoStartTimer.stop();
+    m_autoStartPending = false;
+    SetAlarmBlink(false);
+}
+
 void Supervisor::SetAcquisitionState(bool on)
 {
     const bool changed = m_acquisitionRunning != on;

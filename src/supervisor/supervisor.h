@@ -48,6 +48,9 @@ public:
     // read it: when it is on, acquisition starts by itself 10 s later, and until
     // then the acquisition button blinks fast and panel 4 says so.
     void armAutoStart(bool autoAvvio);
+    // For a run that must not start acquiring by itself, as a recipe sent from the
+    // command line: the armed start is dropped and the button stops blinking.
+    void cancelAutoStart();
 
     // --- Commands ----------------------------------------------------------------
     void SetAcquisitionState(bool on);

@@ -7,6 +7,7 @@
 #include "ui/allarmi.h"
 #include "ui/childwindows.h"
 #include "ui/frmlogin.h"
+#include "ui/stagione.h"
 #include "ui/workspace.h"
 
 #include <QAction>
@@ -45,6 +46,7 @@ MainForm::MainForm(Runtime &rt, Supervisor &supervisor, Prompts &prompts, QWidge
     , m_children(new ChildWindows(*m_workspace, this))
     , m_login(new frmLogin(rt, prompts))
     , m_alarms(new Allarmi(rt, supervisor, this))
+    , m_season(new Stagione(rt, prompts))
 {
     setObjectName(QStringLiteral("MainForm"));
     setWindowTitle(QLatin1String(ProductName));
@@ -62,6 +64,9 @@ MainForm::MainForm(Runtime &rt, Supervisor &supervisor, Prompts &prompts, QWidge
                                | Qt::WindowCloseButtonHint);
     connect(m_login, &frmLogin::finished, this, [this] { m_children->ShowChild(m_login, false); });
     connect(m_login, &frmLogin::userChanged, this, &MainForm::userChanged);
+
+    m_children->plug(m_entries.value(QStringLiteral("MenuStagione")), m_season);
+    m_season->setSendGuard([this] { return m_supervisor.MenuStagione(); });
 
     connect(&m_supervisor, &Supervisor::acquisitionButtonImageChanged, this, &MainForm::showAcquisitionImage);
     showAcquisitionImage(m_supervisor.acquisitionButtonImage());
@@ -209,6 +214,8 @@ void MainForm::buildStatusBar()
 void MainForm::applyMode()
 {
     m_entries.value(QStringLiteral("MenuStagione"))->setText(m_rt.mode.seasonCaption);
+    if (m_season)
+        m_season->setWindowTitle(m_rt.mode.seasonCaption);
     m_entries.value(QStringLiteral("MenuCrono"))->setText(m_rt.mode.scheduleCaption);
 }
 

@@ -16,6 +16,7 @@ class Prompts;
 class Supervisor;
 class Workspace;
 class frmLogin;
+class Stagione;
 struct Runtime;
 
 // The main window: the workspace for the child windows, the menus, the toolbar with
@@ -43,6 +44,7 @@ public:
     ChildWindows &childWindows() { return *m_children; }
     frmLogin *loginWindow() const { return m_login; }
     Allarmi *alarmsWindow() const { return m_alarms; }
+    Stagione *seasonWindow() const { return m_season; }
     // Null until `MenuAbout` first opens it.
     About *aboutWindow() const { return m_about; }
 
@@ -76,6 +78,7 @@ private:
     ChildWindows *m_children;
     frmLogin *m_login;
     Allarmi *m_alarms;
+    Stagione *m_season;
     About *m_about = nullptr;
 
     QHash<QString, QAction *> m_entries;

@@ -1,0 +1,114 @@
+#include "season/seasonchange.h"
+
+#include "base/prompts.h"
+#include "season/seasonlog.h"
+#include "supervisor/runtime.h"
+
+namespace telvane {
+
+namespace {
+
+const QString Confirmation = QStringLiteral("Modificare le impostazioni sugli strumenti ?");
+const QString Completed = QStringLiteral("Il cambio delle impostazioni è stato completato correttamente.");
+const QString Failure =
+    QStringLiteral("Attenzione: Un errore occorso durante l'invio della procedura ha impedito il completamento del "
+                   "cambio di stagione.\nVerificare il file e la linea di trasmissione dati.");
+
+} // namespace
+
+SeasonChange::SeasonChange(Runtime &rt, Prompts &prompts, QObject *parent)
+    : QObject(parent)
+    , m_rt(rt)
+    , m_prompts(prompts)
+{
+}
+
+Season SeasonChange::currentSeason() const
+{
+    return ReadCurrentSeason(m_rt.ini);
+}
+
+bool SeasonChange::loadSeasonRecipe(Season target)
+{
+    if (m_sending)
+        return false;
+    const QString fileName = ReadSeasonRecipe(m_rt.ini, target);
+    if (fileName.isEmpty()) {
+        clearRecipe();
+        m_prompts.warning(RecipeBoxTitle, noRecipeMessage(target));
+        return false;
+    }
+    return loadRecipeFile(fileName, target);
+}
+
+bool SeasonChange::loadRecipeFile(const QString &fileName, std::optional<Season> target)
+{
+    if (m_sending)
+        return false;
+    RecipeLoad load = LoadRecipe(m_rt.ini, fileName, m_rt.plant, m_rt.editor.tables.ZoneWriteTable);
+    if (!load.loaded()) {
+        clearRecipe();
+        m_prompts.warning(RecipeBoxTitle, load.message);
+        return false;
+    }
+    m_recipe = std::move(load.recipe);
+    m_loaded = true;
+    m_target = target;
+    emit recipeChanged();
+    m_prompts.information(RecipeBoxTitle, load.message);
+    return true;
+}
+
+void SeasonChange::clearRecipe()
+{
+    if (m_sending)
+        return;
+    m_recipe = Recipe();
+    m_loaded = false;
+    m_target.reset();
+    emit recipeChanged();
+}
+
+SeasonChange::SendOutcome SeasonChange::send(bool confirm)
+{
+    if (m_sending)
+        return SendOutcome::Busy;
+    if (!m_loaded)
+        return SendOutcome::NothingLoaded;
+    // Read before asking, as the window always has: the answer may take a while.
+    const Season before = currentSeason();
+    if (confirm && !m_prompts.question(RecipeBoxTitle, Confirmation))
+        return SendOutcome::Declined;
+
+    setSending(true);
+    ProcedureObserver observer;
+    observer.progress = [this](int percent, const QString &text) { emit progressChanged(percent, text); };
+    observer.rowDone = [this](const RecipeRow &row, const RowOutcome &outcome) {
+        emit rowDone(outcome.row, outcome.text(row), outcome.ok());
+    };
+    // A copy: the lists must not change under the send, even if a handler reloads them.
+    const Recipe recipe = m_recipe;
+    m_lastResult = InviaProcedura(m_rt.master, m_rt.pause, m_prompts, m_rt.clock, recipe, observer, m_options);
+    setSending(false);
+
+    if (!m_lastResult.ok) {
+        m_prompts.warning(RecipeBoxTitle, Failure);
+        return SendOutcome::Failed;
+    }
+    if (m_target) {
+        WriteCurrentSeason(m_rt.ini, *m_target);
+        qCInfo(lcSeason).noquote() << "Season changed from" << seasonName(before) << "to" << seasonName(*m_target)
+                                   << "with" << recipe.fileName;
+        emit seasonStored(*m_target);
+    }
+    m_prompts.information(RecipeBoxTitle, Completed);
+    return SendOutcome::Succeeded;
+}
+
+void SeasonChange::setSending(bool sending)
+{
+    m_sending = sending;
+    emit sendingChanged(sending);
+}
+
+} // namespace telvane

@@ -1,0 +1,3 @@
+#include "season/seasonlog.h"
+
+Q_LOGGING_CATEGORY(lcSeason, "telvane.season")
