@@ -7,6 +7,8 @@
 #include "ui/allarmi.h"
 #include "ui/childwindows.h"
 #include "ui/frmlogin.h"
+#include "ui/trends/grafico.h"
+#include "ui/trends/storico.h"
 #include "ui/workspace.h"
 
 #include <QAction>
@@ -45,6 +47,8 @@ MainForm::MainForm(Runtime &rt, Supervisor &supervisor, Prompts &prompts, QWidge
     , m_children(new ChildWindows(*m_workspace, this))
     , m_login(new frmLogin(rt, prompts))
     , m_alarms(new Allarmi(rt, supervisor, this))
+    , m_trend(new Grafico(rt.ini, rt.plant, [&rt] { return rt.ChartLoggingOption; }))
+    , m_history(new Storico(rt.dailyLog, rt.ini, rt.plant, prompts))
 {
     setObjectName(QStringLiteral("MainForm"));
     setWindowTitle(QLatin1String(ProductName));
@@ -63,11 +67,20 @@ MainForm::MainForm(Runtime &rt, Supervisor &supervisor, Prompts &prompts, QWidge
     connect(m_login, &frmLogin::finished, this, [this] { m_children->ShowChild(m_login, false); });
     connect(m_login, &frmLogin::userChanged, this, &MainForm::userChanged);
 
+    m_children->plug(m_entries.value(QStringLiteral("MenuGrafico")), m_trend);
+    m_children->plug(m_entries.value(QStringLiteral("MenuStorico")), m_history);
+    m_rt.chart = &m_trend->live();
+
     connect(&m_supervisor, &Supervisor::acquisitionButtonImageChanged, this, &MainForm::showAcquisitionImage);
     showAcquisitionImage(m_supervisor.acquisitionButtonImage());
 }
 
-MainForm::~MainForm() = default;
+MainForm::~MainForm()
+{
+    // The chart goes with the window's children, after this.
+    if (m_rt.chart == &m_trend->live())
+        m_rt.chart = nullptr;
+}
 
 QAction *MainForm::addEntry(QMenu *menu, const QString &name, const QString &text, const QString &iconName)
 {

@@ -11,8 +11,10 @@ namespace telvane {
 
 class About;
 class Allarmi;
+class Grafico;
 class ChildWindows;
 class Prompts;
+class Storico;
 class Supervisor;
 class Workspace;
 class frmLogin;
@@ -43,6 +45,8 @@ public:
     ChildWindows &childWindows() { return *m_children; }
     frmLogin *loginWindow() const { return m_login; }
     Allarmi *alarmsWindow() const { return m_alarms; }
+    Grafico *trendWindow() const { return m_trend; }
+    Storico *historyWindow() const { return m_history; }
     // Null until `MenuAbout` first opens it.
     About *aboutWindow() const { return m_about; }
 
@@ -76,6 +80,8 @@ private:
     ChildWindows *m_children;
     frmLogin *m_login;
     Allarmi *m_alarms;
+    Grafico *m_trend;
+    Storico *m_history;
     About *m_about = nullptr;
 
     QHash<QString, QAction *> m_entries;
