@@ -15,6 +15,7 @@
 #include "ui/uilog.h"
 #include "ui/windowgrab.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QDir>
@@ -48,6 +49,10 @@ int main(int argc, char *argv[])
         QStringLiteral("Avvia l'acquisizione, salva l'immagine della finestra principale in FILE ed esce."),
         QStringLiteral("FILE"));
     parser.addOption(screenshotOption);
+    const QCommandLineOption windowOption(
+        QStringLiteral("open"), QStringLiteral("Apre la finestra indicata (per esempio MenuGrafico) prima dell'immagine."),
+        QStringLiteral("MENU"));
+    parser.addOption(windowOption);
     parser.process(app);
 
     if (parser.isSet(options.simulate) && parser.isSet(options.communicate)) {
@@ -88,6 +93,8 @@ int main(int argc, char *argv[])
 
     if (parser.isSet(screenshotOption)) {
         supervisor.MenuStart();
+        if (auto *entry = window.findChild<QAction *>(parser.value(windowOption)))
+            entry->trigger();
         grabWindowLater(window, parser.value(screenshotOption), ScreenshotDelayMs);
     }
     return app.exec();

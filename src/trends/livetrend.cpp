@@ -1,5 +1,7 @@
 #include "trends/livetrend.h"
 
+#include "trends/historyrange.h"
+
 namespace telvane {
 
 LiveTrend::LiveTrend(qint64 windowMs)
@@ -17,6 +19,14 @@ void LiveTrend::roundFinished()
     dropOld();
     if (onRound)
         onRound();
+}
+
+void LiveTrend::loadLogged(const DailyLog &log, const QDateTime &now)
+{
+    m_points.clear();
+    const qint64 windowDays = m_windowMs / (24LL * 60 * 60 * 1000) + 1;
+    readDays(log, now.date().addDays(-windowDays), now.date(), m_points);
+    m_points.dropBefore(now.toMSecsSinceEpoch() - m_windowMs);
 }
 
 void LiveTrend::setWindowMs(qint64 windowMs)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "storage/dailylog.h"
 #include "supervisor/chartsink.h"
 #include "trends/trendset.h"
 
@@ -24,6 +25,10 @@ public:
     qint64 windowMs() const { return m_windowMs; }
     // Takes effect at once: a shorter window forgets what lies before it.
     void setWindowMs(qint64 windowMs);
+
+    // The window's worth of points already logged before `now`, from the day files of
+    // yesterday and today, so that a restart does not start from an empty chart.
+    void loadLogged(const DailyLog &log, const QDateTime &now);
 
     const TrendSet &points() const { return m_points; }
     void clear() { m_points.clear(); }

@@ -69,6 +69,7 @@ MainForm::MainForm(Runtime &rt, Supervisor &supervisor, Prompts &prompts, QWidge
 
     m_children->plug(m_entries.value(QStringLiteral("MenuGrafico")), m_trend);
     m_children->plug(m_entries.value(QStringLiteral("MenuStorico")), m_history);
+    m_trend->live().loadLogged(m_rt.dailyLog, m_rt.clock.now());
     m_rt.chart = &m_trend->live();
 
     connect(&m_supervisor, &Supervisor::acquisitionButtonImageChanged, this, &MainForm::showAcquisitionImage);

@@ -45,17 +45,6 @@ private slots:
         QCOMPARE(screenColor(stored), expected);
     }
 
-    // Each built-in trace colour is drawn visibly different from the others.
-    void builtInTracesAreDistinct()
-    {
-        QList<ScreenColor> seen;
-        for (quint32 stored : BuiltInTraceColors) {
-            const ScreenColor color = screenColor(stored);
-            QVERIFY2(!seen.contains(color), qPrintable(QString::number(stored, 16)));
-            seen.append(color);
-        }
-    }
-
     void valueRangeStaysWithinTheLimits_data()
     {
         QTest::addColumn<double>("wantedMin");

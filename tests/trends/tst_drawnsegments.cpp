@@ -88,13 +88,6 @@ private slots:
         QVERIFY(segments[1].front().ms >= 4010 * 1000);
         QVERIFY(total(segments) <= 4 * 202);
     }
-
-    void nothingToDraw()
-    {
-        QVERIFY(drawnSegments({}, 0, 1000, 100).empty());
-        const std::vector<TrendPoint> gapsOnly = {{0, TrendGap}, {10, TrendGap}};
-        QVERIFY(drawnSegments(gapsOnly, 0, 10, 100).empty());
-    }
 };
 
 QTEST_GUILESS_MAIN(TestDrawnSegments)

@@ -1,6 +1,8 @@
 #include "trends/livetrend.h"
 
+#include "base/clock.h"
 #include "storage/valuetables.h"
+#include "support/settingsfixture.h"
 
 #include <QTest>
 
@@ -82,18 +84,22 @@ private slots:
         QCOMPARE(live.points().trace(1).points().front().value, 90.0f);
     }
 
-    // A clock set back must not fold the line over itself; traces beyond the zones are
-    // not drawn.
-    void outOfOrderAndUnknownTracesAreIgnored()
+    // After a restart the chart starts from the last day logged, not from nothing.
+    void startsFromTheLoggedDay()
     {
+        SettingsFolder dir;
+        dir.write("Dati/2026_11_13.csv", "13/11/2026 09:00:00;1;\r\n13/11/2026 11:00:00;2;\r\n");
+        dir.write("Dati/2026_11_14.csv", "14/11/2026 08:00:00;3;\r\n");
+        const QDateTime now(QDate(2026, 11, 14), QTime(10, 0));
+        ManualClock clock(now);
         LiveTrend live;
-        live.addPoint(1, Start.addSecs(60), 1);
-        live.addPoint(1, Start, 2);
-        live.addPoint(0, Start, 3);
-        live.addPoint(31, Start, 4);
+        live.loadLogged(DailyLog(dir.folder(), clock), now);
+        const auto points = live.points().trace(1).points();
+        QCOMPARE(points.size(), 2u);
+        QCOMPARE(points[0].value, 2.0f);
+        live.addPoint(1, now, 4);
         live.roundFinished();
-        QCOMPARE(live.points().pointCount(), 1);
-        QCOMPARE(live.points().trace(1).points().front().value, 1.0f);
+        QCOMPARE(live.points().trace(1).size(), 3);
     }
 
     // What the cursor shows under the mouse: the last reading, unless the trace had a gap

@@ -28,6 +28,8 @@ void writeDay(WindowRig &rig, const QDate &date, const QByteArray &lines)
 // Shows the days as the operator would and waits for the reading to end.
 void showDays(Storico &history, const QDate &from, const QDate &to)
 {
+    // Opening the window shows today first.
+    QTRY_VERIFY(!history.loading());
     QSignalSpy shown(&history, &Storico::daysShown);
     history.showDays(from, to);
     QVERIFY(shown.wait(10000));
@@ -98,6 +100,7 @@ private slots:
         QCOMPARE(calendar.dateTextFormat(Day1).fontWeight(), int(QFont::Bold));
         QVERIFY(calendar.dateTextFormat(Day2).fontWeight() != int(QFont::Bold));
 
+        QTRY_VERIFY(!history.loading());
         QSignalSpy shown(&history, &Storico::daysShown);
         emit calendar.clicked(Day1);
         QVERIFY(shown.wait(10000));

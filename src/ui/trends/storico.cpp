@@ -134,6 +134,9 @@ void Storico::showEvent(QShowEvent *event)
     QWidget::showEvent(event);
     m_panel->applySettings();
     markDaysWithFiles();
+    // Opened for the first time: today, which is what the operator most often looks for.
+    if (!m_shown && !m_thread)
+        showDays(QDate::currentDate(), QDate::currentDate());
 }
 
 void Storico::markDaysWithFiles()
@@ -150,8 +153,11 @@ void Storico::markDaysWithFiles()
 
 void Storico::showDays(const QDate &from, const QDate &to)
 {
-    if (m_thread)
+    // One reading at a time; the last day asked for meanwhile follows.
+    if (m_thread) {
+        m_pending = {from, to};
         return;
+    }
     m_from = std::min(from, to);
     m_to = std::max(from, to);
     if (m_from.daysTo(m_to) >= MaxHistoryDays) {
@@ -208,6 +214,11 @@ void Storico::readingFinished()
     // The chart shows what was read before the message is on the screen.
     for (const QDate &date : std::as_const(damaged))
         m_prompts.warning(Title, damagedDayMessage(date));
+    if (m_pending) {
+        const auto [from, to] = *m_pending;
+        m_pending.reset();
+        showDays(from, to);
+    }
 }
 
 QString Storico::statusText() const

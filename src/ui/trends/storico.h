@@ -6,6 +6,8 @@
 #include <QWidget>
 
 #include <atomic>
+#include <optional>
+#include <utility>
 #include <memory>
 
 class QCalendarWidget;
@@ -89,6 +91,7 @@ private:
     QList<DayResult> m_results;
     std::atomic<int> m_progress{0};
     QThread *m_thread = nullptr;
+    std::optional<std::pair<QDate, QDate>> m_pending;
 };
 
 } // namespace telvane
