@@ -112,8 +112,11 @@ int main(int argc, char *argv[])
     IniStore ini(folder);
     ini.setCurrentIniName(QStringLiteral("Telvane2.ini"));
     PlantConfig plant;
-    for (int z = 0; z < Zones; ++z)
-        plant.zones.append(Zona{QStringLiteral("Zona %1").arg(z + 1)});
+    for (int z = 0; z < Zones; ++z) {
+        Zona zone;
+        zone.name = QStringLiteral("Zona %1").arg(z + 1);
+        plant.zones.append(zone);
+    }
     RecordingPrompts prompts;
 
     {

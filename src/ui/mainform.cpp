@@ -1,5 +1,6 @@
 #include "ui/mainform.h"
 
+#include "base/clock.h"
 #include "base/productinfo.h"
 #include "supervisor/runtime.h"
 #include "supervisor/supervisor.h"
