@@ -72,6 +72,8 @@ void showInWindow(Storico &history, int days)
     QObject::connect(&ticker, &QTimer::timeout, [&] {
         longestStall = std::max(longestStall, sinceTick.restart());
     });
+    while (history.loading())
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 50);
     bool shown = false;
     const auto connection = QObject::connect(&history, &Storico::daysShown, [&] { shown = true; });
     ticker.start(5);
@@ -119,21 +121,6 @@ int main(int argc, char *argv[])
     }
     RecordingPrompts prompts;
 
-    {
-        QElapsedTimer timer;
-        timer.start();
-        TrendSet set;
-        readDays(log, FirstDay, FirstDay, set);
-        std::printf("1 day read alone (no window): %lld ms\n", static_cast<long long>(timer.elapsed()));
-    }
-
-    Storico history(log, ini, plant, prompts);
-    history.resize(1280, 760);
-    history.show();
-    QCoreApplication::processEvents();
-    showInWindow(history, 1);
-    showInWindow(history, 7);
-
     // A week of rounds every five seconds into the live chart's memory.
     const long before = rssKb();
     LiveTrend live;
@@ -156,5 +143,21 @@ int main(int argc, char *argv[])
                 "%.1f MB\n",
                 static_cast<long long>(live.points().pointCount()), live.points().bytesHeld() / 1048576.0,
                 (after - before) / 1024.0);
+
+    {
+        QElapsedTimer timer;
+        timer.start();
+        TrendSet set;
+        readDays(log, FirstDay, FirstDay, set);
+        std::printf("1 day read alone (no window): %lld ms\n", static_cast<long long>(timer.elapsed()));
+    }
+
+    Storico history(log, ini, plant, prompts);
+    history.resize(1280, 760);
+    history.show();
+    QCoreApplication::processEvents();
+    showInWindow(history, 1);
+    showInWindow(history, 7);
+
     return 0;
 }

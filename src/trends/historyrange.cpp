@@ -28,14 +28,17 @@ public:
 
     void addPoint(int trace, const QDateTime &time, float value) override
     {
-        const qint64 ms = time.toMSecsSinceEpoch();
-        m_into.addPoint(trace, ms, value);
-        if (m_progress && trace == 1 && ms != m_lastMs) {
-            m_lastMs = ms;
-            const int secondOfDay = time.time().msecsSinceStartOfDay() / 1000;
-            const qint64 done = (m_dayIndex * 86400LL + secondOfDay) * 1000 / (m_dayCount * 86400LL);
-            m_progress->store(static_cast<int>(std::clamp<qint64>(done, 0, 1000)));
+        // Every line starts with trace 1 and hands the same time to each of its traces;
+        // converting a local time to milliseconds is dear, so once per line.
+        if (trace == 1 || m_lastMs < 0) {
+            m_lastMs = time.toMSecsSinceEpoch();
+            if (m_progress) {
+                const int secondOfDay = time.time().msecsSinceStartOfDay() / 1000;
+                const qint64 done = (m_dayIndex * 86400LL + secondOfDay) * 1000 / (m_dayCount * 86400LL);
+                m_progress->store(static_cast<int>(std::clamp<qint64>(done, 0, 1000)));
+            }
         }
+        m_into.addPoint(trace, m_lastMs, value);
     }
 
     void redraw() override {}
