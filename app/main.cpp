@@ -14,6 +14,7 @@
 #include "ui/splash.h"
 #include "ui/windowgrab.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QScreen>
@@ -42,6 +43,10 @@ int main(int argc, char *argv[])
     QCommandLineParser parser;
     const CommandLineOptions options;
     options.addTo(parser);
+    const QCommandLineOption windowOption(
+        QStringLiteral("open"), QStringLiteral("Apre la finestra indicata (per esempio MenuGrafico) prima dell'immagine."),
+        QStringLiteral("MENU"));
+    parser.addOption(windowOption);
     parser.process(app);
 
     if (parser.isSet(options.simulate) && parser.isSet(options.communicate)) {
@@ -84,6 +89,8 @@ int main(int argc, char *argv[])
 
     if (parser.isSet(options.screenshot)) {
         supervisor.MenuStart();
+        if (auto *entry = window.findChild<QAction *>(parser.value(windowOption)))
+            entry->trigger();
         grabWindowLater(window, parser.value(options.screenshot), ScreenshotDelayMs);
     }
     return app.exec();

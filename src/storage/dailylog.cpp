@@ -23,14 +23,41 @@ QString dailyLogPath(const ProgramFolder &folder, const QString &fileName)
     return folder.filePath(QLatin1String(DailyLogFolderName) + QLatin1Char('/') + fileName);
 }
 
+// "dd/MM/yyyy HH:mm:ss" read digit by digit: a day holds thousands of lines and the
+// general parser is slow. Anything else goes to the general parser.
+QDateTime parseLineTime(QStringView text)
+{
+    static constexpr char Shape[] = "99/99/9999 99:99:99";
+    if (text.size() == qsizetype(sizeof(Shape) - 1)) {
+        int digits[14];
+        int n = 0;
+        bool fits = true;
+        for (qsizetype i = 0; i < text.size() && fits; ++i) {
+            const char16_t c = text[i].unicode();
+            if (Shape[i] == '9') {
+                fits = c >= u'0' && c <= u'9';
+                digits[n++] = c - u'0';
+            } else {
+                fits = c == char16_t(Shape[i]);
+            }
+        }
+        if (fits) {
+            const QDate date(digits[4] * 1000 + digits[5] * 100 + digits[6] * 10 + digits[7],
+                             digits[2] * 10 + digits[3], digits[0] * 10 + digits[1]);
+            const QTime time(digits[8] * 10 + digits[9], digits[10] * 10 + digits[11], digits[12] * 10 + digits[13]);
+            return date.isValid() && time.isValid() ? QDateTime(date, time) : QDateTime();
+        }
+    }
+    return QDateTime::fromString(text.toString(), QLatin1String(DateTimeTextFormat));
+}
+
 // Hands the points of one line to the sink; false when the line is damaged.
 bool readLine(QStringView line, DailyLogSink &sink)
 {
     const qsizetype dateEnd = line.indexOf(QLatin1Char(';'));
     if (dateEnd < 0)
         return false;
-    const QDateTime time = QDateTime::fromString(line.left(dateEnd).trimmed().toString(),
-                                                 QLatin1String(DateTimeTextFormat));
+    const QDateTime time = parseLineTime(line.left(dateEnd).trimmed());
     if (!time.isValid())
         return false;
     QStringView rest = line.mid(dateEnd + 1);

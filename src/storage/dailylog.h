@@ -55,6 +55,8 @@ public:
     // ";"); the points before it stay in the sink. An empty file is read successfully.
     bool ReadDailyLog(const QString &fileName, DailyLogSink &sink) const;
 
+    const ProgramFolder &folder() const { return m_folder; }
+
 private:
     ProgramFolder m_folder;
     const Clock &m_clock;

@@ -1,5 +1,6 @@
 #include "ui/mainform.h"
 
+#include "base/clock.h"
 #include "base/productinfo.h"
 #include "supervisor/runtime.h"
 #include "supervisor/supervisor.h"
@@ -8,6 +9,8 @@
 #include "ui/childwindows.h"
 #include "ui/frmlogin.h"
 #include "ui/stagione.h"
+#include "ui/trends/grafico.h"
+#include "ui/trends/storico.h"
 #include "ui/workspace.h"
 
 #include <QAction>
@@ -47,6 +50,8 @@ MainForm::MainForm(Runtime &rt, Supervisor &supervisor, Prompts &prompts, QWidge
     , m_login(new frmLogin(rt, prompts))
     , m_alarms(new Allarmi(rt, supervisor, this))
     , m_season(new Stagione(rt, prompts))
+    , m_trend(new Grafico(rt.ini, rt.plant, [&rt] { return rt.ChartLoggingOption; }))
+    , m_history(new Storico(rt.dailyLog, rt.ini, rt.plant, prompts))
 {
     setObjectName(QStringLiteral("MainForm"));
     setWindowTitle(QLatin1String(ProductName));
@@ -67,12 +72,21 @@ MainForm::MainForm(Runtime &rt, Supervisor &supervisor, Prompts &prompts, QWidge
 
     m_children->plug(m_entries.value(QStringLiteral("MenuStagione")), m_season);
     m_season->setSendGuard([this] { return m_supervisor.MenuStagione(); });
+    m_children->plug(m_entries.value(QStringLiteral("MenuGrafico")), m_trend);
+    m_children->plug(m_entries.value(QStringLiteral("MenuStorico")), m_history);
+    m_trend->live().loadLogged(m_rt.dailyLog, m_rt.clock.now());
+    m_rt.chart = &m_trend->live();
 
     connect(&m_supervisor, &Supervisor::acquisitionButtonImageChanged, this, &MainForm::showAcquisitionImage);
     showAcquisitionImage(m_supervisor.acquisitionButtonImage());
 }
 
-MainForm::~MainForm() = default;
+MainForm::~MainForm()
+{
+    // The chart goes with the window's children, after this.
+    if (m_rt.chart == &m_trend->live())
+        m_rt.chart = nullptr;
+}
 
 QAction *MainForm::addEntry(QMenu *menu, const QString &name, const QString &text, const QString &iconName)
 {

@@ -11,8 +11,10 @@ namespace telvane {
 
 class About;
 class Allarmi;
+class Grafico;
 class ChildWindows;
 class Prompts;
+class Storico;
 class Supervisor;
 class Workspace;
 class frmLogin;
@@ -45,6 +47,8 @@ public:
     frmLogin *loginWindow() const { return m_login; }
     Allarmi *alarmsWindow() const { return m_alarms; }
     Stagione *seasonWindow() const { return m_season; }
+    Grafico *trendWindow() const { return m_trend; }
+    Storico *historyWindow() const { return m_history; }
     // Null until `MenuAbout` first opens it.
     About *aboutWindow() const { return m_about; }
 
@@ -79,6 +83,8 @@ private:
     frmLogin *m_login;
     Allarmi *m_alarms;
     Stagione *m_season;
+    Grafico *m_trend;
+    Storico *m_history;
     About *m_about = nullptr;
 
     QHash<QString, QAction *> m_entries;
