@@ -10,6 +10,7 @@
 #include "supervisor/plantsession.h"
 #include "supervisor/runtime.h"
 #include "supervisor/supervisor.h"
+#include "ui/editor/comunicazioni.h"
 #include "ui/mainform.h"
 #include "ui/splash.h"
 #include "ui/uilog.h"
@@ -19,6 +20,7 @@
 #include <QCommandLineParser>
 #include <QDir>
 #include <QScreen>
+#include <QToolButton>
 
 #include <cstdio>
 
@@ -48,6 +50,10 @@ int main(int argc, char *argv[])
         QStringLiteral("Avvia l'acquisizione, salva l'immagine della finestra principale in FILE ed esce."),
         QStringLiteral("FILE"));
     parser.addOption(screenshotOption);
+    const QCommandLineOption editorScreenshotOption(
+        QStringLiteral("screenshot-editor"),
+        QStringLiteral("Apre la finestra Comunicazioni, ne salva l'immagine in FILE ed esce."), QStringLiteral("FILE"));
+    parser.addOption(editorScreenshotOption);
     parser.process(app);
 
     if (parser.isSet(options.simulate) && parser.isSet(options.communicate)) {
@@ -83,12 +89,17 @@ int main(int argc, char *argv[])
 
     MainForm window(rt, supervisor, prompts);
     prompts.setParent(&window);
+    auto *editor = new Comunicazioni(rt, supervisor, prompts, [&session] { session.reload(); });
+    window.plugEditor(editor);
     window.resize(window.screen()->availableSize().boundedTo(QSize(1280, 800)));
     window.showMaximized();
 
     if (parser.isSet(screenshotOption)) {
         supervisor.MenuStart();
         grabWindowLater(window, parser.value(screenshotOption), ScreenshotDelayMs);
+    } else if (parser.isSet(editorScreenshotOption)) {
+        window.toolbarButton(QStringLiteral("7"))->click();
+        grabWindowLater(window, parser.value(editorScreenshotOption), ScreenshotDelayMs);
     }
     return app.exec();
 }

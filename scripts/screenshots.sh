@@ -13,4 +13,6 @@ cp -r demo/plant/. "$plant"/
 mkdir -p docs/screenshots
 xvfb-run -a -s "-screen 0 1280x800x24" \
   build/app/telvane --dir "$plant" --simulate --screenshot docs/screenshots/mainwindow.png
-echo "docs/screenshots/mainwindow.png"
+xvfb-run -a -s "-screen 0 1280x800x24" \
+  build/app/telvane --dir "$plant" --simulate --screenshot-editor docs/screenshots/comunicazioni.png
+echo "docs/screenshots/mainwindow.png docs/screenshots/comunicazioni.png"

@@ -12,6 +12,7 @@ namespace telvane {
 class About;
 class Allarmi;
 class ChildWindows;
+class Comunicazioni;
 class Prompts;
 class Supervisor;
 class Workspace;
@@ -46,6 +47,11 @@ public:
     // Null until `MenuAbout` first opens it.
     About *aboutWindow() const { return m_about; }
 
+    // Puts the configuration editor behind `MenuComunicazione`, button "7" and the
+    // schedule settings entry; the window takes it over.
+    void plugEditor(Comunicazioni *editor);
+    Comunicazioni *editorWindow() const { return m_editor; }
+
     // The captions that depend on the plant's mode ("Stagione" or "Ricette", the
     // schedule settings); again after every change of settings file.
     void applyMode();
@@ -77,6 +83,7 @@ private:
     frmLogin *m_login;
     Allarmi *m_alarms;
     About *m_about = nullptr;
+    Comunicazioni *m_editor = nullptr;
 
     QHash<QString, QAction *> m_entries;
     QHash<QString, QToolButton *> m_buttons;
