@@ -10,6 +10,7 @@
 #include "session/plantsession.h"
 #include "supervisor/runtime.h"
 #include "supervisor/supervisor.h"
+#include "ui/editor/comunicazioni.h"
 #include "ui/mainform.h"
 #include "ui/splash.h"
 #include "ui/windowgrab.h"
@@ -84,6 +85,8 @@ int main(int argc, char *argv[])
 
     MainForm window(rt, supervisor, prompts);
     prompts.setParent(&window);
+    auto *editor = new Comunicazioni(rt, supervisor, prompts, [&session] { session.reload(); });
+    window.plugEditor(editor);
     window.resize(window.screen()->availableSize().boundedTo(QSize(1280, 800)));
     window.showMaximized();
 

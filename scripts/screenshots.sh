@@ -42,3 +42,4 @@ shoot() {
 shoot mainwindow
 shoot grafico MenuGrafico
 shoot storico MenuStorico
+shoot comunicazioni MenuComunicazione

@@ -164,12 +164,13 @@ bool SaveChronoSchedule(IniStore &ini, const ChronoSchedule &schedule, const Chr
 {
     bool ok = writeScheduleFile(ini.folder(), schedule);
     ok = SaveHolidays(ini.folder(), holidays) && ok;
+    QList<IniKeyValue> flags;
     for (int zone = 0; zone < ChronoSchedule::Zones; ++zone) {
         const QString section = QStringLiteral("Zona %1").arg(zone + 1, 2, 10, QLatin1Char('0'));
-        const QString value = zoneEnabled[zone] ? QStringLiteral("1") : QStringLiteral("0");
-        ok = ini.WriteIniKey(section, QStringLiteral("Cronotermostato"), value) && ok;
+        flags.append({section, QStringLiteral("Cronotermostato"), zoneEnabled[zone] ? QStringLiteral("1")
+                                                                                     : QStringLiteral("0")});
     }
-    return ok;
+    return ini.WriteIniKeys(flags) && ok;
 }
 
 } // namespace telvane

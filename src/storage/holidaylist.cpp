@@ -20,11 +20,10 @@ void HolidayList::setEntries(const QStringList &entries)
         m_selection.setCurrentIndex(index(0), QItemSelectionModel::ClearAndSelect);
 }
 
-bool HolidayList::containsDate(const QDate &date) const
+bool HolidayList::containsDate(const QStringList &entries, const QDate &date)
 {
     if (!date.isValid())
         return false;
-    const QStringList entries = stringList();
     return std::any_of(entries.cbegin(), entries.cend(), [&date](const QString &entry) {
         return QDate::fromString(entry.trimmed(), QStringLiteral("d/M/yyyy")) == date;
     });

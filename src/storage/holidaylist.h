@@ -25,7 +25,8 @@ public:
     void setEntries(const QStringList &entries);
 
     // Entries are compared as dates, so "5/1/2026" typed by hand matches 05/01/2026.
-    bool containsDate(const QDate &date) const;
+    bool containsDate(const QDate &date) const { return containsDate(stringList(), date); }
+    static bool containsDate(const QStringList &entries, const QDate &date);
 
     QItemSelectionModel *selectionModel() { return &m_selection; }
     // -1 when nothing is selected.

@@ -179,41 +179,101 @@ QStringList IniFile::keyNames(const QString &section) const
 
 bool IniFile::setValue(const QString &section, const QString &key, const QString &value)
 {
-    const QString sectionName = section.trimmed();
-    const QString keyName = key.trimmed();
-    const QString reason = whyUnwritable(sectionName, keyName, value);
-    if (!reason.isEmpty()) {
-        qCWarning(lcStorage).noquote() << "Cannot write key" << keyName << "of section" << sectionName
-                                       << ":" << reason;
-        return false;
+    return setValues({{section, key, value}});
+}
+
+bool IniFile::setValues(const QList<IniKeyValue> &keys)
+{
+    for (const IniKeyValue &entry : keys) {
+        const QString reason = whyUnwritable(entry.section.trimmed(), entry.key.trimmed(), entry.value);
+        if (!reason.isEmpty()) {
+            qCWarning(lcStorage).noquote() << "Cannot write key" << entry.key.trimmed() << "of section"
+                                           << entry.section.trimmed() << ":" << reason;
+            return false;
+        }
     }
 
-    if (const Section *found = findSection(sectionName)) {
-        const auto entry = found->keys.constFind(keyName.toCaseFolded());
-        if (entry != found->keys.cend()) {
-            // Keep the key as the user wrote it, blanks included; only the value changes.
-            QString &line = m_lines[entry->line];
-            line = line.left(line.indexOf(QLatin1Char('=')) + 1) + value;
-            // The line stays a key line of the same name, so the index only needs the value.
-            m_sections[m_sectionIndex.value(sectionName.toCaseFolded())]
-                .keys[keyName.toCaseFolded()]
-                .value = valueAsRead(value);
-            return true;
-        }
-        qsizetype insertAt = found->headerLine + 1;
-        for (qsizetype i = found->endLine; i > found->headerLine + 1; --i) {
-            if (!QStringView(m_lines[i - 1]).trimmed().isEmpty()) {
-                insertAt = i;
-                break;
+    // Keys the file lacks, by section in order of first mention; each key once, in order
+    // of first mention, with its last value.
+    struct NewKeys
+    {
+        QString sectionName;
+        QStringList names;
+        QHash<QString, QString> values; // by case-folded name
+    };
+    QList<NewKeys> additions;
+    QHash<QString, qsizetype> additionIndex; // case-folded section -> additions index
+
+    for (const IniKeyValue &entry : keys) {
+        const QString sectionName = entry.section.trimmed();
+        const QString keyName = entry.key.trimmed();
+        const QString foldedSection = sectionName.toCaseFolded();
+        const QString foldedKey = keyName.toCaseFolded();
+        const auto section = m_sectionIndex.constFind(foldedSection);
+        if (section != m_sectionIndex.cend()) {
+            Section &found = m_sections[*section];
+            const auto existing = found.keys.find(foldedKey);
+            if (existing != found.keys.end()) {
+                // Keep the key as the user wrote it, blanks included; only the value changes.
+                QString &line = m_lines[existing->line];
+                line = line.left(line.indexOf(QLatin1Char('=')) + 1) + entry.value;
+                existing->value = valueAsRead(entry.value);
+                continue;
             }
         }
-        m_lines.insert(insertAt, keyName + QLatin1Char('=') + value);
-    } else {
-        if (!m_lines.isEmpty() && !QStringView(m_lines.last()).trimmed().isEmpty())
-            m_lines.append(QString());
-        m_lines.append(QLatin1Char('[') + sectionName + QLatin1Char(']'));
-        m_lines.append(keyName + QLatin1Char('=') + value);
+        auto slot = additionIndex.constFind(foldedSection);
+        if (slot == additionIndex.cend()) {
+            slot = additionIndex.insert(foldedSection, additions.size());
+            additions.append(NewKeys{sectionName, {}, {}});
+        }
+        NewKeys &pending = additions[*slot];
+        if (!pending.values.contains(foldedKey))
+            pending.names.append(keyName);
+        pending.values.insert(foldedKey, entry.value);
     }
+    if (additions.isEmpty())
+        return true;
+
+    const auto keyLines = [](const NewKeys &pending) {
+        QStringList lines;
+        for (const QString &name : pending.names)
+            lines.append(name + QLatin1Char('=') + pending.values.value(name.toCaseFolded()));
+        return lines;
+    };
+    // New keys of an existing section go after its last non-blank line; new sections go
+    // at the end, each after one blank line.
+    QHash<qsizetype, QStringList> insertions; // before the line of that index
+    QStringList appended;
+    for (const NewKeys &pending : additions) {
+        if (const Section *found = findSection(pending.sectionName)) {
+            qsizetype insertAt = found->headerLine + 1;
+            for (qsizetype i = found->endLine; i > found->headerLine + 1; --i) {
+                if (!QStringView(m_lines[i - 1]).trimmed().isEmpty()) {
+                    insertAt = i;
+                    break;
+                }
+            }
+            insertions[insertAt] += keyLines(pending);
+            continue;
+        }
+        const bool lastIsBlank = appended.isEmpty()
+            ? m_lines.isEmpty() || QStringView(m_lines.last()).trimmed().isEmpty()
+            : appended.last().trimmed().isEmpty();
+        if (!lastIsBlank)
+            appended.append(QString());
+        appended.append(QLatin1Char('[') + pending.sectionName + QLatin1Char(']'));
+        appended += keyLines(pending);
+    }
+    QStringList lines;
+    lines.reserve(m_lines.size() + keys.size() + 2 * additions.size());
+    for (qsizetype i = 0; i <= m_lines.size(); ++i) {
+        if (const auto inserted = insertions.constFind(i); inserted != insertions.cend())
+            lines += *inserted;
+        if (i < m_lines.size())
+            lines.append(m_lines[i]);
+    }
+    lines += appended;
+    m_lines = std::move(lines);
     index();
     return true;
 }

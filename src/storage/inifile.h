@@ -11,6 +11,16 @@
 
 namespace telvane {
 
+// One key to write: section, key and the value as text.
+struct IniKeyValue
+{
+    QString section;
+    QString key;
+    QString value;
+
+    bool operator==(const IniKeyValue &) const = default;
+};
+
 // One settings file as the Windows profile functions see it: section and key names
 // compare without regard to case, the first of two equal sections or keys is the one
 // that counts (for reading and for updating), blanks around names and values do not
@@ -43,6 +53,10 @@ public:
     // file and be read back: a line break anywhere, "]" in the section, "=" in the key,
     // an empty key, or a key starting with "[" or ";".
     bool setValue(const QString &section, const QString &key, const QString &value);
+    // The same for several keys in order (a key given twice keeps its last value), with
+    // the document indexed once at the end however many keys are new. All or nothing:
+    // false, and the document unchanged, when any one of them cannot be written.
+    bool setValues(const QList<IniKeyValue> &keys);
 
     // UTF-8, CRLF after every line.
     QByteArray toBytes() const;

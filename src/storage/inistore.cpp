@@ -24,19 +24,20 @@ QString IniStore::readKey(const QString &fileName, const QString &section, const
     return m_cache.load(pathOf(fileName))->value(section, key, defaultValue);
 }
 
-bool IniStore::writeKey(const QString &fileName, const QString &section, const QString &key,
-                        const QString &value)
+bool IniStore::writeKeys(const QString &fileName, const QList<IniKeyValue> &keys)
 {
     const QString path = pathOf(fileName);
     bool readable = true;
     const auto current = m_cache.load(path, &readable);
     if (!readable) {
-        // Writing now would replace a file we could not read with this one key.
-        qCWarning(lcStorage).noquote() << "Key" << key << "of section" << section << "not written to" << path;
+        // Writing now would replace a file we could not read with these keys alone.
+        for (const IniKeyValue &entry : keys)
+            qCWarning(lcStorage).noquote() << "Key" << entry.key << "of section" << entry.section
+                                           << "not written to" << path;
         return false;
     }
     IniFile updated = *current;
-    if (!updated.setValue(section, key, value))
+    if (!updated.setValues(keys))
         return false;
     const QByteArray bytes = updated.toBytes();
     // An editor page saves every key it shows; rewriting a file that would not change
@@ -65,12 +66,17 @@ QString IniStore::ReadIniKeyFrom(const QString &section, const QString &key, con
 
 bool IniStore::WriteModeKey(const QString &section, const QString &key, const QString &value)
 {
-    return writeKey(ModeFileName, section, key, value);
+    return writeKeys(ModeFileName, {{section, key, value}});
 }
 
 bool IniStore::WriteIniKey(const QString &section, const QString &key, const QString &value)
 {
-    return writeKey(m_currentIniName, section, key, value);
+    return writeKeys(m_currentIniName, {{section, key, value}});
+}
+
+bool IniStore::WriteIniKeys(const QList<IniKeyValue> &keys)
+{
+    return writeKeys(m_currentIniName, keys);
 }
 
 bool IniStore::EnsureFolder(const QString &name)

@@ -3,6 +3,7 @@
 #include "storage/inifilecache.h"
 #include "storage/programfolder.h"
 
+#include <QList>
 #include <QString>
 
 namespace telvane {
@@ -33,6 +34,12 @@ public:
     // previous file whole and is logged.
     bool WriteModeKey(const QString &section, const QString &key, const QString &value);
     bool WriteIniKey(const QString &section, const QString &key, const QString &value);
+    // Several keys of the current settings file in one replace of the file, in order (a
+    // key given twice keeps its last value): an editor page saves hundreds of keys, and
+    // a replace per key would cost a disk flush each. All or nothing: when one key cannot
+    // be written (see IniFile::setValue) or the file cannot be replaced, the file stays
+    // as it was.
+    bool WriteIniKeys(const QList<IniKeyValue> &keys);
 
     // Makes sure the sub-folder `name` of the program folder exists.
     bool EnsureFolder(const QString &name);
@@ -42,8 +49,7 @@ private:
     QString pathOf(const QString &fileName) const;
     QString readKey(const QString &fileName, const QString &section, const QString &key,
                     const QString &defaultValue) const;
-    bool writeKey(const QString &fileName, const QString &section, const QString &key,
-                  const QString &value);
+    bool writeKeys(const QString &fileName, const QList<IniKeyValue> &keys);
 
     ProgramFolder m_folder;
     // Reads stay cheap during a full reload; the cache checks the file on every read.

@@ -7,6 +7,7 @@
 #include "ui/about.h"
 #include "ui/allarmi.h"
 #include "ui/childwindows.h"
+#include "ui/editor/comunicazioni.h"
 #include "ui/frmlogin.h"
 #include "ui/stagione.h"
 #include "ui/trends/grafico.h"
@@ -222,6 +223,20 @@ void MainForm::buildStatusBar()
     connect(&m_rt.statusBar, &StatusBar::panelChanged, this, [this](int number, const QString &text) {
         if (QLabel *panel = statusPanel(number))
             panel->setText(text);
+    });
+}
+
+void MainForm::plugEditor(Comunicazioni *editor)
+{
+    m_editor = editor;
+    m_children->plug(m_entries.value(QStringLiteral("MenuComunicazione")), editor);
+    connect(editor, &Comunicazioni::modeChanged, this, &MainForm::applyMode);
+    QAction *schedule = m_entries.value(QStringLiteral("MenuCrono"));
+    schedule->setEnabled(true);
+    connect(schedule, &QAction::triggered, this, [this] {
+        m_children->hideAll();
+        m_children->ShowChild(m_editor, true);
+        m_editor->openSchedulePage();
     });
 }
 

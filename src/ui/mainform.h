@@ -13,6 +13,7 @@ class About;
 class Allarmi;
 class Grafico;
 class ChildWindows;
+class Comunicazioni;
 class Prompts;
 class Storico;
 class Supervisor;
@@ -52,6 +53,11 @@ public:
     // Null until `MenuAbout` first opens it.
     About *aboutWindow() const { return m_about; }
 
+    // Puts the configuration editor behind `MenuComunicazione`, button "7" and the
+    // schedule settings entry; the window takes it over.
+    void plugEditor(Comunicazioni *editor);
+    Comunicazioni *editorWindow() const { return m_editor; }
+
     // The captions that depend on the plant's mode ("Stagione" or "Ricette", the
     // schedule settings); again after every change of settings file.
     void applyMode();
@@ -86,6 +92,7 @@ private:
     Grafico *m_trend;
     Storico *m_history;
     About *m_about = nullptr;
+    Comunicazioni *m_editor = nullptr;
 
     QHash<QString, QAction *> m_entries;
     QHash<QString, QToolButton *> m_buttons;

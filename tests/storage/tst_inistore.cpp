@@ -7,6 +7,9 @@
 
 #include <QRegularExpression>
 
+#include <sys/wait.h>
+#include <unistd.h>
+
 using namespace telvane;
 
 namespace {
@@ -167,6 +170,66 @@ private slots:
         if (failure == Failure::DiskFull)
             QCOMPARE(dir.read(SettingsFolder::Industrial), old);
         QCOMPARE(store.ReadIniKey("A", "k", "default"), kept);
+    }
+
+    // Existing keys change in place, new keys join their section after its last key, a
+    // new section goes at the end, a key given twice keeps its last value; everything
+    // else of the file stays as the user left it.
+    void batchWritesEveryKeyInOneReplace()
+    {
+        SettingsFolder dir;
+        IniStore store = dir.store("; impianto\r\n[COM]\r\nPorta = 1\r\nRetry=1\r\n\r\n[Zona 01]\r\nNome=Sala\r\n");
+        const QString path = dir.path(SettingsFolder::Industrial);
+        QVERIFY(store.WriteIniKeys({{"com", "porta", "3"},
+                                    {"Zona 01", "Indirizzo", "5"},
+                                    {"Zona 02", "Nome", "Cucina"},
+                                    {"COM", "TimeOut", "400"},
+                                    {"Zona 01", "INDIRIZZO", "7"},
+                                    {"Zona 02", "Indirizzo", "6"}}));
+        QCOMPARE(dir.read(SettingsFolder::Industrial),
+                 QByteArray("; impianto\r\n[COM]\r\nPorta =3\r\nRetry=1\r\nTimeOut=400\r\n\r\n"
+                            "[Zona 01]\r\nNome=Sala\r\nIndirizzo=7\r\n\r\n[Zona 02]\r\nNome=Cucina\r\nIndirizzo=6\r\n"));
+        QCOMPARE(store.ReadIniKey("Zona 02", "Indirizzo", ""), QStringLiteral("6"));
+        QVERIFY(QFileInfo::exists(path));
+    }
+
+    void batchWithAnUnwritableKeyWritesNothing()
+    {
+        SettingsFolder dir;
+        const QByteArray old("[A]\r\nk=1\r\n");
+        IniStore store = dir.store(old);
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression("Cannot write key"));
+        QVERIFY(!store.WriteIniKeys({{"A", "k", "2"}, {"B", "x=y", "3"}}));
+        QCOMPARE(dir.read(SettingsFolder::Industrial), old);
+        QCOMPARE(store.ReadIniKey("A", "k", ""), QStringLiteral("1"));
+    }
+
+    // A process killed while it writes a big batch (here by the file-size signal, whose
+    // default action ends it on the spot) leaves the previous settings file whole.
+    void crashDuringBatchLeavesThePreviousFile()
+    {
+        SettingsFolder dir;
+        const QByteArray old("[Generale]\r\nZone=2\r\n[Zona 01]\r\nNome=Sala\r\n");
+        IniStore store = dir.store(old);
+        QList<IniKeyValue> keys;
+        for (int zone = 1; zone <= 30; ++zone)
+            for (int field = 1; field <= 20; ++field)
+                keys.append({QStringLiteral("Zona %1").arg(zone, 2, 10, QLatin1Char('0')),
+                             QStringLiteral("Campo_%1").arg(field), QStringLiteral("valore %1").arg(field)});
+        const pid_t child = fork();
+        QVERIFY(child >= 0);
+        if (child == 0) {
+            std::signal(SIGXFSZ, SIG_DFL);
+            rlimit limit{4096, 4096};
+            setrlimit(RLIMIT_FSIZE, &limit);
+            store.WriteIniKeys(keys);
+            _exit(0); // the write got through: the test fails below
+        }
+        int status = 0;
+        QCOMPARE(waitpid(child, &status, 0), child);
+        QVERIFY2(WIFSIGNALED(status) && WTERMSIG(status) == SIGXFSZ, "the writer was not killed mid-write");
+        QCOMPARE(dir.read(SettingsFolder::Industrial), old);
+        QCOMPARE(store.ReadIniKey("Zona 01", "Nome", ""), QStringLiteral("Sala"));
     }
 
     void unchangedValueIsNotRewritten()

@@ -1,0 +1,57 @@
+#pragma once
+
+#include "base/printersink.h"
+
+#include <QFont>
+#include <QPainter>
+
+#include <memory>
+
+class QPrinter;
+
+namespace telvane {
+
+// Prints on a QPrinter: a real printer or a PDF file. Text runs down the page from the
+// top margin; a line that no longer fits goes on a new page. A tab column is that many
+// average characters of the current font from the left margin.
+class QtPrinterSink final : public PrinterSink
+{
+public:
+    explicit QtPrinterSink(std::unique_ptr<QPrinter> printer);
+    ~QtPrinterSink() override;
+
+    // The system's default printer; null when the system has none.
+    static std::unique_ptr<QtPrinterSink> defaultPrinter();
+    // A PDF file at `path`, written when the document ends.
+    static std::unique_ptr<QtPrinterSink> pdfFile(const QString &path);
+
+    void setFontName(const QString &name) override;
+    void setFontSize(int points) override;
+    void setBold(bool bold) override;
+    void printLine(const QList<PrintTab> &texts) override;
+    void newPage() override;
+    void endDocument() override;
+
+    // False when the printer could not be opened or a page could not be added.
+    bool ok() const { return m_ok; }
+
+private:
+    bool begin();
+
+    std::unique_ptr<QPrinter> m_printer;
+    QPainter m_painter;
+    QFont m_font;
+    qreal m_y = 0;
+    bool m_ok = true;
+};
+
+// Where a printout goes: the default printer, or when the system has none a PDF file in
+// `folder` named after `now`; `pdfPath` is then that file's path, for telling the user.
+struct PrintTarget
+{
+    std::unique_ptr<QtPrinterSink> sink;
+    QString pdfPath;
+};
+PrintTarget openPrintTarget(const QString &folder, const QDateTime &now);
+
+} // namespace telvane

@@ -1,0 +1,118 @@
+#include "config_editor/commlists.h"
+#include "config_editor/printlayout.h"
+#include "platform/qtprintersink.h"
+
+#include <QApplication>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace telvane;
+
+namespace {
+
+const QDateTime Now(QDate(2026, 11, 23), QTime(9, 5, 7));
+
+// The PDF's text as pdftotext lays it out, one string per page.
+QStringList pdfPages(const QString &path)
+{
+    QProcess tool;
+    tool.start(QStringLiteral("pdftotext"), {QStringLiteral("-layout"), path, QStringLiteral("-")});
+    if (!tool.waitForFinished(30000) || tool.exitCode() != 0)
+        return {};
+    QStringList pages = QString::fromUtf8(tool.readAllStandardOutput()).split(QLatin1Char('\f'));
+    if (!pages.isEmpty() && pages.last().trimmed().isEmpty())
+        pages.removeLast();
+    return pages;
+}
+
+QString lineWith(const QString &page, const QString &text)
+{
+    for (const QString &line : page.split(QLatin1Char('\n'))) {
+        if (line.contains(text))
+            return line;
+    }
+    return {};
+}
+
+QString printToPdf(const QTemporaryDir &dir, const PrintJob &job)
+{
+    const QString path = dir.filePath(QStringLiteral("stampa.pdf"));
+    auto printer = QtPrinterSink::pdfFile(path);
+    playPrintJob(job, *printer);
+    return printer->ok() ? path : QString();
+}
+
+} // namespace
+
+class TestQtPrinterSink : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void commListsInColumns()
+    {
+        QTemporaryDir dir;
+        CommLists lists;
+        lists.Lst_Letture.lines = {"100>1:3,1 [1]", "100>1:3,2 [1]", "101>2:3,1 [1]"};
+        lists.Lst_Scritture.lines = {"100>1:6,2 [1]"};
+        lists.Lst_RemW.lines = {"100>1:5,9 [0]", "101>2:5,9 [0]"};
+        const QStringList pages = pdfPages(printToPdf(dir, commListsPrintJob(lists, "Telvane", Now)));
+        QCOMPARE(pages.size(), 1);
+        QVERIFY(pages[0].contains("Telvane"));
+        QVERIFY(pages[0].contains("DATA E ORA = 23/11/2026 / 09:05:07"));
+        const QString first = lineWith(pages[0], "100>1:3,1 [1]");
+        QVERIFY2(first.indexOf("100>1:3,1") < first.indexOf("100>1:6,2") && first.indexOf("100>1:6,2") < first.indexOf("100>1:5,9"),
+                 qPrintable(first));
+        // The shorter lists leave their columns blank in the later rows.
+        const QString third = lineWith(pages[0], "101>2:3,1 [1]").trimmed();
+        QCOMPARE(third, QStringLiteral("101>2:3,1 [1]"));
+        const QString second = lineWith(pages[0], "101>2:5,9 [0]");
+        QCOMPARE(second.indexOf("101>2:5,9"), first.indexOf("100>1:5,9"));
+    }
+
+    void emptyListsGiveTheHeaderAlone()
+    {
+        QTemporaryDir dir;
+        const QStringList pages = pdfPages(printToPdf(dir, commListsPrintJob(CommLists(), "Telvane", Now)));
+        QCOMPARE(pages.size(), 1);
+        const QStringList words = pages[0].simplified().split(' ');
+        QCOMPARE(words, QStringList({"Telvane", "DATA", "E", "ORA", "=", "23/11/2026", "/", "09:05:07"}));
+    }
+
+    void scheduleBreaksAt1830OnPageTwo()
+    {
+        QTemporaryDir dir;
+        ChronoPrintout schedule;
+        schedule.zone = "Zona 01";
+        schedule.dayCaptions = {"Lunedì", "Martedì", "Mercoledì", "Giovedì", "Venerdì", "Sabato", "Domenica"};
+        for (int day = 0; day < 7; ++day) {
+            QStringList lines;
+            for (int slot = 0; slot < 96; ++slot)
+                lines.append(QStringLiteral("%1:%2   %3").arg(slot / 4, 2, 10, QChar('0')).arg(slot % 4 * 15, 2, 10, QChar('0')).arg(20 + day));
+            schedule.dayLines.append(lines);
+        }
+        schedule.holidayCaption = "Festività";
+        const QStringList pages = pdfPages(printToPdf(dir, chronoSchedulePrintJob(schedule, "Telvane", Now)));
+        QCOMPARE(pages.size(), 2);
+        QVERIFY(pages[0].contains("Stampato il 23/11/2026 alle ore 09:05:07"));
+        QVERIFY(!pages[1].contains("Stampato il"));
+        // pdftotext keeps the columns and shortens the blanks inside a text.
+        const QString midnight = lineWith(pages[0], "00:00 20");
+        QVERIFY2(midnight.indexOf("00:00 20") < midnight.indexOf("00:00 23") && midnight.indexOf("00:00 23") < midnight.indexOf("00:00 26"),
+                 qPrintable(midnight));
+        QVERIFY(pages[0].contains("18:15 20"));
+        QVERIFY(!pages[0].contains("18:30"));
+        QVERIFY(pages[1].contains("IMPOSTAZIONE CRONOTERMOSTATO ZONA: Zona 01"));
+        const QString heading = lineWith(pages[1], "Lunedì");
+        QVERIFY2(heading.indexOf("Lunedì") < heading.indexOf("Domenica"), qPrintable(heading));
+        const QStringList rows = pages[1].split('\n', Qt::SkipEmptyParts);
+        QVERIFY(rows.indexOf(QRegularExpression("^\\s*18:30 20.*18:30 26\\s*$")) > rows.indexOf(QRegularExpression(".*Lunedì.*")));
+        // No holidays: the heading closes the printout.
+        QCOMPARE(rows.last().trimmed(), QStringLiteral("Festività"));
+    }
+};
+
+QTEST_MAIN(TestQtPrinterSink)
+#include "tst_qtprintersink.moc"
