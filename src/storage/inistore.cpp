@@ -24,20 +24,22 @@ QString IniStore::readKey(const QString &fileName, const QString &section, const
     return m_cache.load(pathOf(fileName))->value(section, key, defaultValue);
 }
 
-bool IniStore::writeKey(const QString &fileName, const QString &section, const QString &key,
-                        const QString &value)
+bool IniStore::writeKeys(const QString &fileName, const QString &section,
+                         const QList<std::pair<QString, QString>> &values)
 {
     const QString path = pathOf(fileName);
     bool readable = true;
     const auto current = m_cache.load(path, &readable);
     if (!readable) {
         // Writing now would replace a file we could not read with this one key.
-        qCWarning(lcStorage).noquote() << "Key" << key << "of section" << section << "not written to" << path;
+        qCWarning(lcStorage).noquote() << "Section" << section << "not written to" << path;
         return false;
     }
     IniFile updated = *current;
-    if (!updated.setValue(section, key, value))
-        return false;
+    for (const auto &[key, value] : values) {
+        if (!updated.setValue(section, key, value))
+            return false;
+    }
     const QByteArray bytes = updated.toBytes();
     // An editor page saves every key it shows; rewriting a file that would not change
     // only costs a disk flush.
@@ -65,12 +67,17 @@ QString IniStore::ReadIniKeyFrom(const QString &section, const QString &key, con
 
 bool IniStore::WriteModeKey(const QString &section, const QString &key, const QString &value)
 {
-    return writeKey(ModeFileName, section, key, value);
+    return writeKeys(ModeFileName, section, {{key, value}});
 }
 
 bool IniStore::WriteIniKey(const QString &section, const QString &key, const QString &value)
 {
-    return writeKey(m_currentIniName, section, key, value);
+    return writeKeys(m_currentIniName, section, {{key, value}});
+}
+
+bool IniStore::WriteIniKeys(const QString &section, const QList<std::pair<QString, QString>> &values)
+{
+    return writeKeys(m_currentIniName, section, values);
 }
 
 bool IniStore::EnsureFolder(const QString &name)

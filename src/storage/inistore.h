@@ -3,7 +3,10 @@
 #include "storage/inifilecache.h"
 #include "storage/programfolder.h"
 
+#include <QList>
 #include <QString>
+
+#include <utility>
 
 namespace telvane {
 
@@ -33,6 +36,9 @@ public:
     // previous file whole and is logged.
     bool WriteModeKey(const QString &section, const QString &key, const QString &value);
     bool WriteIniKey(const QString &section, const QString &key, const QString &value);
+    // Several keys of one section in a single replacement of the file: a crash leaves
+    // either all of them or none.
+    bool WriteIniKeys(const QString &section, const QList<std::pair<QString, QString>> &values);
 
     // Makes sure the sub-folder `name` of the program folder exists.
     bool EnsureFolder(const QString &name);
@@ -42,8 +48,8 @@ private:
     QString pathOf(const QString &fileName) const;
     QString readKey(const QString &fileName, const QString &section, const QString &key,
                     const QString &defaultValue) const;
-    bool writeKey(const QString &fileName, const QString &section, const QString &key,
-                  const QString &value);
+    bool writeKeys(const QString &fileName, const QString &section,
+                   const QList<std::pair<QString, QString>> &values);
 
     ProgramFolder m_folder;
     // Reads stay cheap during a full reload; the cache checks the file on every read.
