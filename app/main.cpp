@@ -5,6 +5,7 @@
 #include "platform/eventlooppause.h"
 #include "platform/messageboxprompts.h"
 #include "platform/qserialline.h"
+#include "platform/qtcamera.h"
 #include "platform/qtsoundplayer.h"
 #include "storage/programfolder.h"
 #include "supervisor/plantsession.h"
@@ -15,6 +16,7 @@
 #include "ui/uilog.h"
 #include "ui/windowgrab.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QDir>
@@ -81,12 +83,16 @@ int main(int argc, char *argv[])
     supervisor.setCommunicateWithInstruments(communicate);
     session.startUp();
 
-    MainForm window(rt, supervisor, prompts);
+    QtCamera camera;
+    MainForm window(rt, supervisor, prompts, camera);
     prompts.setParent(&window);
     window.resize(window.screen()->availableSize().boundedTo(QSize(1280, 800)));
     window.showMaximized();
 
     if (parser.isSet(screenshotOption)) {
+        // The synoptic is what the operators look at all day.
+        if (QAction *synoptic = window.findChild<QAction *>(QStringLiteral("MenuSinottico")))
+            synoptic->trigger();
         supervisor.MenuStart();
         grabWindowLater(window, parser.value(screenshotOption), ScreenshotDelayMs);
     }

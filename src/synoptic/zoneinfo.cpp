@@ -4,16 +4,16 @@
 
 namespace telvane {
 
-ZoneInfo zoneInfo(const PlantConfig &plant, int zone, const ZoneInfoFlags &flags)
+ZoneInfo zoneInfo(const PlantConfig &plant, const SynopticFields &fields, int zone, const ZoneInfoFlags &flags)
 {
     ZoneInfo info;
     if (zone < 0 || zone >= plant.zoneCount())
         return info;
     info.name = plant.zones[zone].name;
     for (int field = 0; field < SynopticFieldCount; ++field) {
-        const QString &caption = plant.fields.names[field];
+        const QString &caption = fields.names[field];
         if (!caption.isEmpty())
-            info.fields.append({caption, plant.fields.values[zone][field]});
+            info.fields.append({caption, fields.values[zone][field]});
     }
     info.imgCR = flags.inAlarm;
     info.imgMS = flags.remote == RemoteState::Unknown;

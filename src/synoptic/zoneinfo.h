@@ -10,6 +10,7 @@
 namespace telvane {
 
 struct PlantConfig;
+struct SynopticFields;
 
 // What decides the state pictures of a zone's information panel.
 struct ZoneInfoFlags
@@ -37,7 +38,8 @@ struct ZoneInfo
     bool imgCro = false;     // follows the chrono-thermostat
 };
 
-ZoneInfo zoneInfo(const PlantConfig &plant, int zone, const ZoneInfoFlags &flags);
+// `fields` as the synoptic loads them for the plant's zones.
+ZoneInfo zoneInfo(const PlantConfig &plant, const SynopticFields &fields, int zone, const ZoneInfoFlags &flags);
 
 // The same fields as one text: the zone's name, then a line per named field in the
 // form "[caption]: value".

@@ -11,8 +11,10 @@ namespace telvane {
 
 class About;
 class Allarmi;
+class Camera;
 class ChildWindows;
 class Prompts;
+class Sinottico;
 class Supervisor;
 class Workspace;
 class frmLogin;
@@ -32,17 +34,20 @@ class MainForm final : public QMainWindow
     Q_OBJECT
 
 public:
-    MainForm(Runtime &rt, Supervisor &supervisor, Prompts &prompts, QWidget *parent = nullptr);
+    MainForm(Runtime &rt, Supervisor &supervisor, Prompts &prompts, Camera &camera, QWidget *parent = nullptr);
     ~MainForm() override;
 
     // The toolbar button with `key`; null for "6" (a separator) and unknown keys.
     QToolButton *toolbarButton(const QString &key) const;
     // Panel 1 to 4 of the status bar.
     QLabel *statusPanel(int number) const;
+    // The serial port's state, kept in sight while panel 1 names the user.
+    QLabel *portLabel() const { return m_portLabel; }
 
     ChildWindows &childWindows() { return *m_children; }
     frmLogin *loginWindow() const { return m_login; }
     Allarmi *alarmsWindow() const { return m_alarms; }
+    Sinottico *synopticWindow() const { return m_synoptic; }
     // Null until `MenuAbout` first opens it.
     About *aboutWindow() const { return m_about; }
 
@@ -69,6 +74,10 @@ private:
     void MenuFine();
     void MenuAbout();
     void MenuErroriCOM();
+    void showAlarms();
+    void placeAlarmsWindow();
+    void showTitle();
+    void panelOneChanged(const QString &text);
 
     Runtime &m_rt;
     Supervisor &m_supervisor;
@@ -76,12 +85,15 @@ private:
     ChildWindows *m_children;
     frmLogin *m_login;
     Allarmi *m_alarms;
+    Sinottico *m_synoptic;
     About *m_about = nullptr;
 
     QHash<QString, QAction *> m_entries;
     QHash<QString, QToolButton *> m_buttons;
     QToolButton *m_acquisitionButton = nullptr;
     QList<QLabel *> m_panels;
+    QLabel *m_portLabel = nullptr;
+    QString m_portText;
     bool m_exitAccepted = false;
 };
 

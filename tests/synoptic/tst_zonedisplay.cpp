@@ -51,7 +51,7 @@ private slots:
         plant.fields.values[1] = {QStringLiteral("24,3 m²"), QStringLiteral("hidden"), QStringLiteral("2"), QString(),
                                   QString()};
 
-        const ZoneInfo info = zoneInfo(plant, 1, {});
+        const ZoneInfo info = zoneInfo(plant, plant.fields, 1, {});
         QCOMPARE(info.name, QStringLiteral("Cucina"));
         const QList<std::pair<QString, QString>> expected{{QStringLiteral("Superficie"), QStringLiteral("24,3 m²")},
                                                           {QStringLiteral("Radiatori"), QStringLiteral("2")},
@@ -59,7 +59,7 @@ private slots:
         QCOMPARE(info.fields, expected);
         QCOMPARE(zoneFieldsText(info),
                  QStringLiteral("Cucina\n [Superficie]: 24,3 m²\n [Radiatori]: 2\n [Note]: "));
-        QCOMPARE(zoneInfo(plant, 2, {}).name, QString());
+        QCOMPARE(zoneInfo(plant, plant.fields, 2, {}).name, QString());
     }
 
     // Exactly one mode picture per remote state.
@@ -83,7 +83,7 @@ private slots:
         plant.zones = {Zona{}};
         ZoneInfoFlags flags;
         flags.remote = remote;
-        const ZoneInfo info = zoneInfo(plant, 0, flags);
+        const ZoneInfo info = zoneInfo(plant, plant.fields, 0, flags);
         QCOMPARE(info.imgMS, ms);
         QCOMPARE(info.imgMS_M, msM);
         QCOMPARE(info.imgMS_S, msS);
@@ -116,7 +116,7 @@ private slots:
         flags.masterSlaveZone = zoneFlag;
         flags.masterOption = option;
         flags.role = role;
-        const ZoneInfo info = zoneInfo(plant, 0, flags);
+        const ZoneInfo info = zoneInfo(plant, plant.fields, 0, flags);
         QCOMPARE(info.imgMaster, master);
         QCOMPARE(info.imgSlave, slave);
     }
