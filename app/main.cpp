@@ -4,6 +4,7 @@
 #include "base/clock.h"
 #include "platform/eventlooppause.h"
 #include "platform/messageboxprompts.h"
+#include "platform/qtcamera.h"
 #include "platform/termiosline.h"
 #include "platform/qtsoundplayer.h"
 #include "storage/programfolder.h"
@@ -83,7 +84,8 @@ int main(int argc, char *argv[])
     supervisor.setCommunicateWithInstruments(communicate);
     session.startUp();
 
-    MainForm window(rt, supervisor, prompts);
+    QtCamera camera;
+    MainForm window(rt, supervisor, prompts, camera);
     prompts.setParent(&window);
     auto *editor = new Comunicazioni(rt, supervisor, prompts, [&session] { session.reload(); });
     window.plugEditor(editor);
@@ -92,7 +94,9 @@ int main(int argc, char *argv[])
 
     if (parser.isSet(options.screenshot)) {
         supervisor.MenuStart();
-        if (auto *entry = window.findChild<QAction *>(parser.value(windowOption)))
+        // Without --open, the synoptic: what the operators look at all day.
+        const QString entryName = parser.isSet(windowOption) ? parser.value(windowOption) : QStringLiteral("MenuSinottico");
+        if (auto *entry = window.findChild<QAction *>(entryName))
             entry->trigger();
         grabWindowLater(window, parser.value(options.screenshot), ScreenshotDelayMs);
     }

@@ -6,6 +6,8 @@
 #include <QList>
 #include <QString>
 
+#include <utility>
+
 namespace telvane {
 
 // Single keys of the program's settings files, with the semantics of the Windows

@@ -13,6 +13,7 @@
 #include <QLabel>
 #include <QListView>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QTableView>
 #include <QVBoxLayout>
 
@@ -83,6 +84,10 @@ Allarmi::Allarmi(Runtime &rt, Supervisor &supervisor, QWidget *parent)
     m_table->horizontalHeader()->setStretchLastSection(true);
     m_table->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
     m_table->horizontalHeader()->setSectionResizeMode(CommErrorTable::LastFailureColumn, QHeaderView::Stretch);
+    // A technician reads a plant's worth of items without scrolling.
+    m_table->setMinimumHeight(m_table->horizontalHeader()->sizeHint().height()
+                              + VisibleRows * m_table->verticalHeader()->defaultSectionSize()
+                              + 2 * m_table->frameWidth());
 
     auto *acknowledge = new QPushButton(QStringLiteral("&Riconosci"), m_diagnostics);
     acknowledge->setObjectName(QStringLiteral("Cmd_Riconosci"));
@@ -126,6 +131,7 @@ Allarmi::Allarmi(Runtime &rt, Supervisor &supervisor, QWidget *parent)
 void Allarmi::showCommErrors(bool privileged)
 {
     m_errors->refresh();
+    fitColumns();
     const CommSettings &comm = m_rt.editor.comm;
     QString line = QStringLiteral("Linea: ") + (comm.portAvailable ? comm.statusText : QStringLiteral("Nessuna COM"));
     if (!m_rt.master.communicate())
@@ -138,6 +144,16 @@ void Allarmi::showCommErrors(bool privileged)
     show();
     raise();
     activateWindow();
+}
+
+// Wide enough that no column, the last reason included, is cut.
+void Allarmi::fitColumns()
+{
+    QHeaderView *header = m_table->horizontalHeader();
+    int width = 2 * m_table->frameWidth() + m_table->verticalScrollBar()->sizeHint().width();
+    for (int column = 0; column < m_errors->columnCount(); ++column)
+        width += std::max(header->sectionSizeHint(column), static_cast<QAbstractItemView *>(m_table)->sizeHintForColumn(column));
+    m_table->setMinimumWidth(width);
 }
 
 void Allarmi::setPrivileged(bool privileged)

@@ -27,6 +27,9 @@ class Allarmi final : public QWidget
     Q_OBJECT
 
 public:
+    // Rows of the communication-error table in sight without scrolling.
+    static constexpr int VisibleRows = 15;
+
     Allarmi(Runtime &rt, Supervisor &supervisor, QWidget *parent = nullptr);
 
     // `MenuErroriCOM`: shows the window with the diagnostics for a privileged user.
@@ -42,6 +45,7 @@ protected:
 
 private:
     void Cmd_ChiudiClick();
+    void fitColumns();
 
     const Runtime &m_rt;
     Supervisor &m_supervisor;

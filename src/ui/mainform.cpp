@@ -12,6 +12,7 @@
 #include "ui/stagione.h"
 #include "ui/trends/grafico.h"
 #include "ui/trends/storico.h"
+#include "ui/synoptic/sinottico.h"
 #include "ui/workspace.h"
 
 #include <QAction>
@@ -34,15 +35,23 @@ QIcon icon(const QString &name)
     return QIcon(QStringLiteral(":/icons/%1.svg").arg(name));
 }
 
-QIcon acquisitionIcon(int image)
+QIcon acquisitionIcon(int image, bool alarm)
 {
+    if (alarm)
+        return icon(QStringLiteral("allarme-attivo"));
     return icon(image == Supervisor::AcquiringImage ? QStringLiteral("acquisizione-attiva")
                                                     : QStringLiteral("acquisizione-standby"));
 }
 
+// Keys of their own: F5 and Shift+F5 as in most programs that start and stop something,
+// Ctrl+L for the login; the toolbar's buttons and the menus' Alt letters keep theirs.
+const QKeySequence StartKey(Qt::Key_F5);
+const QKeySequence StopKey(Qt::SHIFT | Qt::Key_F5);
+const QKeySequence LoginKey(Qt::CTRL | Qt::Key_L);
+
 } // namespace
 
-MainForm::MainForm(Runtime &rt, Supervisor &supervisor, Prompts &prompts, QWidget *parent)
+MainForm::MainForm(Runtime &rt, Supervisor &supervisor, Prompts &prompts, Camera &camera, QWidget *parent)
     : QMainWindow(parent)
     , m_rt(rt)
     , m_supervisor(supervisor)
@@ -53,6 +62,7 @@ MainForm::MainForm(Runtime &rt, Supervisor &supervisor, Prompts &prompts, QWidge
     , m_season(new Stagione(rt, prompts))
     , m_trend(new Grafico(rt.ini, rt.plant, [&rt] { return rt.ChartLoggingOption; }))
     , m_history(new Storico(rt.dailyLog, rt.ini, rt.plant, prompts))
+    , m_synoptic(new Sinottico(synopticSources(rt), supervisor, camera))
 {
     setObjectName(QStringLiteral("MainForm"));
     setWindowTitle(QLatin1String(ProductName));
@@ -77,9 +87,12 @@ MainForm::MainForm(Runtime &rt, Supervisor &supervisor, Prompts &prompts, QWidge
     m_children->plug(m_entries.value(QStringLiteral("MenuStorico")), m_history);
     m_trend->live().loadLogged(m_rt.dailyLog, m_rt.clock.now());
     m_rt.chart = &m_trend->live();
+    m_synoptic->attachFrame(m_children->plug(m_entries.value(QStringLiteral("MenuSinottico")), m_synoptic));
 
     connect(&m_supervisor, &Supervisor::acquisitionButtonImageChanged, this, &MainForm::showAcquisitionImage);
     showAcquisitionImage(m_supervisor.acquisitionButtonImage());
+    connect(&m_supervisor, &Supervisor::acquisitionStateChanged, this, &MainForm::showTitle);
+    showTitle();
 }
 
 MainForm::~MainForm()
@@ -110,24 +123,30 @@ void MainForm::buildMenus()
     QMenu *file = menuBar()->addMenu(QStringLiteral("&File"));
     file->setObjectName(QStringLiteral("MenuFile"));
     QAction *login = addEntry(file, QStringLiteral("MenuLogin"), QStringLiteral("&Login..."), QStringLiteral("login"));
+    login->setShortcut(LoginKey);
     addSeparator(file, QStringLiteral("MenuNullF0"));
     connect(addEntry(file, QStringLiteral("MenuFine"), QStringLiteral("&Fine")), &QAction::triggered, this,
             &MainForm::MenuFine);
 
     QMenu *acquisition = menuBar()->addMenu(QStringLiteral("&Acquisizione"));
     acquisition->setObjectName(QStringLiteral("MenuAcquisizione"));
-    connect(addEntry(acquisition, QStringLiteral("MenuStart"), QStringLiteral("&Start"),
-                     QStringLiteral("acquisizione-attiva")),
-            &QAction::triggered, &m_supervisor, &Supervisor::MenuStart);
-    connect(addEntry(acquisition, QStringLiteral("MenuStop"), QStringLiteral("S&top"),
-                     QStringLiteral("acquisizione-standby")),
-            &QAction::triggered, &m_supervisor, &Supervisor::MenuStop);
+    QAction *start = addEntry(acquisition, QStringLiteral("MenuStart"), QStringLiteral("&Start"),
+                              QStringLiteral("acquisizione-attiva"));
+    start->setShortcut(StartKey);
+    connect(start, &QAction::triggered, &m_supervisor, &Supervisor::MenuStart);
+    QAction *stop = addEntry(acquisition, QStringLiteral("MenuStop"), QStringLiteral("S&top"),
+                             QStringLiteral("acquisizione-standby"));
+    stop->setShortcut(StopKey);
+    connect(stop, &QAction::triggered, &m_supervisor, &Supervisor::MenuStop);
     connect(addEntry(acquisition, QStringLiteral("MenuRileggi"), QStringLiteral("&Rileggi")), &QAction::triggered,
             &m_supervisor, &Supervisor::MenuRileggi);
     addSeparator(acquisition, QStringLiteral("MenuNullF1"));
     connect(addEntry(acquisition, QStringLiteral("MenuErroriCOM"), QStringLiteral("&Errori di comunicazione..."),
                      QStringLiteral("allarmi")),
             &QAction::triggered, this, &MainForm::MenuErroriCOM);
+    connect(addEntry(acquisition, QStringLiteral("MenuAllarmi"), QStringLiteral("&Allarmi..."),
+                     QStringLiteral("allarme-attivo")),
+            &QAction::triggered, this, &MainForm::showAlarms);
 
     QMenu *functions = menuBar()->addMenu(QStringLiteral("F&unzioni"));
     functions->setObjectName(QStringLiteral("MenuFunzioni"));
@@ -166,6 +185,8 @@ void MainForm::buildToolbar()
     toolbar->setMovable(false);
     toolbar->setIconSize(QSize(32, 32));
     toolbar->setToolButtonStyle(Qt::ToolButtonTextUnderIcon);
+    // Reachable with Tab, and plainly marked when they have the focus.
+    toolbar->setStyleSheet(QStringLiteral("QToolButton:focus { border: 2px solid #1f5f8b; border-radius: 4px; }"));
 
     const std::pair<const char *, const char *> buttons[] = {
         {"1", "MenuLogin"}, {"2", "MenuSinottico"}, {"3", "MenuGrafico"}, {"4", "MenuStorico"}, {"5", "MenuStagione"},
@@ -180,6 +201,7 @@ void MainForm::buildToolbar()
         toolbar->addAction(entry);
         auto *button = qobject_cast<QToolButton *>(toolbar->widgetForAction(entry));
         button->setObjectName(QStringLiteral("Button%1").arg(QLatin1String(key)));
+        button->setFocusPolicy(Qt::TabFocus);
         m_buttons.insert(QLatin1String(key), button);
     }
     // The login button reads better as what it does than as the menu's "Login...".
@@ -201,6 +223,7 @@ void MainForm::buildToolbar()
     m_acquisitionButton->setMenu(acquisitionMenu);
     m_acquisitionButton->setPopupMode(QToolButton::MenuButtonPopup);
     m_acquisitionButton->setAutoRaise(true);
+    m_acquisitionButton->setFocusPolicy(Qt::TabFocus);
     connect(m_acquisitionButton, &QToolButton::clicked, this, &MainForm::acquisitionButtonClicked);
     toolbar->addWidget(m_acquisitionButton);
     m_buttons.insert(QStringLiteral("8"), m_acquisitionButton);
@@ -220,9 +243,18 @@ void MainForm::buildStatusBar()
         bar->addWidget(panel, number == 4 ? 1 : 0);
         m_panels.append(panel);
     }
+    m_portLabel = new QLabel(bar);
+    m_portLabel->setObjectName(QStringLiteral("Lab_Porta"));
+    m_portLabel->setFrameStyle(QFrame::Panel | QFrame::Sunken);
+    m_portLabel->setContentsMargins(4, 0, 4, 0);
+    m_portLabel->setToolTip(QStringLiteral("Porta seriale"));
+    bar->addPermanentWidget(m_portLabel);
+    panelOneChanged(m_rt.statusBar.panel(StatusBar::PortPanel));
     connect(&m_rt.statusBar, &StatusBar::panelChanged, this, [this](int number, const QString &text) {
         if (QLabel *panel = statusPanel(number))
             panel->setText(text);
+        if (number == StatusBar::PortPanel)
+            panelOneChanged(text);
     });
 }
 
@@ -238,6 +270,25 @@ void MainForm::plugEditor(Comunicazioni *editor)
         m_children->ShowChild(m_editor, true);
         m_editor->openSchedulePage();
     });
+}
+
+// Panel 1 shows the port, until a login writes the user there: from then on the port's
+// state stays readable at the right end of the bar, so a Start that cannot open the port
+// is not a mystery.
+void MainForm::panelOneChanged(const QString &text)
+{
+    if (!text.startsWith(QLatin1String("Utente:")))
+        m_portText = text;
+    m_portLabel->setText(QStringLiteral("Porta: ") + (m_portText.isEmpty() ? QStringLiteral("Nessuna COM") : m_portText));
+    m_portLabel->setVisible(text != m_portText);
+}
+
+void MainForm::showTitle()
+{
+    const QString product = QLatin1String(ProductName);
+    setWindowTitle(m_supervisor.CommunicateWithInstruments()
+                       ? product
+                       : product + QStringLiteral(" - SIMULAZIONE (strumenti simulati)"));
 }
 
 void MainForm::applyMode()
@@ -281,10 +332,16 @@ void MainForm::acquisitionMenuTriggered(QAction *entry)
         MenuErroriCOM();
 }
 
+// While an alarm blinks, the standby phase shows the red alarm picture instead: the
+// button then alternates between "alarm" and "acquiring", which no one takes for the
+// flicker of a poll. The fast blink before the automatic start keeps the plain pictures.
 void MainForm::showAcquisitionImage(int image)
 {
-    m_acquisitionButton->setIcon(acquisitionIcon(image));
+    const bool alarm = m_supervisor.AlarmBlinkActive() && m_supervisor.AlarmPending() && m_supervisor.AcquisitionRunning()
+                       && image == Supervisor::StandbyImage;
+    m_acquisitionButton->setIcon(acquisitionIcon(image, alarm));
     m_acquisitionButton->setProperty("image", image);
+    m_acquisitionButton->setProperty("alarmPicture", alarm);
     m_acquisitionButton->setToolTip(m_supervisor.AcquisitionRunning()
                                         ? QStringLiteral("Acquisizione in corso: errori di comunicazione")
                                         : QStringLiteral("Avvia l'acquisizione"));
@@ -297,7 +354,28 @@ void MainForm::userChanged()
 
 void MainForm::MenuErroriCOM()
 {
+    showAlarms();
+}
+
+void MainForm::showAlarms()
+{
+    if (!m_alarms->isVisible())
+        placeAlarmsWindow();
     m_alarms->showCommErrors(m_rt.user.hasCommandRights());
+}
+
+// Beside the content, at the workspace's top right: the menus and the toolbar stay free.
+// As tall as it needs for its rows, but never past the main window's bottom when the
+// workspace has room for it.
+void MainForm::placeAlarmsWindow()
+{
+    const QRect content(m_workspace->mapToGlobal(QPoint(0, 0)), m_workspace->size());
+    m_alarms->ensurePolished();
+    QSize size = m_alarms->sizeHint().expandedTo(m_alarms->minimumSizeHint());
+    size.setWidth(std::min(size.width(), content.width()));
+    m_alarms->resize(size);
+    const QSize frame = m_alarms->frameGeometry().size().expandedTo(size);
+    m_alarms->move(content.left() + std::max(0, content.width() - frame.width()), content.top());
 }
 
 void MainForm::MenuAbout()
@@ -325,6 +403,7 @@ void MainForm::closeEvent(QCloseEvent *event)
         return;
     }
     m_exitAccepted = true;
+    m_synoptic->stopCamera();
     m_alarms->hide();
     event->accept();
     QCoreApplication::quit();

@@ -12,10 +12,12 @@ namespace telvane {
 class About;
 class Allarmi;
 class Grafico;
+class Camera;
 class ChildWindows;
 class Comunicazioni;
 class Prompts;
 class Storico;
+class Sinottico;
 class Supervisor;
 class Workspace;
 class frmLogin;
@@ -36,13 +38,15 @@ class MainForm final : public QMainWindow
     Q_OBJECT
 
 public:
-    MainForm(Runtime &rt, Supervisor &supervisor, Prompts &prompts, QWidget *parent = nullptr);
+    MainForm(Runtime &rt, Supervisor &supervisor, Prompts &prompts, Camera &camera, QWidget *parent = nullptr);
     ~MainForm() override;
 
     // The toolbar button with `key`; null for "6" (a separator) and unknown keys.
     QToolButton *toolbarButton(const QString &key) const;
     // Panel 1 to 4 of the status bar.
     QLabel *statusPanel(int number) const;
+    // The serial port's state, kept in sight while panel 1 names the user.
+    QLabel *portLabel() const { return m_portLabel; }
 
     ChildWindows &childWindows() { return *m_children; }
     frmLogin *loginWindow() const { return m_login; }
@@ -50,6 +54,7 @@ public:
     Stagione *seasonWindow() const { return m_season; }
     Grafico *trendWindow() const { return m_trend; }
     Storico *historyWindow() const { return m_history; }
+    Sinottico *synopticWindow() const { return m_synoptic; }
     // Null until `MenuAbout` first opens it.
     About *aboutWindow() const { return m_about; }
 
@@ -81,6 +86,10 @@ private:
     void MenuFine();
     void MenuAbout();
     void MenuErroriCOM();
+    void showAlarms();
+    void placeAlarmsWindow();
+    void showTitle();
+    void panelOneChanged(const QString &text);
 
     Runtime &m_rt;
     Supervisor &m_supervisor;
@@ -91,6 +100,7 @@ private:
     Stagione *m_season;
     Grafico *m_trend;
     Storico *m_history;
+    Sinottico *m_synoptic;
     About *m_about = nullptr;
     Comunicazioni *m_editor = nullptr;
 
@@ -98,6 +108,8 @@ private:
     QHash<QString, QToolButton *> m_buttons;
     QToolButton *m_acquisitionButton = nullptr;
     QList<QLabel *> m_panels;
+    QLabel *m_portLabel = nullptr;
+    QString m_portText;
     bool m_exitAccepted = false;
 };
 

@@ -5,8 +5,13 @@
 #include "ui/allarmi.h"
 #include "ui/childwindows.h"
 #include "ui/frmlogin.h"
+#include "ui/synoptic/sinottico.h"
 
 #include <QAction>
+#include <QApplication>
+#include <QHeaderView>
+#include <QLabel>
+#include <QTableView>
 #include <QLoggingCategory>
 #include <QTest>
 #include <QToolButton>
@@ -50,7 +55,7 @@ private slots:
         QCOMPARE(rig.panel(2), Standby);
         QCOMPARE(rig.acquisitionImage(), Supervisor::StandbyImage);
         QCOMPARE(rig.button(QStringLiteral("5"))->text(), cells[1]);
-        QVERIFY(!rig.entry(QStringLiteral("MenuSinottico"))->isEnabled());
+        QVERIFY(!rig.entry(QStringLiteral("MenuGrafico"))->isEnabled());
     }
 
     // The menu bar and button "8"'s drop-down give the same commands.
@@ -149,16 +154,15 @@ private slots:
     {
         WindowRig rig;
         rig.startUp();
-        QWidget synoptic;
+        QWidget *synoptic = rig.window->synopticWindow();
         QWidget trend;
-        rig.window->childWindows().plug(rig.entry(QStringLiteral("MenuSinottico")), &synoptic);
         rig.window->childWindows().plug(rig.entry(QStringLiteral("MenuGrafico")), &trend);
         QWidget *login = rig.window->loginWindow();
         // Shown, ticked and (for the first two) held down, as "login synoptic trend" flags.
         const auto state = [&] {
             QString shown, ticked, held;
             const char *entries[] = {"MenuLogin", "MenuSinottico", "MenuGrafico"};
-            const QWidget *windows[] = {login, &synoptic, &trend};
+            const QWidget *windows[] = {login, synoptic, &trend};
             for (int i = 0; i < 3; ++i) {
                 shown += windows[i]->isVisible() ? '1' : '0';
                 ticked += rig.entry(QLatin1String(entries[i]))->isChecked() ? '1' : '0';
@@ -205,6 +209,94 @@ private slots:
         QCOMPARE(rig.panel(4), QString());
         QCOMPARE(rig.acquisitionImage(), Supervisor::AcquiringImage);
         QCOMPARE(supervisor.Timer_Lampeggio().interval(), 700); // an alarm's pace from now on
+    }
+
+    // The blink of an alarm alternates the red alarm picture with the acquiring one.
+    void alarmBlinkShowsTheAlarmPicture()
+    {
+        WindowRig rig;
+        rig.startUp();
+        rig.plant.rt.plant.switches.resize(1);
+        for (int failure = 0; failure < 6; ++failure)
+            rig.plant.rt.alarms.ReportSwitchFailure(0);
+        rig.clickButton(QStringLiteral("8"));
+        QVERIFY(rig.supervisor.AlarmBlinkActive());
+        QToolButton *button = rig.button(QStringLiteral("8"));
+        QList<bool> alarmPictures;
+        for (int tick = 0; tick < 4; ++tick) {
+            rig.supervisor.Timer_LampeggioTick();
+            alarmPictures.append(button->property("alarmPicture").toBool());
+        }
+        QCOMPARE(alarmPictures, (QList<bool>{true, false, true, false}));
+        rig.chooseFromAcquisitionButton(QStringLiteral("Stop"));
+        QVERIFY(!button->property("alarmPicture").toBool());
+    }
+
+    void portStateStaysInSightAfterALogin()
+    {
+        WindowRig rig;
+        rig.startUp();
+        QLabel *port = rig.window->portLabel();
+        QVERIFY(!port->isVisible()); // panel 1 shows it
+        rig.plant.rt.statusBar.setPanel(StatusBar::PortPanel, QStringLiteral("Utente: Tecnico"));
+        QCOMPARE(rig.panel(1), QStringLiteral("Utente: Tecnico"));
+        QVERIFY(port->isVisible());
+        QCOMPARE(port->text(), QStringLiteral("Porta: COM1:9600,N,8,1"));
+        rig.plant.rt.statusBar.setPanel(StatusBar::PortPanel, QStringLiteral("Nessuna COM"));
+        QVERIFY(!port->isVisible());
+        rig.plant.rt.statusBar.setPanel(StatusBar::PortPanel, QStringLiteral("Utente: Anonimo"));
+        QCOMPARE(port->text(), QStringLiteral("Porta: Nessuna COM"));
+    }
+
+    void simulationInTheTitle()
+    {
+        WindowRig rig;
+        rig.supervisor.setCommunicateWithInstruments(false);
+        rig.startUp();
+        QVERIFY(rig.window->windowTitle().contains(QStringLiteral("SIMULAZIONE")));
+        rig.supervisor.setCommunicateWithInstruments(true);
+        rig.chooseFromAcquisitionButton(QStringLiteral("Start"));
+        QVERIFY(!rig.window->windowTitle().contains(QStringLiteral("SIMULAZIONE")));
+    }
+
+    void keysForStartStopAndLogin()
+    {
+        WindowRig rig;
+        rig.startUp();
+        QApplication::setActiveWindow(rig.window.get());
+        QVERIFY(QTest::qWaitForWindowActive(rig.window.get()));
+        QTest::keyClick(rig.window.get(), Qt::Key_F5);
+        QCOMPARE(rig.panel(2), Acquiring);
+        QTest::keyClick(rig.window.get(), Qt::Key_F5, Qt::ShiftModifier);
+        QCOMPARE(rig.panel(2), Standby);
+        QTest::keyClick(rig.window.get(), Qt::Key_L, Qt::ControlModifier);
+        QVERIFY(rig.window->loginWindow()->isVisible());
+        // The toolbar's buttons take the focus from the keyboard.
+        QCOMPARE(rig.button(QStringLiteral("2"))->focusPolicy(), Qt::TabFocus);
+    }
+
+    // Beside the content, never over the menus and the toolbar; fifteen rows and every
+    // column whole for a technician.
+    void alarmsWindowBesideTheContent()
+    {
+        WindowRig rig;
+        rig.startUp();
+        rig.plant.login(true, false);
+        rig.chooseMenuEntry(QStringLiteral("MenuAcquisizione"), QStringLiteral("MenuAllarmi"));
+        Allarmi *alarms = rig.window->alarmsWindow();
+        QVERIFY(alarms->isVisible());
+        const QWidget *workspace = rig.window->centralWidget();
+        const QRect content(workspace->mapToGlobal(QPoint(0, 0)), workspace->size());
+        QVERIFY2(alarms->frameGeometry().top() >= content.top(), "over the menus or the toolbar");
+        QVERIFY(alarms->frameGeometry().left() >= content.left());
+        auto *table = alarms->findChild<QTableView *>(QStringLiteral("Tab_ErroriCOM"));
+        QVERIFY(table->isVisible());
+        QVERIFY2(table->viewport()->height() >= 15 * table->verticalHeader()->defaultSectionSize(),
+                 qPrintable(QString::number(table->viewport()->height())));
+        QHeaderView *header = table->horizontalHeader();
+        for (int column = 0; column < header->count(); ++column)
+            QVERIFY2(header->sectionSize(column) >= header->sectionSizeHint(column),
+                     qPrintable(table->model()->headerData(column, Qt::Horizontal).toString()));
     }
 };
 

@@ -39,7 +39,7 @@ WindowRig::~WindowRig() = default;
 void WindowRig::startUp()
 {
     supervisor.startUp();
-    window = std::make_unique<MainForm>(plant.rt, supervisor, prompts);
+    window = std::make_unique<MainForm>(plant.rt, supervisor, prompts, camera);
     window->resize(1024, 700);
     window->show();
 }

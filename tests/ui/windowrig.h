@@ -2,6 +2,7 @@
 
 #include "supervisor/plantrig.h"
 
+#include "base/camera.h"
 #include "base/prompts.h"
 #include "supervisor/supervisor.h"
 #include "ui/mainform.h"
@@ -44,6 +45,7 @@ public:
 
     PlantRig plant;
     RecordingPrompts prompts;
+    RecordingCamera camera;
     Supervisor supervisor;
     std::unique_ptr<MainForm> window;
 };

@@ -1,0 +1,400 @@
+#include "windowrig.h"
+
+#include "storage/inistore.h"
+#include "supervisor/measurementacquisition.h"
+#include "supervisor/runtime.h"
+#include "ui/synoptic/buttonitem.h"
+#include "ui/synoptic/leditem.h"
+#include "ui/synoptic/panelitem.h"
+#include "ui/synoptic/sinottico.h"
+#include "ui/synoptic/switchitem.h"
+#include "ui/synoptic/webcampanel.h"
+#include "ui/synoptic/zonemarkeritem.h"
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QMouseEvent>
+#include <QGraphicsView>
+#include <QImage>
+#include <QLabel>
+#include <QLoggingCategory>
+#include <QMdiArea>
+#include <QMdiSubWindow>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTest>
+
+using namespace telvane;
+
+namespace {
+
+// A plan of 600 x 400 pixels: 9000 x 6000 twips.
+constexpr int PlanWidthTwips = 9000;
+constexpr int PlanHeightTwips = 6000;
+
+const QByteArray Plant = "[Generale]\r\nZone=2\r\nZone Testo=1\r\nInterruttori=2\r\nLED=1\r\nApriporta=1\r\nWebcam=1\r\n"
+                         "[Sinottico]\r\nImmagine=plan.png\r\nCampo_1=Superficie\r\n"
+                         "[Zona 01]\r\nNome=Soggiorno\r\nIndirizzo=1\r\nDecimali=1\r\nPV_r=3,1\r\nSP_r=3,2\r\n"
+                         "X=1500\r\nY=900\r\nCampo_1=30 m²\r\n"
+                         "[Zona 02]\r\nNome=Cucina\r\nIndirizzo=2\r\nDecimali=1\r\nPV_r=3,1\r\nSP_r=3,2\r\n"
+                         "X=4500\r\nY=3000\r\n"
+                         "[Interruttore 01]\r\nNome=Pompa\r\nX=6000\r\nY=600\r\n"
+                         "[Interruttore 02]\r\nNome=Luci\r\nX=6000\r\nY=1500\r\n"
+                         "[LED 01]\r\nNome=Caldaia\r\nIndirizzo=5\r\nP1_r=3,1\r\nVal=1\r\nCol=4\r\nX=7500\r\nY=600\r\n"
+                         "[Apriporta]\r\nNome=Cancello\r\nX=600\r\nY=4500\r\n"
+                         "[Webcam]\r\nNome=Ingresso\r\nX=3000\r\nY=4500\r\n";
+
+} // namespace
+
+class TestSinottico : public QObject
+{
+    Q_OBJECT
+
+    std::unique_ptr<WindowRig> rig;
+    Sinottico *synoptic = nullptr;
+
+    Runtime &rt() { return rig->plant.rt; }
+    QGraphicsView *view() { return synoptic->view(); }
+    QString key(const QString &section, const QString &name) { return rt().ini.ReadIniKey(section, name, QString()); }
+
+    // Where `itemPoint` of `item` is on the screen, in the view's viewport.
+    QPoint at(const QGraphicsItem *item, QPointF itemPoint)
+    {
+        return view()->mapFromScene(item->mapToScene(itemPoint));
+    }
+    QPoint centreOf(const QGraphicsItem *item) { return at(item, item->boundingRect().center()); }
+
+    void click(QPoint where, Qt::MouseButton button = Qt::LeftButton)
+    {
+        QTest::mouseClick(view()->viewport(), button, {}, where);
+    }
+    // Press, release, the double-click and its release, as the platform reports a
+    // double-click.
+    void doubleClick(QPoint where)
+    {
+        QWidget *viewport = view()->viewport();
+        const QPoint global = viewport->mapToGlobal(where);
+        for (QEvent::Type type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease, QEvent::MouseButtonDblClick,
+                                  QEvent::MouseButtonRelease}) {
+            const Qt::MouseButtons held = type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton;
+            QMouseEvent event(type, where, global, Qt::LeftButton, held, Qt::NoModifier);
+            QApplication::sendEvent(viewport, &event);
+        }
+    }
+    // Press, a few steps of movement, release: as a hand drags.
+    void drag(QPoint from, QPoint to, Qt::MouseButton button)
+    {
+        QWidget *viewport = view()->viewport();
+        QTest::mousePress(viewport, button, {}, from);
+        for (int step = 1; step <= 4; ++step)
+            QTest::mouseMove(viewport, from + (to - from) * step / 4);
+        QTest::mouseRelease(viewport, button, {}, to);
+    }
+
+private slots:
+    void initTestCase() { QLoggingCategory::setFilterRules(QStringLiteral("telvane.*.debug=false")); }
+
+    void init()
+    {
+        rig = std::make_unique<WindowRig>();
+        rig->plant.writeFile(QStringLiteral("Telvane2.ini"), Plant);
+        QImage plan(600, 400, QImage::Format_RGB32);
+        plan.fill(Qt::white);
+        QVERIFY(plan.save(rig->plant.dir.filePath(QStringLiteral("plan.png"))));
+        rig->startUp();
+        rig->window->resize(1280, 900);
+        rig->clickButton(QStringLiteral("2"));
+        synoptic = rig->window->synopticWindow();
+        QVERIFY(synoptic->isVisible());
+        QVERIFY(QTest::qWaitForWindowExposed(rig->window.get()));
+    }
+    void cleanup() { rig.reset(); }
+
+    void itemsStandWhereStored()
+    {
+        QCOMPARE(synoptic->planRect(), QRectF(0, 0, PlanWidthTwips, PlanHeightTwips));
+        QCOMPARE(synoptic->zoneMarker(0)->pos(), QPointF(1500, 900));
+        QCOMPARE(synoptic->zoneMarker(1)->pos(), QPointF(4500, 3000));
+        QCOMPARE(synoptic->switchItem(1)->pos(), QPointF(6000, 1500));
+        QCOMPARE(synoptic->ledItem(0)->pos(), QPointF(7500, 600));
+        QCOMPARE(synoptic->ledItem(0)->colour(), 4);
+        QCOMPARE(synoptic->doorButton()->pos(), QPointF(600, 4500));
+        QCOMPARE(synoptic->webcamButton()->pos(), QPointF(3000, 4500));
+        QVERIFY(!synoptic->zoneMarker(2));
+        // 15 twips a pixel on the screen: the two markers lie 200 pixels apart across.
+        QCOMPARE(centreOf(synoptic->zoneMarker(1)).x() - centreOf(synoptic->zoneMarker(0)).x(), 200);
+    }
+
+    void smallestSizeAndCentring()
+    {
+        QMdiSubWindow *frame = qobject_cast<QMdiSubWindow *>(synoptic->parentWidget());
+        QVERIFY(frame);
+        const QSize workspace = frame->mdiArea()->viewport()->size();
+        frame->resize(300, 200);
+        QCOMPARE(frame->size(), QSize(813, 638)); // 12195 x 9570 twips
+        QCOMPARE(frame->pos(), QPoint((workspace.width() - 813) / 2, (workspace.height() - 638) / 2));
+        frame->resize(900, 700);
+        QCOMPARE(frame->pos(), QPoint((workspace.width() - 900) / 2, (workspace.height() - 700) / 2));
+        // The plan, smaller than the window, sits in its middle.
+        const QPoint planCentre = view()->mapFromScene(synoptic->planRect().center());
+        const QPoint viewCentre = view()->viewport()->rect().center();
+        QVERIFY2((planCentre - viewCentre).manhattanLength() <= 2, "plan not centred in the window");
+
+        frame->showMaximized();
+        QCOMPARE(frame->geometry(), QRect(QPoint(0, 0), workspace));
+    }
+
+    void zoneTextsFollowTheReadingsAndStop()
+    {
+        rig->plant.setValue(1, 3, 1, 215); // PV 21.5
+        rig->plant.setValue(1, 3, 2, 200); // SP 20.0
+        rig->supervisor.MenuStart();
+        ZoneMarkerItem *living = synoptic->zoneMarker(0);
+        QCOMPARE(living->labTempText(), QStringLiteral("20.0 °C"));
+        QCOMPARE(living->labTemp1Text(), QStringLiteral("21.5 °C"));
+        // Zone 2's instrument does not answer.
+        QCOMPARE(synoptic->zoneMarker(1)->labTempText(), QStringLiteral("--.-"));
+
+        rig->supervisor.MenuStop();
+        QCOMPARE(living->labTempText(), QStringLiteral("--.-"));
+        QCOMPARE(living->labTemp1Text(), QStringLiteral("--.-"));
+    }
+
+    void onlyChangedItemsRepaint()
+    {
+        rig->plant.setValue(1, 3, 2, 200);
+        rig->supervisor.MenuStart();
+        emit rt().synoptic.zoneTextsChanged();
+        QCOMPARE(synoptic->lastRepaints(), 0);
+        rt().values.zoneValue(1, ZoneQuantity::SP) = 18.5f;
+        emit rt().synoptic.zoneTextsChanged();
+        QCOMPARE(synoptic->lastRepaints(), 1);
+        QCOMPARE(synoptic->zoneMarker(1)->labTempText(), QStringLiteral("18.5 °C"));
+    }
+
+    void switchAndLampPictures()
+    {
+        SwitchItem *pump = synoptic->switchItem(0);
+        QCOMPARE(pump->visiblePicture(), QStringLiteral("Img_ind"));
+        rt().items.switches[0] = SwitchState::On;
+        rt().items.switches[1] = SwitchState::Off;
+        rt().items.leds[0].lit = true;
+        emit rt().synoptic.switchStatesChanged();
+        emit rt().synoptic.ledLampsChanged();
+        QCOMPARE(pump->visiblePicture(), QStringLiteral("Img_on"));
+        QCOMPARE(synoptic->switchItem(1)->visiblePicture(), QStringLiteral("Img_off"));
+        QVERIFY(synoptic->ledItem(0)->isLit());
+
+        rig->supervisor.MenuStop();
+        QCOMPARE(pump->visiblePicture(), QStringLiteral("Img_ind"));
+        QVERIFY(!synoptic->ledItem(0)->isLit());
+    }
+
+    // Until the commands are wired, the clicks are what leaves the window.
+    void clicksGiveTheOperatorsCommands()
+    {
+        QSignalSpy on(synoptic, &Sinottico::switchOnImageClicked);
+        QSignalSpy off(synoptic, &Sinottico::switchOffImageClicked);
+        QSignalSpy door(synoptic, &Sinottico::doorOpenerClicked);
+        QSignalSpy value(synoptic, &Sinottico::zoneValueDoubleClicked);
+        rt().items.switches[0] = SwitchState::On;
+        rt().items.switches[1] = SwitchState::Off;
+        emit rt().synoptic.switchStatesChanged();
+
+        click(centreOf(synoptic->switchItem(0)));
+        click(centreOf(synoptic->switchItem(1)));
+        rt().items.switches[0] = SwitchState::Undetermined;
+        emit rt().synoptic.switchStatesChanged();
+        click(centreOf(synoptic->switchItem(0)));
+        QCOMPARE(on.count(), 1);
+        QCOMPARE(on.at(0).at(0).toInt(), 0);
+        QCOMPARE(off.count(), 1);
+        QCOMPARE(off.at(0).at(0).toInt(), 1);
+
+        click(centreOf(synoptic->doorButton()));
+        QCOMPARE(door.count(), 1);
+
+        ZoneMarkerItem *living = synoptic->zoneMarker(0);
+        doubleClick(at(living, living->labTempRect().center()));
+        QCOMPARE(value.count(), 1);
+        QCOMPARE(value.at(0).at(0).toInt(), 0);
+        QCOMPARE(value.at(0).at(1).toString(), QStringLiteral("--.-"));
+        // The second label sets nothing.
+        doubleClick(at(living, living->labTemp1Rect().center()));
+        QCOMPARE(value.count(), 1);
+    }
+
+    void rightDragPlacesForServiceUsersOnly_data()
+    {
+        QTest::addColumn<bool>("technician");
+        QTest::addColumn<bool>("administrator");
+        QTest::addColumn<int>("button");
+        QTest::addColumn<bool>("moves");
+        QTest::newRow("administrator, right") << false << true << int(Qt::RightButton) << true;
+        QTest::newRow("administrator, left") << false << true << int(Qt::LeftButton) << false;
+        QTest::newRow("technician, right") << true << false << int(Qt::RightButton) << false;
+        QTest::newRow("anonymous, right") << false << false << int(Qt::RightButton) << false;
+    }
+    void rightDragPlacesForServiceUsersOnly()
+    {
+        QFETCH(bool, technician);
+        QFETCH(bool, administrator);
+        QFETCH(int, button);
+        QFETCH(bool, moves);
+        rig->plant.login(technician, administrator);
+        ZoneMarkerItem *living = synoptic->zoneMarker(0);
+        const QPoint from = at(living, living->markerRect().center());
+
+        drag(from, from + QPoint(100, 40), Qt::MouseButton(button));
+
+        const QPointF expected = moves ? QPointF(1500 + 1500, 900 + 600) : QPointF(1500, 900);
+        QCOMPARE(living->pos(), expected);
+        QCOMPARE(key(QStringLiteral("Zona 01"), QStringLiteral("X")), QString::number(int(expected.x())));
+        QCOMPARE(key(QStringLiteral("Zona 01"), QStringLiteral("Y")), QString::number(int(expected.y())));
+    }
+
+    // Every kind of item moves the same way and writes its own keys.
+    void everyItemIsPlaced()
+    {
+        rig->plant.login(false, true);
+        const QPoint step(20, 10); // 300 x 150 twips
+        drag(centreOf(synoptic->switchItem(1)), centreOf(synoptic->switchItem(1)) + step, Qt::RightButton);
+        drag(centreOf(synoptic->ledItem(0)), centreOf(synoptic->ledItem(0)) + step, Qt::RightButton);
+        drag(centreOf(synoptic->doorButton()), centreOf(synoptic->doorButton()) + step, Qt::RightButton);
+        drag(centreOf(synoptic->webcamButton()), centreOf(synoptic->webcamButton()) + step, Qt::RightButton);
+        QCOMPARE(key(QStringLiteral("Interruttore 02"), QStringLiteral("X")), QStringLiteral("6300"));
+        QCOMPARE(key(QStringLiteral("Interruttore 02"), QStringLiteral("Y")), QStringLiteral("1650"));
+        QCOMPARE(key(QStringLiteral("LED 01"), QStringLiteral("X")), QStringLiteral("7800"));
+        QCOMPARE(key(QStringLiteral("Apriporta"), QStringLiteral("Y")), QStringLiteral("4650"));
+        QCOMPARE(key(QStringLiteral("Webcam"), QStringLiteral("X")), QStringLiteral("3300"));
+
+        // The information panel writes its zone's "Info_" keys.
+        click(at(synoptic->zoneMarker(1), synoptic->zoneMarker(1)->markerRect().center()));
+        PanelItem *info = synoptic->infoPanel();
+        QVERIFY(info->isVisible());
+        QCOMPARE(info->pos(), QPointF(300, 300));
+        const QPoint grip = at(info, QPointF(4, 4));
+        drag(grip, grip + step, Qt::RightButton);
+        QCOMPARE(key(QStringLiteral("Zona 02"), QStringLiteral("Info_X")), QStringLiteral("600"));
+        QCOMPARE(key(QStringLiteral("Zona 02"), QStringLiteral("Info_Y")), QStringLiteral("450"));
+        QCOMPARE(key(QStringLiteral("Zona 02"), QStringLiteral("X")), QStringLiteral("4500"));
+    }
+
+    void dragStopsAtThePlansEdge()
+    {
+        rig->plant.login(false, true);
+        ZoneMarkerItem *kitchen = synoptic->zoneMarker(1);
+        const QPoint from = at(kitchen, kitchen->markerRect().center());
+        drag(from, from + QPoint(2000, 2000), Qt::RightButton);
+        const QSizeF size = kitchen->sceneBoundingRect().size();
+        const QPointF edge(PlanWidthTwips - std::floor(size.width()), PlanHeightTwips - std::floor(size.height()));
+        QVERIFY2(qAbs(kitchen->pos().x() - edge.x()) <= 1 && qAbs(kitchen->pos().y() - edge.y()) <= 1,
+                 qPrintable(QStringLiteral("at %1,%2").arg(kitchen->pos().x()).arg(kitchen->pos().y())));
+        QCOMPARE(key(QStringLiteral("Zona 02"), QStringLiteral("X")), QString::number(int(kitchen->pos().x())));
+        drag(at(kitchen, kitchen->markerRect().center()), QPoint(-500, -500), Qt::RightButton);
+        QCOMPARE(kitchen->pos(), QPointF(0, 0));
+        QCOMPARE(key(QStringLiteral("Zona 02"), QStringLiteral("Y")), QStringLiteral("0"));
+    }
+
+    void informationPanel()
+    {
+        QVERIFY(rt().ini.WriteIniKeys({{QStringLiteral("Zona 01"), QStringLiteral("Info_X"), QStringLiteral("2400")},
+                                       {QStringLiteral("Zona 01"), QStringLiteral("Info_Y"), QStringLiteral("1200")}}));
+        ZoneMarkerItem *living = synoptic->zoneMarker(0);
+        click(at(living, living->markerRect().center()));
+        PanelItem *info = synoptic->infoPanel();
+        QVERIFY(info->isVisible());
+        QCOMPARE(info->pos(), QPointF(2400, 1200));
+        QWidget *panel = info->widget();
+        QCOMPARE(panel->findChild<QLabel *>(QStringLiteral("Lab_Nome"))->text(), QStringLiteral("Soggiorno"));
+        QCOMPARE(panel->findChild<QLabel *>(QStringLiteral("Campo_1_nome"))->text(), QStringLiteral("Superficie:"));
+        QCOMPARE(panel->findChild<QLabel *>(QStringLiteral("Campo_1"))->text(), QStringLiteral("30 m²"));
+
+        auto *close = panel->findChild<QPushButton *>(QStringLiteral("Cmd_Chiudi"));
+        click(at(info, close->geometry().center()));
+        QVERIFY(!info->isVisible());
+        QVERIFY(synoptic->infoPanelClosed());
+    }
+
+    void webcamWithoutACamera()
+    {
+        rig->camera.failure = QStringLiteral("Nessuna telecamera collegata.");
+        click(centreOf(synoptic->webcamButton()));
+        PanelItem *panelItem = synoptic->webcamPanelItem();
+        QVERIFY(panelItem->isVisible());
+        QCOMPARE(panelItem->pos(), QPointF(300, 300));
+        WebcamPanel *panel = synoptic->webcamPanel();
+        QCOMPARE(panel->findChild<QLabel *>(QStringLiteral("Lab_Nome_WC"))->text(), QStringLiteral("Ingresso"));
+        QCOMPARE(panel->statusText(), QStringLiteral("Nessuna telecamera collegata."));
+        QCOMPARE(rig->camera.starts, 1);
+
+        // The rest of the plan goes on working.
+        QSignalSpy door(synoptic, &Sinottico::doorOpenerClicked);
+        click(centreOf(synoptic->doorButton()));
+        QCOMPARE(door.count(), 1);
+
+        auto *audio = panel->findChild<QCheckBox *>(QStringLiteral("Chk_Audio"));
+        click(at(panelItem, QPoint(audio->geometry().left() + 8, audio->geometry().center().y())));
+        QVERIFY(rig->camera.audio);
+        auto *close = panel->findChild<QPushButton *>(QStringLiteral("Cmd_ChiudiWC"));
+        click(at(panelItem, close->geometry().center()));
+        QVERIFY(!panelItem->isVisible());
+        QVERIFY(!rig->camera.isActive());
+        QCOMPARE(rig->camera.stops, 1);
+    }
+
+    void staleMarkersAndTheirAge()
+    {
+        rig->plant.setValue(1, 3, 2, 200);
+        rig->plant.setValue(2, 3, 2, 190);
+        rig->supervisor.MenuStart();
+        ZoneMarkerItem *living = synoptic->zoneMarker(0);
+        QVERIFY(living->toolTip().contains(QStringLiteral("Ultima lettura valida: 14/11/2026 22:20:")));
+        QVERIFY(!living->isStale());
+
+        // The kitchen keeps answering, the living room goes silent.
+        rig->plant.slaves.remove(1);
+        for (int round = 0; round < 3; ++round) {
+            rig->plant.clock.advance(60000);
+            ReadAllMeasurements(rt());
+        }
+        synoptic->refreshStaleness();
+        QVERIFY(living->isStale());
+        QVERIFY(!synoptic->zoneMarker(1)->isStale());
+        QVERIFY(living->toolTip().contains(QStringLiteral("Ultima lettura valida: 14/11/2026 22:20:")));
+
+        rig->supervisor.MenuStop();
+        QVERIFY(!living->isStale());
+    }
+
+    void simulationIsShown()
+    {
+        auto *banner = synoptic->findChild<QLabel *>(QStringLiteral("Lab_Simulazione"));
+        QVERIFY(!banner->isVisible());
+        rig->supervisor.setCommunicateWithInstruments(false);
+        rig->supervisor.MenuStart();
+        QVERIFY(banner->isVisible());
+        QVERIFY(synoptic->parentWidget()->windowTitle().contains(QStringLiteral("SIMULAZIONE")));
+    }
+
+    // Fitting changes what a pixel is worth, never what is stored.
+    void fitToWindowStillStoresTwips()
+    {
+        rig->plant.login(false, true);
+        auto *fit = synoptic->findChild<QCheckBox *>(QStringLiteral("Chk_Adatta"));
+        fit->setChecked(true);
+        const QRect planOnScreen = view()->mapFromScene(synoptic->planRect()).boundingRect();
+        QVERIFY2(planOnScreen.width() > 600 || planOnScreen.height() > 400, "the plan was not enlarged");
+        const double twipsPerPixel = PlanWidthTwips / double(planOnScreen.width());
+
+        ZoneMarkerItem *living = synoptic->zoneMarker(0);
+        const QPoint from = at(living, living->markerRect().center());
+        drag(from, from + QPoint(100, 0), Qt::RightButton);
+        QVERIFY2(qAbs(living->pos().x() - (1500 + 100 * twipsPerPixel)) <= twipsPerPixel,
+                 qPrintable(QString::number(living->pos().x())));
+        QCOMPARE(key(QStringLiteral("Zona 01"), QStringLiteral("X")), QString::number(int(living->pos().x())));
+    }
+};
+
+QTEST_MAIN(TestSinottico)
+#include "tst_sinottico.moc"
