@@ -14,6 +14,7 @@
 #include "ui/editor/comunicazioni.h"
 #include "ui/mainform.h"
 #include "ui/splash.h"
+#include "ui/synoptic/synopticcommands.h"
 #include "ui/windowgrab.h"
 
 #include <QAction>
@@ -89,6 +90,7 @@ int main(int argc, char *argv[])
     prompts.setParent(&window);
     auto *editor = new Comunicazioni(rt, supervisor, prompts, [&session] { session.reload(); });
     window.plugEditor(editor);
+    connectSynopticCommands(*window.synopticWindow(), session.commands());
     window.resize(window.screen()->availableSize().boundedTo(QSize(1280, 800)));
     window.showMaximized();
 

@@ -7,7 +7,6 @@
 #include "storage/valueconversion.h"
 
 #include <algorithm>
-#include <cmath>
 
 namespace telvane {
 
@@ -33,18 +32,18 @@ QStringList TryInstrument(ModbusMaster &master, const PageModel &page, const QSt
                 lines.append(label + QStringLiteral(": registro non valido, non letto"));
             continue;
         }
-        const qint32 value = master.ReadRegister(key->functionCode, key->registerNumber, *address);
-        if (master.ExceptionFlag()) {
-            lines.append(label + QStringLiteral(": lo strumento risponde con l'eccezione %1").arg(value));
+        const BusOutcome outcome = master.read(key->functionCode, key->registerNumber, *address);
+        if (outcome.result == BusResult::Exception) {
+            lines.append(label + QStringLiteral(": lo strumento risponde con l'eccezione %1").arg(outcome.exceptionCode));
             continue;
         }
-        if (value == ModbusMaster::InvalidValue) {
-            const QString why = master.failureDescription().trimmed();
+        if (!outcome.answered()) {
+            const QString why = outcome.reason().trimmed();
             lines.append(label + QStringLiteral(": nessuna risposta valida") + (why.isEmpty() ? QString() : QStringLiteral(" (%1)").arg(why)));
             continue;
         }
         const int shown = key->functionCode <= 2 ? 0 : decimals;
-        lines.append(label + QStringLiteral(": ") + FormatDecimal(float(value) / float(std::pow(10.0, shown)), shown).trimmed());
+        lines.append(label + QStringLiteral(": ") + FormatDecimal(float(registerToValue(outcome.value, shown)), shown).trimmed());
     }
     if (lines.isEmpty())
         lines.append(QStringLiteral("%1: nessun registro da leggere").arg(section));

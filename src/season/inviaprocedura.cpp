@@ -41,17 +41,19 @@ void sendWrite(ModbusMaster &master, const RecipeRow &row, RowOutcome &outcome, 
         outcome.status = RowOutcome::Status::NoInstrument;
         return;
     }
-    outcome.echo = master.WriteRegister(row.functionCode, row.address, row.value, row.slave);
-    if (outcome.echo == ModbusMaster::InvalidValue || !sameWord(outcome.echo, row.value)) {
+    const BusOutcome written = master.write(row.functionCode, row.address, row.value, row.slave);
+    outcome.echo = written.value;
+    if (!written.answered() || !sameWord(outcome.echo, row.value)) {
         outcome.status = RowOutcome::Status::NotAcknowledged;
-        outcome.reason = master.failureDescription();
+        outcome.reason = written.reason();
         return;
     }
     if (options.verifyReadBack && row.kind == RecipeRow::Kind::WriteRegister) {
-        outcome.readBack = master.ReadRegister(3, row.address, row.slave);
-        if (outcome.readBack == ModbusMaster::InvalidValue || !sameWord(outcome.readBack, row.value)) {
+        const BusOutcome readBack = master.read(3, row.address, row.slave);
+        outcome.readBack = readBack.value;
+        if (!readBack.answered() || !sameWord(outcome.readBack, row.value)) {
             outcome.status = RowOutcome::Status::Mismatch;
-            outcome.reason = master.failureDescription();
+            outcome.reason = readBack.reason();
             return;
         }
     }

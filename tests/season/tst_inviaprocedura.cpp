@@ -109,7 +109,7 @@ private slots:
     {
         QTest::addColumn<int>("echo"); // -1: the slave stays silent
         QTest::addColumn<QString>("reason");
-        QTest::newRow("no answer") << -1 << " Time out";
+        QTest::newRow("no answer") << -1 << "Time out";
         QTest::newRow("echo of another value") << 259 << "";
     }
     void stopsAtFailedRow()

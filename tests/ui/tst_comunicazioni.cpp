@@ -1,6 +1,6 @@
 #include "windowrig.h"
 
-#include "supervisor/plantsession.h"
+#include "session/plantsession.h"
 #include "ui/editor/chronopage.h"
 #include "ui/editor/comunicazioni.h"
 #include "ui/editor/fieldpage.h"
