@@ -19,47 +19,47 @@ QStringList numbers(int from, int to, int step = 1)
 FieldSpec field(const QString &section, const QString &key, const QString &defaultValue, FieldKind kind,
                 const QString &label, const QString &control = QString())
 {
-    FieldSpec spec;
-    spec.section = section;
-    spec.key = key;
-    spec.defaultValue = defaultValue;
-    spec.kind = kind;
-    spec.label = label;
-    spec.control = control;
-    return spec;
+    FieldSpec definition;
+    definition.section = section;
+    definition.key = key;
+    definition.defaultValue = defaultValue;
+    definition.kind = kind;
+    definition.label = label;
+    definition.control = control;
+    return definition;
 }
 
 FieldSpec choice(const QString &section, const QString &key, const QString &defaultValue, const QString &label,
                  const QString &control, const QStringList &choices, const QStringList &values = {})
 {
-    FieldSpec spec = field(section, key, defaultValue, FieldKind::Choice, label, control);
-    spec.choices = choices;
-    spec.choiceValues = values;
-    return spec;
+    FieldSpec definition = field(section, key, defaultValue, FieldKind::Choice, label, control);
+    definition.choices = choices;
+    definition.choiceValues = values;
+    return definition;
 }
 
 FieldSpec flag(const QString &section, const QString &key, const QString &label, const QString &control,
                FlagReading reading = FlagReading::NonZeroNumber)
 {
-    FieldSpec spec = field(section, key, QStringLiteral("0"), FieldKind::Flag, label, control);
-    spec.flagReading = reading;
-    return spec;
+    FieldSpec definition = field(section, key, QStringLiteral("0"), FieldKind::Flag, label, control);
+    definition.flagReading = reading;
+    return definition;
 }
 
 FieldSpec count(const QString &key, int maximum, const QString &label)
 {
-    FieldSpec spec = field(General, key, QStringLiteral("0"), FieldKind::Count, label, QStringLiteral("Txt_") + key);
-    spec.maximum = maximum;
-    return spec;
+    FieldSpec definition = field(General, key, QStringLiteral("0"), FieldKind::Count, label, QStringLiteral("Txt_") + key);
+    definition.maximum = maximum;
+    return definition;
 }
 
 // The serial combos take a typed value too: a plant may name its port by device.
 FieldSpec rs232Choice(const QString &key, const QString &defaultValue, const QString &label, const QString &control,
                       const QStringList &choices)
 {
-    FieldSpec spec = choice(QStringLiteral("COM"), key, defaultValue, label, control, choices);
-    spec.editableChoice = true;
-    return spec;
+    FieldSpec definition = choice(QStringLiteral("COM"), key, defaultValue, label, control, choices);
+    definition.editableChoice = true;
+    return definition;
 }
 
 const QStringList Quantities{QStringLiteral("PV"), QStringLiteral("SP"), QStringLiteral("AL1"), QStringLiteral("AL2"),

@@ -22,10 +22,10 @@ QStringList TryInstrument(ModbusMaster &master, const PageModel &page, const QSt
     QStringList lines;
     for (int i = 0; i < page.fieldCount(); ++i) {
         const PageModel::Field &field = page.field(i);
-        if (field.spec.kind != FieldKind::ReadRegister
-            || field.spec.section.compare(section, Qt::CaseInsensitive) != 0)
+        if (field.definition.kind != FieldKind::ReadRegister
+            || field.definition.section.compare(section, Qt::CaseInsensitive) != 0)
             continue;
-        const QString label = QStringLiteral("%1 (%2)").arg(field.spec.label, field.text.trimmed());
+        const QString label = QStringLiteral("%1 (%2)").arg(field.definition.label, field.text.trimmed());
         const std::optional<RegisterKey> key = parseRegisterKey(field.text);
         if (!key || !page.problem(i).isEmpty()) {
             if (!field.text.trimmed().isEmpty())

@@ -35,12 +35,12 @@ QString registerProblem(const QString &text, std::initializer_list<int> codes, c
 }
 
 // The numbers an editable choice of numbers accepts: the range of its items.
-QString numberChoiceProblem(const FieldSpec &spec, const QString &text)
+QString numberChoiceProblem(const FieldSpec &definition, const QString &text)
 {
-    bool allNumbers = !spec.choices.isEmpty();
+    bool allNumbers = !definition.choices.isEmpty();
     int low = INT_MAX;
     int high = INT_MIN;
-    for (const QString &item : spec.choices) {
+    for (const QString &item : definition.choices) {
         bool ok = false;
         const int value = item.toInt(&ok);
         allNumbers = allNumbers && ok;
@@ -54,30 +54,30 @@ QString numberChoiceProblem(const FieldSpec &spec, const QString &text)
 
 } // namespace
 
-QString fieldProblem(const FieldSpec &spec, const QString &text, int decimals)
+QString fieldProblem(const FieldSpec &definition, const QString &text, int decimals)
 {
     const QString trimmed = text.trimmed();
-    switch (spec.kind) {
+    switch (definition.kind) {
     case FieldKind::Text:
     case FieldKind::Flag:
         return {};
     case FieldKind::Choice:
-        if (spec.choices.contains(text) || spec.choiceValues.contains(text))
+        if (definition.choices.contains(text) || definition.choiceValues.contains(text))
             return {};
-        if (!spec.editableChoice)
+        if (!definition.editableChoice)
             return QStringLiteral("Scegliere uno dei valori dell'elenco");
-        if (spec.key.compare(QLatin1String("Formato"), Qt::CaseInsensitive) == 0) {
+        if (definition.key.compare(QLatin1String("Formato"), Qt::CaseInsensitive) == 0) {
             QString why;
             return parseSerialFormat(trimmed, &why) ? QString()
                                                     : QStringLiteral("Formato non valido (es. 9600,N,8,1)");
         }
-        if (spec.key.compare(QLatin1String("Porta"), Qt::CaseInsensitive) == 0)
+        if (definition.key.compare(QLatin1String("Porta"), Qt::CaseInsensitive) == 0)
             return resolveSerialPort(trimmed) ? QString()
                                               : QStringLiteral("Porta non valida: un numero da 1 a 255 o il nome del dispositivo");
-        return numberChoiceProblem(spec, trimmed);
+        return numberChoiceProblem(definition, trimmed);
     case FieldKind::Count:
-        return wholeNumberIn(trimmed, spec.minimum, spec.maximum) ? QString()
-                                                                  : rangeProblem(spec.minimum, spec.maximum);
+        return wholeNumberIn(trimmed, definition.minimum, definition.maximum) ? QString()
+                                                                  : rangeProblem(definition.minimum, definition.maximum);
     case FieldKind::Address:
         if (trimmed.isEmpty() || wholeNumberIn(trimmed, 1, 255))
             return {};
@@ -102,27 +102,27 @@ QString fieldProblem(const FieldSpec &spec, const QString &text, int decimals)
     return {};
 }
 
-bool flagTicked(const FieldSpec &spec, const QString &text)
+bool flagTicked(const FieldSpec &definition, const QString &text)
 {
-    if (spec.flagReading == FlagReading::NotZeroText)
+    if (definition.flagReading == FlagReading::NotZeroText)
         return text.trimmed() != QLatin1String("0");
     return leadingInteger(text, 0) != 0;
 }
 
-QString choiceShown(const FieldSpec &spec, const QString &stored)
+QString choiceShown(const FieldSpec &definition, const QString &stored)
 {
-    if (spec.choiceValues.isEmpty())
+    if (definition.choiceValues.isEmpty())
         return stored;
-    const qsizetype at = spec.choiceValues.indexOf(stored.trimmed());
-    return at >= 0 && at < spec.choices.size() ? spec.choices[at] : stored;
+    const qsizetype at = definition.choiceValues.indexOf(stored.trimmed());
+    return at >= 0 && at < definition.choices.size() ? definition.choices[at] : stored;
 }
 
-QString choiceStored(const FieldSpec &spec, const QString &shown)
+QString choiceStored(const FieldSpec &definition, const QString &shown)
 {
-    if (spec.choiceValues.isEmpty())
+    if (definition.choiceValues.isEmpty())
         return shown;
-    const qsizetype at = spec.choices.indexOf(shown);
-    return at >= 0 && at < spec.choiceValues.size() ? spec.choiceValues[at] : shown;
+    const qsizetype at = definition.choices.indexOf(shown);
+    return at >= 0 && at < definition.choiceValues.size() ? definition.choiceValues[at] : shown;
 }
 
 } // namespace telvane

@@ -47,15 +47,15 @@ struct FieldSpec
 // registers. Whatever a hand-edited file may hold, the editor only saves values that the
 // program will use as the technician meant them: nothing it would silently leave out,
 // clamp or read as 0.
-QString fieldProblem(const FieldSpec &spec, const QString &text, int decimals = 0);
+QString fieldProblem(const FieldSpec &definition, const QString &text, int decimals = 0);
 
 // A flag's stored text as a tick.
-bool flagTicked(const FieldSpec &spec, const QString &text);
+bool flagTicked(const FieldSpec &definition, const QString &text);
 
 // The text a choice shows for a stored value; the stored text itself when it is none of
 // the values.
-QString choiceShown(const FieldSpec &spec, const QString &stored);
+QString choiceShown(const FieldSpec &definition, const QString &stored);
 // The text stored for a shown choice; the shown text itself when it is none of them.
-QString choiceStored(const FieldSpec &spec, const QString &shown);
+QString choiceStored(const FieldSpec &definition, const QString &shown);
 
 } // namespace telvane

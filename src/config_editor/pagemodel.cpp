@@ -14,9 +14,9 @@ PageModel::PageModel(QString name, QString title)
 {
 }
 
-int PageModel::addField(const FieldSpec &spec)
+int PageModel::addField(const FieldSpec &definition)
 {
-    m_fields.append(Field{spec, -1, -1, spec.defaultValue});
+    m_fields.append(Field{definition, -1, -1, definition.defaultValue});
     return int(m_fields.size()) - 1;
 }
 
@@ -32,13 +32,13 @@ int PageModel::addGroup(const QString &word, int maximum, const QString &countSe
     return int(m_groups.size()) - 1;
 }
 
-void PageModel::addItemField(int group, FieldSpec spec, const std::function<bool(int)> &skip)
+void PageModel::addItemField(int group, FieldSpec definition, const std::function<bool(int)> &skip)
 {
     for (int item = 0; item < m_groups[group].maximum; ++item) {
         if (skip && skip(item))
             continue;
-        spec.section = itemSection(group, item);
-        m_fields.append(Field{spec, group, item, spec.defaultValue});
+        definition.section = itemSection(group, item);
+        m_fields.append(Field{definition, group, item, definition.defaultValue});
     }
 }
 
@@ -50,7 +50,7 @@ QString PageModel::itemSection(int group, int item) const
 void PageModel::load(const IniStore &ini)
 {
     for (Field &field : m_fields)
-        field.text = ini.ReadIniKey(field.spec.section, field.spec.key, field.spec.defaultValue);
+        field.text = ini.ReadIniKey(field.definition.section, field.definition.key, field.definition.defaultValue);
     for (Group &group : m_groups) {
         if (group.countField < 0)
             group.loadedCount = leadingInteger(ini.ReadIniKey(group.countSection, group.countKey, QString()), 0);
@@ -60,8 +60,8 @@ void PageModel::load(const IniStore &ini)
 int PageModel::indexOf(const QString &section, const QString &key) const
 {
     for (int i = 0; i < fieldCount(); ++i) {
-        const FieldSpec &spec = m_fields[i].spec;
-        if (spec.section.compare(section, Qt::CaseInsensitive) == 0 && spec.key.compare(key, Qt::CaseInsensitive) == 0)
+        const FieldSpec &definition = m_fields[i].definition;
+        if (definition.section.compare(section, Qt::CaseInsensitive) == 0 && definition.key.compare(key, Qt::CaseInsensitive) == 0)
             return i;
     }
     return -1;
@@ -95,13 +95,13 @@ bool PageModel::inUse(int index) const
 int PageModel::decimalsFor(int index) const
 {
     const Field &field = m_fields[index];
-    const int decimalsField = indexOf(field.spec.section, QStringLiteral("Decimali"));
+    const int decimalsField = indexOf(field.definition.section, QStringLiteral("Decimali"));
     const int decimals = decimalsField >= 0 ? std::clamp(leadingInteger(text(decimalsField), 0), 0, 3) : 0;
-    const QString registerKey = field.spec.key == QLatin1String("Val")      ? QStringLiteral("P1_r")
-                                : field.spec.key == QLatin1String("Val_on") ? QStringLiteral("On_w")
-                                : field.spec.key == QLatin1String("Val_off") ? QStringLiteral("Off_w")
+    const QString registerKey = field.definition.key == QLatin1String("Val")      ? QStringLiteral("P1_r")
+                                : field.definition.key == QLatin1String("Val_on") ? QStringLiteral("On_w")
+                                : field.definition.key == QLatin1String("Val_off") ? QStringLiteral("Off_w")
                                                                             : QString();
-    const int registerField = registerKey.isEmpty() ? -1 : indexOf(field.spec.section, registerKey);
+    const int registerField = registerKey.isEmpty() ? -1 : indexOf(field.definition.section, registerKey);
     if (registerField >= 0) {
         if (const auto key = parseRegisterKey(text(registerField)); key && key->functionCode <= 2)
             return 0;
@@ -114,8 +114,8 @@ QString PageModel::problem(int index) const
     if (!inUse(index))
         return {};
     const Field &field = m_fields[index];
-    return fieldProblem(field.spec, field.text,
-                        field.spec.kind == FieldKind::Value ? decimalsFor(index) : 0);
+    return fieldProblem(field.definition, field.text,
+                        field.definition.kind == FieldKind::Value ? decimalsFor(index) : 0);
 }
 
 QList<int> PageModel::problems() const
@@ -134,8 +134,8 @@ QString PageModel::firstProblem() const
     if (found.isEmpty())
         return {};
     const Field &field = m_fields[found.first()];
-    const QString where = field.group < 0 ? field.spec.label
-                                          : itemSection(field.group, field.item) + QStringLiteral(", ") + field.spec.label;
+    const QString where = field.group < 0 ? field.definition.label
+                                          : itemSection(field.group, field.item) + QStringLiteral(", ") + field.definition.label;
     return where + QStringLiteral(": ") + problem(found.first());
 }
 
@@ -147,8 +147,8 @@ QList<IniKeyValue> PageModel::keysToSave() const
             continue;
         const Field &field = m_fields[i];
         // Blanks typed around a value never mean anything to the readers.
-        const QString value = field.spec.kind == FieldKind::Text ? field.text : field.text.trimmed();
-        keys.append({field.spec.section, field.spec.key, value});
+        const QString value = field.definition.kind == FieldKind::Text ? field.text : field.text.trimmed();
+        keys.append({field.definition.section, field.definition.key, value});
     }
     return keys;
 }

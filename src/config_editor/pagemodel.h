@@ -34,7 +34,7 @@ public:
     };
     struct Field
     {
-        FieldSpec spec;
+        FieldSpec definition;
         int group = -1; // -1: a key of the page itself
         int item = -1;  // 0-based within its group
         QString text;
@@ -45,14 +45,14 @@ public:
     const QString &name() const { return m_name; }
     const QString &title() const { return m_title; }
 
-    int addField(const FieldSpec &spec);
+    int addField(const FieldSpec &definition);
     // A group whose count is the field `countField` of this page.
     int addGroup(const QString &word, int maximum, int countField);
     // A group whose count is read from the settings (and not edited on this page).
     int addGroup(const QString &word, int maximum, const QString &countSection, const QString &countKey);
     // The same key for items 1 .. maximum of `group`, in that item's section; `skip` says
     // for which items (0-based) the key does not apply.
-    void addItemField(int group, FieldSpec spec, const std::function<bool(int)> &skip = {});
+    void addItemField(int group, FieldSpec definition, const std::function<bool(int)> &skip = {});
 
     void load(const IniStore &ini);
 

@@ -165,16 +165,16 @@ void Stagione::buildLists(QWidget *parent)
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setHorizontalSpacing(0);
     int column = 0;
-    for (const ListColumn &spec : Columns) {
-        auto *caption = new QLabel(QString::fromUtf8(spec.caption), parent);
+    for (const ListColumn &listColumn : Columns) {
+        auto *caption = new QLabel(QString::fromUtf8(listColumn.caption), parent);
         auto *list = new QListWidget(parent);
-        list->setObjectName(QLatin1String(spec.name));
+        list->setObjectName(QLatin1String(listColumn.name));
         list->setUniformItemSizes(true);
         list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
         list->setSelectionBehavior(QAbstractItemView::SelectRows);
         layout->addWidget(caption, 0, column);
         layout->addWidget(list, 1, column);
-        layout->setColumnStretch(column, spec.stretch);
+        layout->setColumnStretch(column, listColumn.stretch);
         m_lists.append(list);
         ++column;
     }

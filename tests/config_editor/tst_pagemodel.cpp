@@ -10,12 +10,12 @@ namespace {
 
 FieldSpec specOf(FieldKind kind)
 {
-    FieldSpec spec;
-    spec.section = QStringLiteral("Zona 01");
-    spec.key = QStringLiteral("K");
-    spec.kind = kind;
-    spec.maximum = 30;
-    return spec;
+    FieldSpec definition;
+    definition.section = QStringLiteral("Zona 01");
+    definition.key = QStringLiteral("K");
+    definition.kind = kind;
+    definition.maximum = 30;
+    return definition;
 }
 
 int fieldOf(const PageModel &page, const QString &section, const QString &key)
@@ -142,10 +142,10 @@ private slots:
         page.setText(fieldOf(page, "LED 01", "P1_r"), "3,5");
         QCOMPARE(page.problems(), QList<int>{fieldOf(page, "LED 01", "Val")});
 
-        const FieldSpec &condition = page.field(fieldOf(page, "LED 01", "Condizione")).spec;
+        const FieldSpec &condition = page.field(fieldOf(page, "LED 01", "Condizione")).definition;
         QCOMPARE(choiceShown(condition, page.text(fieldOf(page, "LED 01", "Condizione"))), QStringLiteral("<>"));
         QCOMPARE(choiceStored(condition, "<="), QStringLiteral("2"));
-        const FieldSpec &colour = page.field(fieldOf(page, "LED 01", "Col")).spec;
+        const FieldSpec &colour = page.field(fieldOf(page, "LED 01", "Col")).definition;
         QCOMPARE(choiceShown(colour, "0"), QStringLiteral("Rosso"));
     }
 
@@ -164,11 +164,11 @@ private slots:
     void flagsReadAsTheProgramReadsThem()
     {
         const PageModel options = generalOptionsPage();
-        const FieldSpec &autoStart = options.field(0).spec;
+        const FieldSpec &autoStart = options.field(0).definition;
         QVERIFY(!flagTicked(autoStart, "abc"));
         QVERIFY(flagTicked(autoStart, "2"));
         const PageModel zones = zonesPage();
-        const FieldSpec &slave = zones.field(zones.indexOf("Zona 02", "Slave")).spec;
+        const FieldSpec &slave = zones.field(zones.indexOf("Zona 02", "Slave")).definition;
         QVERIFY(flagTicked(slave, ""));
         QVERIFY(!flagTicked(slave, " 0 "));
     }

@@ -132,8 +132,8 @@ QWidget *FieldPage::buildFieldRows(const QList<int> &fields)
         rowLayout->setContentsMargins(0, 0, 0, 0);
         rowLayout->addWidget(control);
         rowLayout->addWidget(problem, 1);
-        const FieldSpec &spec = m_model.field(field).spec;
-        form->addRow(spec.kind == FieldKind::Flag ? QString() : spec.label + QLatin1Char(':'), row);
+        const FieldSpec &definition = m_model.field(field).definition;
+        form->addRow(definition.kind == FieldKind::Flag ? QString() : definition.label + QLatin1Char(':'), row);
         m_problemLabels.insert(field, problem);
     }
     return rows;
@@ -141,13 +141,13 @@ QWidget *FieldPage::buildFieldRows(const QList<int> &fields)
 
 QWidget *FieldPage::makeControl(int field)
 {
-    const FieldSpec &spec = m_model.field(field).spec;
-    const QString name = spec.control.isEmpty() ? spec.key : spec.control;
+    const FieldSpec &definition = m_model.field(field).definition;
+    const QString name = definition.control.isEmpty() ? definition.key : definition.control;
     QWidget *control = nullptr;
-    switch (spec.kind) {
+    switch (definition.kind) {
     case FieldKind::Flag: {
-        auto *box = new QCheckBox(spec.label);
-        box->setChecked(flagTicked(spec, m_model.text(field)));
+        auto *box = new QCheckBox(definition.label);
+        box->setChecked(flagTicked(definition, m_model.text(field)));
         connect(box, &QCheckBox::toggled, this,
                 [this, field](bool on) { textEdited(field, on ? QStringLiteral("1") : QStringLiteral("0")); });
         control = box;
@@ -155,23 +155,23 @@ QWidget *FieldPage::makeControl(int field)
     }
     case FieldKind::Choice: {
         auto *combo = new QComboBox;
-        combo->setEditable(spec.editableChoice);
-        for (int i = 0; i < spec.choices.size(); ++i) {
-            if (spec.key == QLatin1String("Col"))
-                combo->addItem(lampIcon(i), spec.choices[i]);
+        combo->setEditable(definition.editableChoice);
+        for (int i = 0; i < definition.choices.size(); ++i) {
+            if (definition.key == QLatin1String("Col"))
+                combo->addItem(lampIcon(i), definition.choices[i]);
             else
-                combo->addItem(spec.choices[i]);
+                combo->addItem(definition.choices[i]);
         }
-        const QString shown = choiceShown(spec, m_model.text(field));
+        const QString shown = choiceShown(definition, m_model.text(field));
         const int at = combo->findText(shown);
         if (at >= 0)
             combo->setCurrentIndex(at);
-        else if (spec.editableChoice)
+        else if (definition.editableChoice)
             combo->setEditText(shown);
         else
             combo->setCurrentIndex(-1);
-        const auto edited = [this, field, spec](const QString &text) { textEdited(field, choiceStored(spec, text)); };
-        if (spec.editableChoice)
+        const auto edited = [this, field, definition](const QString &text) { textEdited(field, choiceStored(definition, text)); };
+        if (definition.editableChoice)
             connect(combo, &QComboBox::editTextChanged, this, edited);
         else
             connect(combo, &QComboBox::currentTextChanged, this, edited);
@@ -180,7 +180,7 @@ QWidget *FieldPage::makeControl(int field)
     }
     default: {
         auto *edit = new QLineEdit(m_model.text(field));
-        edit->setMinimumWidth(spec.kind == FieldKind::Text ? 220 : 110);
+        edit->setMinimumWidth(definition.kind == FieldKind::Text ? 220 : 110);
         connect(edit, &QLineEdit::textChanged, this, [this, field](const QString &text) { textEdited(field, text); });
         control = edit;
         break;
@@ -214,13 +214,13 @@ void FieldPage::showModel()
 {
     m_showing = true;
     for (auto it = m_controls.cbegin(); it != m_controls.cend(); ++it) {
-        const FieldSpec &spec = m_model.field(it.key()).spec;
+        const FieldSpec &definition = m_model.field(it.key()).definition;
         const QString text = m_model.text(it.key());
         if (auto *box = qobject_cast<QCheckBox *>(it.value()))
-            box->setChecked(flagTicked(spec, text));
+            box->setChecked(flagTicked(definition, text));
         else if (auto *combo = qobject_cast<QComboBox *>(it.value())) {
-            const int at = combo->findText(choiceShown(spec, text));
-            if (at >= 0 || !spec.editableChoice)
+            const int at = combo->findText(choiceShown(definition, text));
+            if (at >= 0 || !definition.editableChoice)
                 combo->setCurrentIndex(at);
             else
                 combo->setEditText(text);
@@ -239,7 +239,7 @@ void FieldPage::textEdited(int field, const QString &text)
         return;
     m_model.setText(field, text);
     for (int group = 0; group < m_model.groups().size(); ++group) {
-        if (m_model.groups()[group].countField == field || m_model.field(field).spec.key == QLatin1String("Nome"))
+        if (m_model.groups()[group].countField == field || m_model.field(field).definition.key == QLatin1String("Nome"))
             refreshItemChoices(group);
     }
     refreshProblems();
