@@ -32,11 +32,7 @@ QRectF LedItem::boundingRect() const
 
 bool LedItem::setLit(bool lit)
 {
-    if (lit == m_lit)
-        return false;
-    m_lit = lit;
-    update();
-    return true;
+    return repaintIfChanged(m_lit, lit);
 }
 
 void LedItem::paint(QPainter *painter, const QStyleOptionGraphicsItem *, QWidget *)

@@ -28,6 +28,18 @@ signals:
     void placed(telvane::PlanItemKind kind, int index, QPoint topLeft);
 
 protected:
+    // Sets `field` and repaints only when the value differs, so a refresh that changes
+    // nothing paints nothing; true when it changed.
+    template <typename T>
+    bool repaintIfChanged(T &field, const T &value)
+    {
+        if (field == value)
+            return false;
+        field = value;
+        update();
+        return true;
+    }
+
     void mousePressEvent(QGraphicsSceneMouseEvent *event) override;
     void mouseMoveEvent(QGraphicsSceneMouseEvent *event) override;
     void mouseReleaseEvent(QGraphicsSceneMouseEvent *event) override;

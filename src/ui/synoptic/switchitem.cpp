@@ -51,21 +51,12 @@ QString SwitchItem::visiblePicture() const
 
 bool SwitchItem::setState(SwitchState state)
 {
-    if (state == m_state)
-        return false;
-    m_state = state;
-    update();
-    return true;
+    return repaintIfChanged(m_state, state);
 }
 
 bool SwitchItem::setAlarm(bool inAlarm, bool framed)
 {
-    const bool frame = inAlarm && framed;
-    if (frame == m_alarmFramed)
-        return false;
-    m_alarmFramed = frame;
-    update();
-    return true;
+    return repaintIfChanged(m_alarmFramed, inAlarm && framed);
 }
 
 // On: a lit green lever up; off: a grey lever down; undetermined: amber with a question

@@ -65,21 +65,12 @@ bool ZoneMarkerItem::setTexts(const QString &labTemp, const QString &labTemp1)
 
 bool ZoneMarkerItem::setStale(bool stale)
 {
-    if (stale == m_stale)
-        return false;
-    m_stale = stale;
-    update();
-    return true;
+    return repaintIfChanged(m_stale, stale);
 }
 
 bool ZoneMarkerItem::setAlarm(bool inAlarm, bool framed)
 {
-    const bool frame = inAlarm && framed;
-    if (frame == m_alarmFramed)
-        return false;
-    m_alarmFramed = frame;
-    update();
-    return true;
+    return repaintIfChanged(m_alarmFramed, inAlarm && framed);
 }
 
 void ZoneMarkerItem::paint(QPainter *painter, const QStyleOptionGraphicsItem *, QWidget *)
