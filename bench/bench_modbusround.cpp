@@ -22,7 +22,6 @@
 #include "base/clock.h"
 #include "fieldbus/modbusmaster.h"
 #include "peer/peerslave.h"
-#include "platform/qserialline.h"
 #include "platform/termiosline.h"
 
 #include <modbus.h>
@@ -41,7 +40,6 @@
 #include <vector>
 
 #include <sys/resource.h>
-#include <sys/vfs.h>
 
 using namespace telvane;
 
@@ -65,12 +63,11 @@ constexpr int IdleProbeMs = 3000;
 
 volatile std::sig_atomic_t stopRequested = 0;
 
-// Which line our master drives: the terminal line the program uses, or (to compare)
-// Qt's serial port; either opened per operation, or held open for the whole round as if
-// the round were one group of operations, the input drained before every transaction.
+// Our master's line opened per operation, as the program does, or (to compare) held
+// open for the whole round as if the round were one group of operations, the input
+// drained before every transaction.
 struct LineChoice
 {
-    bool qtSerialPort = false;
     bool heldOpen = false;
 };
 LineChoice lineChoice;
@@ -354,11 +351,7 @@ bool compare(const QStringList &slaves, int wireDelayBaud, int rounds, const std
         return false;
     }
     SystemClock clock;
-    std::unique_ptr<SerialLine> device;
-    if (lineChoice.qtSerialPort)
-        device = std::make_unique<QSerialLine>();
-    else
-        device = std::make_unique<TermiosLine>();
+    auto device = std::make_unique<TermiosLine>();
     HeldOpenLine held(*device);
     SerialLine &line = lineChoice.heldOpen ? static_cast<SerialLine &>(held) : *device;
     line.setPort(peer.port());
@@ -396,17 +389,6 @@ QString loadAverage()
     return QStringLiteral("%1 %2 %3").arg(load[0], 0, 'f', 2).arg(load[1], 0, 'f', 2).arg(load[2], 0, 'f', 2);
 }
 
-// QSerialPort's lock file goes to the first writable of the usual lock folders, on
-// Debian /var/lock; on a disk it costs a synchronous write and a removal per operation.
-QString lockFolderKind()
-{
-    constexpr long TmpfsMagic = 0x01021994;
-    struct statfs info {};
-    if (::statfs("/var/lock", &info) != 0)
-        return QStringLiteral("/var/lock missing");
-    return info.f_type == TmpfsMagic ? QStringLiteral("/var/lock on tmpfs") : QStringLiteral("/var/lock on disk");
-}
-
 const char *verdict(bool met)
 {
     return met ? "met" : "MISSED";
@@ -428,8 +410,8 @@ void printTable(const Comparison &a, const Comparison &b, double idleStall, int 
 
     std::printf("\nModbus round: %d single-register reads (code %d) on %d slaves, port opened and closed per read.\n",
                 readCount, ReadFunction, SlaveCount);
-    std::printf("Medians of %d rounds (A) and %d rounds (B). Load average %s before, %s after; %s.\n\n", RoundsA,
-                RoundsB, qPrintable(loadBefore), qPrintable(loadAverage()), qPrintable(lockFolderKind()));
+    std::printf("Medians of %d rounds (A) and %d rounds (B). Load average %s before, %s after.\n\n", RoundsA,
+                RoundsB, qPrintable(loadBefore), qPrintable(loadAverage()));
 
     const char *row = "%-36s %13s %13s %7s   %-16s %s\n";
     const auto ms = [](double value) { return QStringLiteral("%1 ms").arg(value, 0, 'f', 1); };
@@ -483,13 +465,10 @@ int main(int argc, char **argv)
     const QStringList slaves = slaveTexts(reads);
     for (int i = 1; i < argc; ++i) {
         const QByteArray argument(argv[i]);
-        if (argument == "--qserialport")
-            lineChoice.qtSerialPort = true;
-        else if (argument == "--held-open")
+        if (argument == "--held-open")
             lineChoice.heldOpen = true;
     }
-    std::fprintf(stderr, "our line: %s, %s\n", lineChoice.qtSerialPort ? "QSerialPort" : "termios",
-                 lineChoice.heldOpen ? "held open for the round" : "opened per read");
+    std::fprintf(stderr, "our line: %s\n", lineChoice.heldOpen ? "held open for the round" : "opened per read");
     const QString loadBefore = loadAverage();
 
     Comparison a;

@@ -7,7 +7,7 @@
 #include "base/soundplayer.h"
 #include "peer/peerslave.h"
 #include "platform/eventlooppause.h"
-#include "platform/qserialline.h"
+#include "platform/termiosline.h"
 #include "season/seasonchange.h"
 #include "supervisor/runtime.h"
 #include "supervisor/supervisor.h"
@@ -119,7 +119,7 @@ private slots:
     {
         m_plant->write(QStringLiteral("Ricetta/Inverno.prg"), WithMessage);
         SystemClock clock;
-        QSerialLine line;
+        TermiosLine line;
         EventLoopPause pause;
         SilentSoundPlayer sound;
         Runtime rt(m_plant->folder(), line, clock, pause, sound);
@@ -151,7 +151,7 @@ private:
 
     qint32 readBack(int slave, int functionCode, int address)
     {
-        QSerialLine line;
+        TermiosLine line;
         SystemClock clock;
         ModbusMaster master(line, clock);
         line.setPort(m_peer->port());
