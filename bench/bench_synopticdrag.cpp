@@ -40,7 +40,7 @@ int main(int argc, char **argv)
     Supervisor supervisor(rt);
     supervisor.setCommunicateWithInstruments(false);
     supervisor.startUp();
-    supervisor.setMonitorIntervalMs(50);
+    supervisor.monitoring().setMonitorIntervalMs(50);
     rt.services.user.IsAdministrator = true;
     RecordingCamera camera;
     Sinottico synoptic(synopticSources(rt), supervisor, camera);
@@ -49,7 +49,7 @@ int main(int argc, char **argv)
     QApplication::processEvents();
 
     int ticks = 0;
-    QObject::connect(&supervisor, &Supervisor::tickFinished, [&ticks] { ++ticks; });
+    QObject::connect(&supervisor.monitoring(), &MonitoringCycle::tickFinished, [&ticks] { ++ticks; });
     supervisor.MenuStart();
 
     QWidget *viewport = synoptic.view()->viewport();

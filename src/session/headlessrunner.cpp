@@ -42,7 +42,7 @@ HeadlessRunner::HeadlessRunner(Runtime &rt, Supervisor &supervisor, PlantSession
     connect(&m_rt.display.statusBar, &StatusBar::panelChanged, this, &HeadlessRunner::printPanel);
     connect(&m_rt.services.alarms, &AlarmBook::entryAdded, this,
             [this](AlarmItemKind, int, const QString &text) { printAlarm(text); });
-    connect(&m_supervisor, &Supervisor::tickFinished, this, &HeadlessRunner::tickFinished);
+    connect(&m_supervisor.monitoring(), &MonitoringCycle::tickFinished, this, &HeadlessRunner::tickFinished);
     m_session.commands().setOutcomeListener([this](CommandOutcome outcome) { printOutcome(outcome); });
 }
 
@@ -59,7 +59,7 @@ void HeadlessRunner::start()
     }
     m_starting = true;
     m_supervisor.setCommunicateWithInstruments(m_options.communicate);
-    m_supervisor.setMonitorIntervalMs(m_options.tickMs);
+    m_supervisor.monitoring().setMonitorIntervalMs(m_options.tickMs);
     m_session.startUp();
 
     if (m_options.communicate && !m_supervisor.SerialPortOpen()) {
@@ -94,7 +94,7 @@ void HeadlessRunner::requestStop()
     m_stopRequested = true;
     // During the start's first round or a tick the stop waits for it to end, so that the
     // day's line is written and no request is cut off on the wire.
-    if (!m_starting && !m_supervisor.tickInProgress())
+    if (!m_starting && !m_supervisor.monitoring().tickInProgress())
         finish(0);
 }
 

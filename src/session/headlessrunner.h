@@ -31,7 +31,7 @@ struct HeadlessOptions
     // Monitoring ticks to run before stopping; 0 runs until asked to stop.
     int ticks = 0;
     // The real length of a tick; every period stays counted in ticks.
-    int tickMs = Supervisor::MonitorIntervalMs;
+    int tickMs = MonitoringCycle::MonitorIntervalMs;
     // Logged in before acquisition starts.
     std::optional<Credentials> login;
     // Queued one a tick from the start on, in this order.

@@ -5,9 +5,6 @@
 #include "supervisor/runtime.h"
 #include "supervisor/switchoperations.h"
 
-#include "base/pause.h"
-#include "base/soundplayer.h"
-
 #include <utility>
 
 namespace telvane {
@@ -15,12 +12,15 @@ namespace telvane {
 Supervisor::Supervisor(Runtime &rt, QObject *parent)
     : QObject(parent)
     , m_rt(rt)
+    , m_state(rt.display.statusBar, rt.devices.pause)
+    , m_alarmIndication(m_state, rt.model, rt.devices.sound)
+    , m_cycle(rt, m_state)
 {
     m_autoStartTimer.setSingleShot(true);
-    connect(&m_monitorTimer, &QTimer::timeout, this, &Supervisor::MonitorCycle);
-    connect(&m_blinkTimer, &QTimer::timeout, this, &Supervisor::Timer_LampeggioTick);
+    m_autoStartTimer.setInterval(AutoStartDelayMs);
     connect(&m_autoStartTimer, &QTimer::timeout, this, &Supervisor::TimerAutoStartTick);
-    connect(&m_rt.services.alarms, &AlarmBook::alarmBlinkRequested, this, &Supervisor::SetAlarmBlink);
+    connect(&m_rt.services.alarms, &AlarmBook::alarmBlinkRequested, &m_alarmIndication,
+            &AlarmIndication::SetAlarmBlink);
     m_rt.services.lineHolds.setReleasedHandler([this] { runDeferredRead(); });
 }
 
@@ -31,29 +31,24 @@ Supervisor::~Supervisor()
 
 void Supervisor::load()
 {
-    m_cycleCounter = 0;
-    m_acquisitionRunning = false;
-    m_autoStartPending = true;
+    m_cycle.restartCount();
+    m_state.setAutoStartPending(true);
 
-    m_monitorTimer.stop();
-    m_monitorTimer.setInterval(m_monitorIntervalMs);
-    m_blinkTimer.stop();
-    m_blinkTimer.setInterval(BlinkIntervalMs);
+    m_cycle.stop();
+    m_alarmIndication.pause();
+    m_alarmIndication.setAutoStartPace(false);
     m_autoStartTimer.stop();
-    m_autoStartTimer.setInterval(AutoStartDelayMs);
 
-    m_rt.display.statusBar.setPanel(StatusBar::StatePanel, QStringLiteral("Standby"));
+    m_state.setRunning(false);
     m_rt.display.statusBar.setPanel(StatusBar::ActivityPanel, QString());
     m_rt.display.statusBar.setPanel(StatusBar::MessagePanel, QString());
-    SetAlarmBlink(false);
+    m_alarmIndication.SetAlarmBlink(false);
 
     ResetAlarms();
 
     for (const char *folder : {"Dati", "Crono", "Ricetta"})
         m_rt.model.ini.EnsureFolder(QLatin1String(folder));
     m_rt.model.mode = LoadSettings(m_rt.model.ini);
-
-    setButtonImage(StandbyImage);
 }
 
 void Supervisor::startUp()
@@ -67,10 +62,10 @@ void Supervisor::armAutoStart(bool autoAvvio)
 {
     if (!autoAvvio)
         return;
-    m_autoStartTimer.start(AutoStartDelayMs);
-    if (m_autoStartPending) {
-        m_blinkTimer.setInterval(AutoStartBlinkIntervalMs);
-        SetAlarmBlink(true);
+    m_autoStartTimer.start();
+    if (m_state.AutoStartPending()) {
+        m_alarmIndication.setAutoStartPace(true);
+        m_alarmIndication.SetAlarmBlink(true);
         m_rt.display.statusBar.setPanel(StatusBar::MessagePanel, QStringLiteral("Avvio in corso..."));
     }
 }
@@ -78,25 +73,21 @@ void Supervisor::armAutoStart(bool autoAvvio)
 void Supervisor::cancelAutoStart()
 {
     m_autoStartTimer.stop();
-    m_autoStartPending = false;
-    SetAlarmBlink(false);
+    m_state.setAutoStartPending(false);
+    m_alarmIndication.SetAlarmBlink(false);
 }
 
 void Supervisor::SetAcquisitionState(bool on)
 {
-    const bool changed = m_acquisitionRunning != on;
-    m_acquisitionRunning = on;
+    const bool changed = m_state.AcquisitionRunning() != on;
+    m_state.setRunning(on);
     if (on) {
-        setButtonImage(AcquiringImage);
-        m_rt.display.statusBar.setPanel(StatusBar::StatePanel, QStringLiteral("Acquisizione"));
-        m_monitorTimer.start(m_monitorIntervalMs);
+        m_cycle.start();
         for (CycleTask *task : std::as_const(m_rt.cycleTasks))
             task->acquisitionStarted();
     } else {
-        setButtonImage(StandbyImage);
-        m_rt.display.statusBar.setPanel(StatusBar::StatePanel, QStringLiteral("Standby"));
-        m_monitorTimer.stop();
-        m_blinkTimer.stop();
+        m_cycle.stop();
+        m_alarmIndication.pause();
     }
     m_rt.display.statusBar.setPanel(StatusBar::ActivityPanel, QString());
     m_rt.display.statusBar.setPanel(StatusBar::MessagePanel, QString());
@@ -104,28 +95,22 @@ void Supervisor::SetAcquisitionState(bool on)
         emit acquisitionStateChanged(on);
 }
 
-void Supervisor::SetAlarmBlink(bool on)
-{
-    m_alarmBlinkActive = on;
-    if (on) {
-        // Keeps the rhythm when several alarms arrive in one round.
-        if (!m_blinkTimer.isActive())
-            m_blinkTimer.start();
-    } else {
-        setButtonImage(m_acquisitionRunning ? AcquiringImage : StandbyImage);
-    }
-}
-
 void Supervisor::ResetAlarms()
 {
     m_rt.services.alarms.ResetAlarms();
+}
+
+void Supervisor::readAllStates()
+{
+    ReadAllMeasurements(m_rt);
+    ReadAllSwitchStates(m_rt);
 }
 
 void Supervisor::MenuStart()
 {
     if (deferWhileLineHeld(DeferredRead::Start))
         return;
-    m_cycleCounter = 0;
+    m_cycle.restartCount();
     for (CycleTask *task : std::as_const(m_rt.cycleTasks))
         task->acquisitionStarting();
 
@@ -134,12 +119,11 @@ void Supervisor::MenuStart()
 
     // While acquiring, the timer keeps running through the re-read.
     const LineHold hold(m_rt.services.lineHolds);
-    ReadAllMeasurements(m_rt);
-    ReadAllSwitchStates(m_rt);
+    readAllStates();
     SetAcquisitionState(true);
     if (AlarmPending())
-        SetAlarmBlink(true);
-    if (EditorOpen())
+        m_alarmIndication.SetAlarmBlink(true);
+    if (m_rt.display.EditorOpen)
         emit editorFrameEnabledRequested(false);
 }
 
@@ -148,8 +132,8 @@ void Supervisor::MenuStop()
     SetAcquisitionState(false);
     m_rt.services.items.reset();
     m_rt.display.displayResets.resetAll();
-    SetAlarmBlink(false);
-    if (EditorOpen() && IsAdministrator())
+    m_alarmIndication.SetAlarmBlink(false);
+    if (m_rt.display.EditorOpen && m_rt.services.user.IsAdministrator)
         emit editorFrameEnabledRequested(true);
 }
 
@@ -157,20 +141,14 @@ void Supervisor::MenuRileggi()
 {
     if (deferWhileLineHeld(DeferredRead::Reload))
         return;
-    if (!m_acquisitionRunning)
+    if (!m_state.AcquisitionRunning())
         return;
     if (CommunicateWithInstruments() && !SerialPortOpen())
         return;
     const LineHold hold(m_rt.services.lineHolds);
     SetAcquisitionState(false);
-    ReadAllMeasurements(m_rt);
-    ReadAllSwitchStates(m_rt);
+    readAllStates();
     SetAcquisitionState(true);
-}
-
-bool Supervisor::lineInUse() const
-{
-    return m_rt.services.lineHolds.held() || m_rt.services.master.busy();
 }
 
 // A Start or Reload clicked while the line is held would read every zone with the line
@@ -194,55 +172,27 @@ void Supervisor::runDeferredRead()
         MenuRileggi();
 }
 
-bool Supervisor::refuseWhileAcquiring()
-{
-    if (!m_acquisitionRunning)
-        return false;
-    m_rt.display.statusBar.setPanel(StatusBar::MessagePanel, QStringLiteral("Operazione non permessa"));
-    m_rt.devices.pause.pause(RefusalMs);
-    m_rt.display.statusBar.setPanel(StatusBar::MessagePanel, QString());
-    return true;
-}
-
 bool Supervisor::MenuFine()
 {
-    return !refuseWhileAcquiring();
+    return !m_state.refuseWhileAcquiring();
 }
 
 bool Supervisor::MenuAbout()
 {
-    return !refuseWhileAcquiring();
+    return !m_state.refuseWhileAcquiring();
 }
 
 bool Supervisor::MenuStagione()
 {
-    return !refuseWhileAcquiring();
-}
-
-void Supervisor::Timer_LampeggioTick()
-{
-    m_blinkTimer.stop();
-    if (!m_alarmBlinkActive)
-        return;
-    m_blinkPhase = !m_blinkPhase;
-    if (m_blinkPhase) {
-        setButtonImage(StandbyImage);
-        const QString sound = m_rt.model.plant.synoptic.alarmSound;
-        if (!sound.isEmpty())
-            m_rt.devices.sound.play(m_rt.model.ini.folder().filePath(sound));
-    } else {
-        setButtonImage(AcquiringImage);
-    }
-    if (m_acquisitionRunning || m_autoStartPending)
-        m_blinkTimer.start();
+    return !m_state.refuseWhileAcquiring();
 }
 
 void Supervisor::TimerAutoStartTick()
 {
     m_autoStartTimer.stop();
-    m_blinkTimer.setInterval(BlinkIntervalMs);
-    SetAlarmBlink(false);
-    m_autoStartPending = false;
+    m_alarmIndication.setAutoStartPace(false);
+    m_alarmIndication.SetAlarmBlink(false);
+    m_state.setAutoStartPending(false);
     MenuStart();
     m_rt.display.statusBar.setPanel(StatusBar::MessagePanel, QString());
 }
@@ -265,35 +215,6 @@ bool Supervisor::SerialPortOpen() const
 bool Supervisor::AlarmPending() const
 {
     return m_rt.services.alarms.AlarmPending();
-}
-
-bool Supervisor::EditorOpen() const
-{
-    return m_rt.display.EditorOpen;
-}
-
-bool Supervisor::IsAdministrator() const
-{
-    return m_rt.services.user.IsAdministrator;
-}
-
-bool Supervisor::IsTechnician() const
-{
-    return m_rt.services.user.IsTechnician;
-}
-
-void Supervisor::setMonitorIntervalMs(int ms)
-{
-    m_monitorIntervalMs = std::max(1, ms);
-    m_monitorTimer.setInterval(m_monitorIntervalMs);
-}
-
-void Supervisor::setButtonImage(int image)
-{
-    if (m_buttonImage == image)
-        return;
-    m_buttonImage = image;
-    emit acquisitionButtonImageChanged(image);
 }
 
 } // namespace telvane

@@ -1,5 +1,9 @@
 #pragma once
 
+#include "supervisor/acquisitionstate.h"
+#include "supervisor/alarmindication.h"
+#include "supervisor/monitoringcycle.h"
+
 #include <QObject>
 #include <QTimer>
 
@@ -7,30 +11,20 @@ namespace telvane {
 
 struct Runtime;
 
-// The acquisition state of the main window `MainForm`: standing by or acquiring, the
-// three timers, the monitoring cycle, the alarm blink and sound, the automatic start
-// and the refusals of commands that are not allowed while acquiring. The window (or
-// the headless mode) shows its state and turns clicks into the `Menu...` calls.
+// The main window `MainForm` without its widgets: start-up, the automatic start and
+// the `Menu...` commands over the acquisition state, the alarm indication and the
+// monitoring cycle. The window (or the headless mode) shows their state and turns
+// clicks into these calls.
 //
 // Every handler may be entered while a poll waits for a reply: the master lets the
-// event loop run meanwhile. No tick starts while anybody holds the line (a tick, a
-// Start's re-read, a command run at once); a Stop given during a tick leaves the timer
-// off at its end, a Start or Reload runs once the line is let go.
+// event loop run meanwhile. A Stop given during a tick leaves the timer off at its end;
+// a Start or Reload clicked while the line is held runs once the line is let go.
 class Supervisor final : public QObject
 {
     Q_OBJECT
 
 public:
-    // Image-list entries of the acquisition button "8".
-    static constexpr int StandbyImage = 3;
-    static constexpr int AcquiringImage = 4;
-
-    static constexpr int MonitorIntervalMs = 1000;
-    static constexpr int BlinkIntervalMs = 700;
-    static constexpr int AutoStartBlinkIntervalMs = 350;
     static constexpr int AutoStartDelayMs = 10000;
-    static constexpr int RefusalMs = 500;
-    static constexpr int CycleWrap = 300;
 
     explicit Supervisor(Runtime &rt, QObject *parent = nullptr);
     ~Supervisor() override;
@@ -54,7 +48,6 @@ public:
 
     // --- Commands ----------------------------------------------------------------
     void SetAcquisitionState(bool on);
-    void SetAlarmBlink(bool on);
     void ResetAlarms();
     void MenuStart();
     void MenuStop();
@@ -65,69 +58,42 @@ public:
     bool MenuAbout();
     bool MenuStagione();
 
-    // --- Timer handlers (the timers call them; tests call them directly) -------------
-    void MonitorCycle();
-    void Timer_LampeggioTick();
+    // The automatic start's timer handler; tests call it directly.
     void TimerAutoStartTick();
 
     // --- State -------------------------------------------------------------------
-    bool AcquisitionRunning() const { return m_acquisitionRunning; }
+    bool AcquisitionRunning() const { return m_state.AcquisitionRunning(); }
     bool CommunicateWithInstruments() const;
     void setCommunicateWithInstruments(bool communicate);
     bool SerialPortOpen() const;
     bool AlarmPending() const;
-    bool AlarmBlinkActive() const { return m_alarmBlinkActive; }
-    bool BlinkPhase() const { return m_blinkPhase; }
-    bool AutoStartPending() const { return m_autoStartPending; }
-    bool EditorOpen() const;
-    bool IsAdministrator() const;
-    bool IsTechnician() const;
-    int CycleCounter() const { return m_cycleCounter; }
-    // A monitoring tick is under way (perhaps waiting for a reply in a nested loop).
-    bool tickInProgress() const { return m_inTick; }
-    int acquisitionButtonImage() const { return m_buttonImage; }
-
-    const QTimer &Timer_Monitor() const { return m_monitorTimer; }
-    const QTimer &Timer_Lampeggio() const { return m_blinkTimer; }
     const QTimer &TimerAutoStart() const { return m_autoStartTimer; }
 
-    // The real interval of a tick; the periods stay counted in ticks. For demos and
-    // tests of the headless mode; the plant runs on 1000 ms.
-    void setMonitorIntervalMs(int ms);
+    AcquisitionState &acquisition() { return m_state; }
+    const AcquisitionState &acquisition() const { return m_state; }
+    AlarmIndication &alarmIndication() { return m_alarmIndication; }
+    const AlarmIndication &alarmIndication() const { return m_alarmIndication; }
+    MonitoringCycle &monitoring() { return m_cycle; }
+    const MonitoringCycle &monitoring() const { return m_cycle; }
 
 signals:
     void acquisitionStateChanged(bool running);
-    void acquisitionButtonImageChanged(int image);
     // The editor's acquisition-sensitive frame must be enabled or disabled.
     void editorFrameEnabledRequested(bool enabled);
-    // A monitoring tick has ended, its timer re-armed or, after a Stop, left off.
-    void tickFinished();
 
 private:
     enum class DeferredRead { None, Start, Reload };
 
-    bool lineInUse() const;
     bool deferWhileLineHeld(DeferredRead read);
     void runDeferredRead();
-    bool refuseWhileAcquiring();
-    void setButtonImage(int image);
-    void pollInstruments();
-    bool isDue(int period) const;
+    void readAllStates();
 
     Runtime &m_rt;
-    QTimer m_monitorTimer;
-    QTimer m_blinkTimer;
+    AcquisitionState m_state;
+    AlarmIndication m_alarmIndication;
+    MonitoringCycle m_cycle;
     QTimer m_autoStartTimer;
-    int m_monitorIntervalMs = MonitorIntervalMs;
-
-    bool m_acquisitionRunning = false;
-    bool m_alarmBlinkActive = false;
-    bool m_blinkPhase = false;
-    bool m_autoStartPending = false;
-    bool m_inTick = false;
     DeferredRead m_deferredRead = DeferredRead::None;
-    int m_cycleCounter = 0;
-    int m_buttonImage = StandbyImage;
 };
 
 } // namespace telvane

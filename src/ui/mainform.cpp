@@ -39,7 +39,7 @@ QIcon acquisitionIcon(int image, bool alarm)
 {
     if (alarm)
         return icon(QStringLiteral("allarme-attivo"));
-    return icon(image == Supervisor::AcquiringImage ? QStringLiteral("acquisizione-attiva")
+    return icon(image == AcquisitionState::AcquiringImage ? QStringLiteral("acquisizione-attiva")
                                                     : QStringLiteral("acquisizione-standby"));
 }
 
@@ -89,8 +89,8 @@ MainForm::MainForm(Runtime &rt, Supervisor &supervisor, Prompts &prompts, Camera
     m_rt.display.chart = &m_trend->live();
     m_synoptic->attachFrame(m_children->plug(m_entries.value(QStringLiteral("MenuSinottico")), m_synoptic));
 
-    connect(&m_supervisor, &Supervisor::acquisitionButtonImageChanged, this, &MainForm::showAcquisitionImage);
-    showAcquisitionImage(m_supervisor.acquisitionButtonImage());
+    connect(&m_supervisor.acquisition(), &AcquisitionState::acquisitionButtonImageChanged, this, &MainForm::showAcquisitionImage);
+    showAcquisitionImage(m_supervisor.acquisition().buttonImage());
     connect(&m_supervisor, &Supervisor::acquisitionStateChanged, this, &MainForm::showTitle);
     showTitle();
 }
@@ -337,8 +337,8 @@ void MainForm::acquisitionMenuTriggered(QAction *entry)
 // flicker of a poll. The fast blink before the automatic start keeps the plain pictures.
 void MainForm::showAcquisitionImage(int image)
 {
-    const bool alarm = m_supervisor.AlarmBlinkActive() && m_supervisor.AlarmPending() && m_supervisor.AcquisitionRunning()
-                       && image == Supervisor::StandbyImage;
+    const bool alarm = m_supervisor.alarmIndication().AlarmBlinkActive() && m_supervisor.AlarmPending() && m_supervisor.AcquisitionRunning()
+                       && image == AcquisitionState::StandbyImage;
     m_acquisitionButton->setIcon(acquisitionIcon(image, alarm));
     m_acquisitionButton->setProperty("image", image);
     m_acquisitionButton->setProperty("alarmPicture", alarm);

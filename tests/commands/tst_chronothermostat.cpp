@@ -130,13 +130,13 @@ private slots:
 
         fx.setNow(QStringLiteral("16 08:07:30"));
         supervisor.SetAcquisitionState(true);
-        supervisor.MonitorCycle();
+        supervisor.monitoring().MonitorCycle();
         QCOMPARE(fx.takeRequests(), slotWrites(0, 32, 4));
-        supervisor.MonitorCycle();
+        supervisor.monitoring().MonitorCycle();
         QVERIFY(fx.takeRequests().isEmpty());
         supervisor.SetAcquisitionState(false);
         supervisor.SetAcquisitionState(true);
-        supervisor.MonitorCycle();
+        supervisor.monitoring().MonitorCycle();
         QCOMPARE(fx.takeRequests(), slotWrites(0, 32, 4));
     }
 };

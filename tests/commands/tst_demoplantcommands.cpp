@@ -44,7 +44,7 @@ private slots:
         commands.doorOpenerClicked();
         QVERIFY(fx.takeRequests().isEmpty());
         fx.clock.advance(1000);
-        supervisor.MonitorCycle();
+        supervisor.monitoring().MonitorCycle();
         QCOMPARE(fx.takeRequests(), (QStringList{"07 05 0005 ff00", "07 05 0005 0000", "01 06 0002 00d7",
                                                  "02 06 0002 00e1", "03 06 0002 00eb", "04 06 0002 00f5"}));
         QCOMPARE(fx.pause.pauses().last(), 1500);

@@ -107,9 +107,9 @@ private slots:
 
         fx.click(click);
         QCOMPARE(fx.takeRequests(), atOnce);
-        fx.supervisor.MonitorCycle();
+        fx.supervisor.monitoring().MonitorCycle();
         QCOMPARE(fx.takeRequests(), nextTick);
-        fx.supervisor.MonitorCycle();
+        fx.supervisor.monitoring().MonitorCycle();
         QVERIFY(fx.takeRequests().isEmpty());
         QCOMPARE(fx.told.size(), atOnce.isEmpty() ? 0 + !nextTick.isEmpty() : 1 + !nextTick.isEmpty());
         QVERIFY(fx.prompts.asked().isEmpty());
@@ -127,13 +127,13 @@ private slots:
                 fx.commands.switchOnImageClicked(0);
         });
         fx.commands.queueDoorOpen(); // a tick with the door pulse in it
-        fx.supervisor.MonitorCycle();
+        fx.supervisor.monitoring().MonitorCycle();
         // Clicked during the door's reply wait: queued, and run by the same tick.
         QCOMPARE(fx.takeRequests(), (DoorPulse + QStringList{SwitchOffWrite}));
 
-        fx.line.setDuringYield([&] { fx.supervisor.MonitorCycle(); });
+        fx.line.setDuringYield([&] { fx.supervisor.monitoring().MonitorCycle(); });
         fx.commands.switchOnImageClicked(0);
-        QCOMPARE(fx.supervisor.CycleCounter(), 1);
+        QCOMPARE(fx.supervisor.monitoring().CycleCounter(), 1);
     }
 
     void setValue_data()
@@ -181,7 +181,7 @@ private slots:
         const RecordingPrompts::Prompt box{RecordingPrompts::Kind::TextInput, "Modifica parametro...",
                                            "Inserire il valore da impostare:"};
         QCOMPARE(fx.prompts.asked(), asked ? QList{box} : QList<RecordingPrompts::Prompt>());
-        fx.supervisor.MonitorCycle();
+        fx.supervisor.monitoring().MonitorCycle();
         QCOMPARE(fx.takeRequests(), nextTick);
         QVERIFY(fx.pause.pauses().isEmpty());
     }
@@ -203,7 +203,7 @@ private slots:
         QFETCH(bool, acquiring);
         CommandsFixture fx(acquiring);
         fx.click(click);
-        fx.supervisor.MonitorCycle();
+        fx.supervisor.monitoring().MonitorCycle();
         QVERIFY(fx.line.requests().isEmpty());
         QVERIFY(fx.prompts.asked().isEmpty());
         QCOMPARE(fx.pause.pauses(), QList<int>{1000});
@@ -225,7 +225,7 @@ private slots:
         fx.commands.queueSwitch(0, true);
         fx.commands.queueSwitch(0, false);
         fx.commands.queueDoorOpen();
-        fx.supervisor.MonitorCycle();
+        fx.supervisor.monitoring().MonitorCycle();
         QCOMPARE(fx.takeRequests(), (DoorPulse + QStringList{SwitchOffWrite, SwitchOnWrite, "0c 06 0051 0028"}));
         QCOMPARE(fx.told, (QList{CommandOutcome::Doubtful, CommandOutcome::Confirmed, CommandOutcome::Confirmed,
                                  CommandOutcome::Confirmed}));
@@ -243,7 +243,7 @@ private slots:
         fx.commands.queueSetValue(1, QStringLiteral("40"));
         fx.supervisor.MenuStart();
         fx.takeRequests();
-        fx.supervisor.MonitorCycle();
+        fx.supervisor.monitoring().MonitorCycle();
         QCOMPARE(fx.takeRequests(), QStringList{"0c 06 0051 0028"});
     }
 };

@@ -111,7 +111,7 @@ struct HeadlessRig : RuntimeFixture
     void tick()
     {
         clock.advance(1000);
-        supervisor.MonitorCycle();
+        supervisor.monitoring().MonitorCycle();
     }
 
     // Everything printed since the last call, line by line.
@@ -169,7 +169,7 @@ private slots:
         QVERIFY(rig.supervisor.AcquisitionRunning());
         QCOMPARE(rig.takeLines(), (QStringList{"Pannello 2: Standby", "Pannello 1: COM/dev/ttyTEST:9600,N,8,1",
                                                "Pannello 3: Lettura...", "Pannello 3:", "Pannello 2: Acquisizione"}));
-        QCOMPARE(rig.supervisor.Timer_Monitor().interval(), Supervisor::MonitorIntervalMs);
+        QCOMPARE(rig.supervisor.monitoring().Timer_Monitor().interval(), MonitoringCycle::MonitorIntervalMs);
 
         rig.tick();
         QCOMPARE(rig.takeLines(), QStringList());
@@ -188,7 +188,7 @@ private slots:
         // Listed once: the third round adds nothing.
         QCOMPARE(rig.takeLines(), (QStringList{"Pannello 3: Lettura...", "Pannello 3:", "Pannello 2: Standby"}));
         QVERIFY(!rig.supervisor.AcquisitionRunning());
-        QVERIFY(!rig.supervisor.Timer_Monitor().isActive());
+        QVERIFY(!rig.supervisor.monitoring().Timer_Monitor().isActive());
         QVERIFY(!rig.line.isOpen());
 
         const QStringList log = rig.logLines();
@@ -203,8 +203,8 @@ private slots:
         options.tickMs = 20;
         HeadlessRig rig(options);
         rig.runner->start();
-        QCOMPARE(rig.supervisor.Timer_Monitor().interval(), 20);
-        QVERIFY(rig.supervisor.Timer_Monitor().isActive());
+        QCOMPARE(rig.supervisor.monitoring().Timer_Monitor().interval(), 20);
+        QVERIFY(rig.supervisor.monitoring().Timer_Monitor().isActive());
         // Simulated: nothing on the line, and the round still pauses as a real one.
         QVERIFY(rig.line.requests().isEmpty());
         QCOMPARE(rig.pause.pauses(), QList<int>{250});
@@ -274,7 +274,7 @@ private slots:
         QCOMPARE(rig.runner->ticksRun(), 2);
         QCOMPARE(rig.logLines().size(), 2);
         QCOMPARE(rig.takeLines().last(), QStringLiteral("Pannello 2: Standby"));
-        QVERIFY(!rig.supervisor.Timer_Monitor().isActive());
+        QVERIFY(!rig.supervisor.monitoring().Timer_Monitor().isActive());
         QVERIFY(!rig.line.isOpen());
     }
 

@@ -80,15 +80,15 @@ private slots:
         QCOMPARE(rig.rt.model.chrono(ChronoSchedule::Slots - 1, ChronoSchedule::Zones - 1, ChronoSchedule::Days - 1), 21.5f);
         supervisor.MenuStart();
         rig.takeRequests();
-        supervisor.MonitorCycle();
+        supervisor.monitoring().MonitorCycle();
         QCOMPARE(rig.takeRequests(), QStringList{"01 06 0002 00d7"});
-        supervisor.MonitorCycle();
+        supervisor.monitoring().MonitorCycle();
         QVERIFY(rig.takeRequests().isEmpty());
 
         writeSchedule(rig, "18.0");
         session.reload();
         QCOMPARE(rig.rt.model.chrono(0, 0, 0), 18.0f);
-        supervisor.MonitorCycle();
+        supervisor.monitoring().MonitorCycle();
         QCOMPARE(rig.takeRequests(), QStringList{"01 06 0002 00b4"});
     }
 

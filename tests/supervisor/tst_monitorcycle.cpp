@@ -108,7 +108,7 @@ private slots:
         fx.supervisor.SetAcquisitionState(true);
         fx.task.writes = true;
 
-        fx.supervisor.MonitorCycle();
+        fx.supervisor.monitoring().MonitorCycle();
         // The task, then the polls; the task kept the line busy, so no activity poll.
         const QStringList reads{MeasurementRead, "01 03 0001 0001", "02 01 0022 0001", "02 01 0023 0001", LedLampRead};
         QCOMPARE(fx.takeRequests(), QStringList{"63 06 0090 0001"} + exchanges + reads);
@@ -156,15 +156,15 @@ private slots:
         const QStringList polls{RemoteZoneRead, MeasurementRead, LedLampRead, ActivityRead};
         QList<TickList> ran(polls.size());
         for (int tick = 1; tick <= to; ++tick) {
-            fx.supervisor.MonitorCycle();
+            fx.supervisor.monitoring().MonitorCycle();
             const QStringList requests = fx.takeRequests();
             for (int poll = 0; poll < polls.size(); ++poll)
                 if (tick >= from && requests.contains(polls[poll]))
                     ran[poll].append(tick);
         }
         QCOMPARE(ran, (QList<TickList>{remoteTicks, measurementTicks, ledTicks, activityTicks}));
-        QVERIFY(fx.supervisor.CycleCounter() < Supervisor::CycleWrap);
-        QVERIFY(fx.supervisor.Timer_Monitor().isActive());
+        QVERIFY(fx.supervisor.monitoring().CycleCounter() < MonitoringCycle::CycleWrap);
+        QVERIFY(fx.supervisor.monitoring().Timer_Monitor().isActive());
     }
 
     // The tick carries on to its end whatever is clicked while a poll waits: a Stop
@@ -198,19 +198,19 @@ private slots:
             else if (click == QLatin1String("reload"))
                 fx.supervisor.MenuRileggi();
             else if (click == QLatin1String("tick"))
-                fx.supervisor.MonitorCycle();
+                fx.supervisor.monitoring().MonitorCycle();
             QCOMPARE(fx.line.requests().size(), sent);
         });
 
-        fx.supervisor.MonitorCycle();
+        fx.supervisor.monitoring().MonitorCycle();
         QVERIFY(clicked);
         const QStringList requests = fx.takeRequests();
         const QStringList startRead{MeasurementRead, "01 03 0001 0001", "02 01 0022 0001", "02 01 0023 0001"};
         const bool reads = click.endsWith(QLatin1String("start")) || click == QLatin1String("reload");
         QCOMPARE(requests.mid(FullTickRequests), reads ? startRead : QStringList{});
         QCOMPARE(fx.supervisor.AcquisitionRunning(), click != QLatin1String("stop"));
-        QCOMPARE(fx.supervisor.Timer_Monitor().isActive(), click != QLatin1String("stop"));
-        QCOMPARE(fx.supervisor.CycleCounter(), counterAfter);
+        QCOMPARE(fx.supervisor.monitoring().Timer_Monitor().isActive(), click != QLatin1String("stop"));
+        QCOMPARE(fx.supervisor.monitoring().CycleCounter(), counterAfter);
     }
 
     // The timer runs on through a Start's re-read while acquiring, and through a Start
@@ -233,11 +233,11 @@ private slots:
         QFETCH(int, counterAfter);
         CycleFixture fx(1, 1, 1);
         fx.supervisor.SetAcquisitionState(true);
-        QSignalSpy ticks(&fx.supervisor, &Supervisor::tickFinished);
+        QSignalSpy ticks(&fx.supervisor.monitoring(), &MonitoringCycle::tickFinished);
         bool clicked = !click.endsWith(QLatin1String("in tick"));
         fx.line.setDuringYield([&] {
             if (std::exchange(clicked, true))
-                fx.supervisor.MonitorCycle(); // the timer fires
+                fx.supervisor.monitoring().MonitorCycle(); // the timer fires
             else if (click.startsWith(QLatin1String("start")))
                 fx.supervisor.MenuStart();
             else
@@ -247,25 +247,25 @@ private slots:
         if (click == QLatin1String("start"))
             fx.supervisor.MenuStart();
         else
-            fx.supervisor.MonitorCycle();
+            fx.supervisor.monitoring().MonitorCycle();
         QCOMPARE(ticks.size(), ticksRun);
-        QCOMPARE(fx.supervisor.CycleCounter(), counterAfter);
+        QCOMPARE(fx.supervisor.monitoring().CycleCounter(), counterAfter);
         QCOMPARE(fx.rt.services.alarms.FailCount(AlarmItemKind::Led, 0), 0);
-        QVERIFY(fx.supervisor.Timer_Monitor().isActive());
+        QVERIFY(fx.supervisor.monitoring().Timer_Monitor().isActive());
     }
 
     // The real interval of a tick may be shortened; the periods stay counted in ticks.
     void tickInterval()
     {
         CycleFixture fx(0, 2, 0);
-        fx.supervisor.setMonitorIntervalMs(50);
+        fx.supervisor.monitoring().setMonitorIntervalMs(50);
         fx.supervisor.load();
         fx.supervisor.SetAcquisitionState(true);
-        fx.supervisor.MonitorCycle();
+        fx.supervisor.monitoring().MonitorCycle();
         QVERIFY(fx.takeRequests().isEmpty());
-        fx.supervisor.MonitorCycle();
+        fx.supervisor.monitoring().MonitorCycle();
         QCOMPARE(fx.takeRequests().value(0), MeasurementRead);
-        QCOMPARE(fx.supervisor.Timer_Monitor().interval(), 50);
+        QCOMPARE(fx.supervisor.monitoring().Timer_Monitor().interval(), 50);
     }
 
     void pollAnswersDriveTheCounts_data()
@@ -298,7 +298,7 @@ private slots:
         fx.rt.services.items.zoneRemote[0] = RemoteState::Local;
         fx.supervisor.SetAcquisitionState(true);
 
-        fx.supervisor.MonitorCycle();
+        fx.supervisor.monitoring().MonitorCycle();
         const AlarmBook &alarms = fx.rt.services.alarms;
         QCOMPARE((QList<int>{alarms.FailCount(AlarmItemKind::Zone, 0), alarms.FailCount(AlarmItemKind::Switch, 0),
                              alarms.FailCount(AlarmItemKind::Led, 0)}),

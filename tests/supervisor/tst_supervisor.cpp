@@ -35,8 +35,8 @@ QList<int> blinkImages(Supervisor &supervisor, int phases)
 {
     QList<int> images;
     for (int i = 0; i < phases; ++i) {
-        supervisor.Timer_LampeggioTick();
-        images.append(supervisor.acquisitionButtonImage());
+        supervisor.alarmIndication().Timer_LampeggioTick();
+        images.append(supervisor.acquisition().buttonImage());
     }
     return images;
 }
@@ -58,14 +58,10 @@ private slots:
         supervisor.load();
 
         QCOMPARE(fx.rt.display.statusBar.panel(StatusBar::StatePanel), QStringLiteral("Standby"));
-        QCOMPARE(supervisor.acquisitionButtonImage(), Supervisor::StandbyImage);
-        QVERIFY(!supervisor.AcquisitionRunning() && supervisor.AutoStartPending());
+        QCOMPARE(supervisor.acquisition().buttonImage(), AcquisitionState::StandbyImage);
+        QVERIFY(!supervisor.AcquisitionRunning() && supervisor.acquisition().AutoStartPending());
         QCOMPARE(fx.rt.services.alarms.FailCount(AlarmItemKind::Switch, 0), 0);
-        QCOMPARE(supervisor.Timer_Monitor().interval(), 1000);
-        QCOMPARE(supervisor.Timer_Lampeggio().interval(), 700);
-        QCOMPARE(supervisor.TimerAutoStart().interval(), 10000);
-        QVERIFY(supervisor.TimerAutoStart().isSingleShot());
-        QVERIFY(!supervisor.Timer_Monitor().isActive() && !supervisor.TimerAutoStart().isActive());
+        QVERIFY(!supervisor.monitoring().Timer_Monitor().isActive() && !supervisor.TimerAutoStart().isActive());
         for (const char *folder : {"Dati", "Crono", "Ricetta"})
             QVERIFY2(QDir(fx.dir.filePath(QLatin1String(folder))).exists(), folder);
         QCOMPARE(fx.rt.model.mode.CurrentIniName, QStringLiteral("Telvane2.ini"));
@@ -126,7 +122,7 @@ private slots:
     void acquisitionState()
     {
         SupervisorFixture fx;
-        fx.supervisor.SetAlarmBlink(true);
+        fx.supervisor.alarmIndication().SetAlarmBlink(true);
         for (const bool on : {true, false}) {
             fx.rt.display.statusBar.setPanel(StatusBar::ActivityPanel, QStringLiteral("Remoto..."));
             fx.rt.display.statusBar.setPanel(StatusBar::MessagePanel, QStringLiteral("Accensione..."));
@@ -134,10 +130,10 @@ private slots:
             QCOMPARE(fx.rt.display.statusBar.panel(StatusBar::StatePanel), QString(on ? "Acquisizione" : "Standby"));
             QVERIFY(fx.rt.display.statusBar.panel(StatusBar::ActivityPanel).isEmpty());
             QVERIFY(fx.rt.display.statusBar.panel(StatusBar::MessagePanel).isEmpty());
-            QCOMPARE(fx.supervisor.acquisitionButtonImage(),
-                     on ? Supervisor::AcquiringImage : Supervisor::StandbyImage);
-            QCOMPARE(fx.supervisor.Timer_Monitor().isActive(), on);
-            QCOMPARE(fx.supervisor.Timer_Lampeggio().isActive(), on);
+            QCOMPARE(fx.supervisor.acquisition().buttonImage(),
+                     on ? AcquisitionState::AcquiringImage : AcquisitionState::StandbyImage);
+            QCOMPARE(fx.supervisor.monitoring().Timer_Monitor().isActive(), on);
+            QCOMPARE(fx.supervisor.alarmIndication().Timer_Lampeggio().isActive(), on);
         }
     }
 
@@ -177,7 +173,7 @@ private slots:
         QCOMPARE(fx.takeRequests().size(), std::max(requests, 0));
         QCOMPARE(fx.rt.model.values.ZoneValues[0][0] != InvalidValue, requests >= 0);
         QCOMPARE(fx.supervisor.AcquisitionRunning(), acquiring || requests >= 0);
-        QCOMPARE(fx.supervisor.Timer_Monitor().isActive(), acquiring || requests >= 0);
+        QCOMPARE(fx.supervisor.monitoring().Timer_Monitor().isActive(), acquiring || requests >= 0);
         QCOMPARE(changed.size(), requests < 0 ? 0 : reload ? 2 : 1);
     }
 
@@ -188,12 +184,12 @@ private slots:
         fx.rt.display.EditorOpen = true;
         for (int i = 0; i < 6; ++i)
             fx.rt.services.alarms.ReportLedFailure(2);
-        fx.supervisor.SetAlarmBlink(false);
+        fx.supervisor.alarmIndication().SetAlarmBlink(false);
         QSignalSpy editor(&fx.supervisor, &Supervisor::editorFrameEnabledRequested);
 
         fx.supervisor.MenuStart();
-        QVERIFY(fx.supervisor.AlarmBlinkActive());
-        QVERIFY(fx.supervisor.Timer_Lampeggio().isActive());
+        QVERIFY(fx.supervisor.alarmIndication().AlarmBlinkActive());
+        QVERIFY(fx.supervisor.alarmIndication().Timer_Lampeggio().isActive());
         QCOMPARE(QList<QVariantList>(editor), QList<QVariantList>{{false}});
     }
 
@@ -214,7 +210,7 @@ private slots:
         fx.rt.display.EditorOpen = true;
         fx.rt.services.user = user;
         fx.supervisor.MenuStart();
-        fx.supervisor.SetAlarmBlink(true);
+        fx.supervisor.alarmIndication().SetAlarmBlink(true);
         fx.rt.services.items.switches[0] = SwitchState::On;
         fx.rt.services.items.leds[1].lit = true;
         QSignalSpy zonesReset(&fx.rt.display.displayResets, &DisplayResets::ResetZoneDisplays);
@@ -222,8 +218,8 @@ private slots:
 
         fx.supervisor.MenuStop();
         QVERIFY(!fx.supervisor.AcquisitionRunning());
-        QVERIFY(!fx.supervisor.AlarmBlinkActive());
-        QCOMPARE(fx.supervisor.acquisitionButtonImage(), Supervisor::StandbyImage);
+        QVERIFY(!fx.supervisor.alarmIndication().AlarmBlinkActive());
+        QCOMPARE(fx.supervisor.acquisition().buttonImage(), AcquisitionState::StandbyImage);
         QCOMPARE(zonesReset.size(), 1);
         QCOMPARE(fx.rt.services.items.switches[0], SwitchState::Undetermined);
         QVERIFY(!fx.rt.services.items.leds[1].lit);
@@ -269,17 +265,17 @@ private slots:
         fx.rt.services.master.setCommunicate(false);
         supervisor.armAutoStart(true);
         QVERIFY(supervisor.TimerAutoStart().isActive());
-        QCOMPARE(supervisor.Timer_Lampeggio().interval(), 350);
+        QCOMPARE(supervisor.alarmIndication().Timer_Lampeggio().interval(), 350);
         QCOMPARE(fx.rt.display.statusBar.panel(StatusBar::MessagePanel), QStringLiteral("Avvio in corso..."));
         QCOMPARE(blinkImages(supervisor, 4), (QList<int>{3, 4, 3, 4}));
-        QVERIFY(supervisor.Timer_Lampeggio().isActive());
+        QVERIFY(supervisor.alarmIndication().Timer_Lampeggio().isActive());
 
         supervisor.TimerAutoStartTick();
-        QVERIFY(!supervisor.AutoStartPending());
+        QVERIFY(!supervisor.acquisition().AutoStartPending());
         QVERIFY(supervisor.AcquisitionRunning());
-        QVERIFY(!supervisor.AlarmBlinkActive());
-        QCOMPARE(supervisor.Timer_Lampeggio().interval(), 700);
-        QCOMPARE(supervisor.acquisitionButtonImage(), Supervisor::AcquiringImage);
+        QVERIFY(!supervisor.alarmIndication().AlarmBlinkActive());
+        QCOMPARE(supervisor.alarmIndication().Timer_Lampeggio().interval(), 700);
+        QCOMPARE(supervisor.acquisition().buttonImage(), AcquisitionState::AcquiringImage);
         QCOMPARE(fx.rt.display.statusBar.panel(StatusBar::MessagePanel), QString());
     }
 
@@ -299,28 +295,28 @@ private slots:
         fx.rt.services.master.setCommunicate(false);
         fx.rt.model.plant.synoptic.alarmSound = sound;
         supervisor.TimerAutoStartTick(); // acquiring, as after the automatic start
-        QVERIFY(!supervisor.Timer_Lampeggio().isActive());
+        QVERIFY(!supervisor.alarmIndication().Timer_Lampeggio().isActive());
 
         for (int i = 0; i < 6; ++i)
             fx.rt.services.alarms.ReportZoneFailure(0);
-        QVERIFY(supervisor.AlarmBlinkActive());
-        QVERIFY(supervisor.Timer_Lampeggio().isActive());
+        QVERIFY(supervisor.alarmIndication().AlarmBlinkActive());
+        QVERIFY(supervisor.alarmIndication().Timer_Lampeggio().isActive());
         QCOMPARE(blinkImages(supervisor, 3), (QList<int>{3, 4, 3}));
         const QString played = fx.dir.filePath(QStringLiteral("allarme.wav"));
         QCOMPARE(fx.sound.played(), (sound.isEmpty() ? QStringList{} : QStringList{played, played}));
 
         supervisor.ResetAlarms();
         QVERIFY(!supervisor.AlarmPending());
-        QCOMPARE(supervisor.acquisitionButtonImage(), Supervisor::AcquiringImage);
-        supervisor.Timer_LampeggioTick();
-        QVERIFY(!supervisor.Timer_Lampeggio().isActive());
-        QCOMPARE(supervisor.acquisitionButtonImage(), Supervisor::AcquiringImage);
+        QCOMPARE(supervisor.acquisition().buttonImage(), AcquisitionState::AcquiringImage);
+        supervisor.alarmIndication().Timer_LampeggioTick();
+        QVERIFY(!supervisor.alarmIndication().Timer_Lampeggio().isActive());
+        QCOMPARE(supervisor.acquisition().buttonImage(), AcquisitionState::AcquiringImage);
 
         // Neither acquiring nor about to start: a blink stops at its next phase.
         supervisor.MenuStop();
-        supervisor.SetAlarmBlink(true);
-        supervisor.Timer_LampeggioTick();
-        QVERIFY(!supervisor.Timer_Lampeggio().isActive());
+        supervisor.alarmIndication().SetAlarmBlink(true);
+        supervisor.alarmIndication().Timer_LampeggioTick();
+        QVERIFY(!supervisor.alarmIndication().Timer_Lampeggio().isActive());
     }
 
     // The demo plant simulated for ten minutes: the start's round and one a minute reach
@@ -340,7 +336,7 @@ private slots:
         supervisor.MenuStart();
         for (int tick = 0; tick < 600; ++tick) {
             fx.clock.advance(1000);
-            supervisor.MonitorCycle();
+            supervisor.monitoring().MonitorCycle();
         }
         QVERIFY(fx.line.requests().isEmpty());
         QCOMPARE(fx.pause.pauses(), QList<int>(11, 250));

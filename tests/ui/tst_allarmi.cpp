@@ -58,18 +58,18 @@ private slots:
         startWithSilentSwitch(rig);
         readPlant(rig, 5);
         QCOMPARE(rows(rig, "Lst_AllarmiI"), QStringList());
-        QVERIFY(!rig.supervisor.AlarmBlinkActive());
+        QVERIFY(!rig.supervisor.alarmIndication().AlarmBlinkActive());
 
         readPlant(rig, 1);
         const QString when = rig.plant.clock.now().toString(QLatin1String(DateTimeTextFormat));
         QCOMPARE(rows(rig, "Lst_AllarmiI"), QStringList{QStringLiteral("Pompa (%1)").arg(when)});
         QCOMPARE(rows(rig, "Lst_AllarmiZ"), QStringList());
         // The blink alternates the button's images and sounds the alarm on one phase.
-        rig.supervisor.Timer_LampeggioTick();
-        QCOMPARE(rig.acquisitionImage(), Supervisor::StandbyImage);
+        rig.supervisor.alarmIndication().Timer_LampeggioTick();
+        QCOMPARE(rig.acquisitionImage(), AcquisitionState::StandbyImage);
         QCOMPARE(rig.plant.sound.played(), QStringList{rig.plant.dir.filePath(QStringLiteral("allarme.wav"))});
-        rig.supervisor.Timer_LampeggioTick();
-        QCOMPARE(rig.acquisitionImage(), Supervisor::AcquiringImage);
+        rig.supervisor.alarmIndication().Timer_LampeggioTick();
+        QCOMPARE(rig.acquisitionImage(), AcquisitionState::AcquiringImage);
     }
 
     // Enter and Escape act as "Chiudi", the button drawn as the default.
@@ -93,8 +93,8 @@ private slots:
             QTest::mouseClick(alarms->findChild<QPushButton *>(QStringLiteral("Cmd_Chiudi")), Qt::LeftButton);
         QVERIFY(!alarms->isVisible());
         QCOMPARE(rows(rig, "Lst_AllarmiI"), QStringList());
-        QVERIFY(!rig.supervisor.AlarmBlinkActive());
-        QCOMPARE(rig.acquisitionImage(), Supervisor::AcquiringImage);
+        QVERIFY(!rig.supervisor.alarmIndication().AlarmBlinkActive());
+        QCOMPARE(rig.acquisitionImage(), AcquisitionState::AcquiringImage);
         // The count starts again from nothing.
         readPlant(rig, 5);
         QCOMPARE(rows(rig, "Lst_AllarmiI"), QStringList());

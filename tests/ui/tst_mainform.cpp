@@ -53,7 +53,7 @@ private slots:
         rig.startUp();
         QCOMPARE(rig.panel(1), QStringLiteral("COM1:9600,N,8,1"));
         QCOMPARE(rig.panel(2), Standby);
-        QCOMPARE(rig.acquisitionImage(), Supervisor::StandbyImage);
+        QCOMPARE(rig.acquisitionImage(), AcquisitionState::StandbyImage);
         QCOMPARE(rig.button(QStringLiteral("5"))->text(), cells[1]);
     }
 
@@ -82,19 +82,19 @@ private slots:
         give(QStringLiteral("Start"));
         QCOMPARE(rig.plant.takeRequests().size(), 1);
         QCOMPARE(rig.panel(2), Acquiring);
-        QCOMPARE(rig.acquisitionImage(), Supervisor::AcquiringImage);
-        QCOMPARE(supervisor.Timer_Monitor().interval(), 1000);
-        QVERIFY(supervisor.Timer_Monitor().isActive());
+        QCOMPARE(rig.acquisitionImage(), AcquisitionState::AcquiringImage);
+        QCOMPARE(supervisor.monitoring().Timer_Monitor().interval(), 1000);
+        QVERIFY(supervisor.monitoring().Timer_Monitor().isActive());
 
         give(QStringLiteral("Rileggi"));
         QCOMPARE(rig.plant.takeRequests().size(), 1);
-        QVERIFY(supervisor.Timer_Monitor().isActive());
+        QVERIFY(supervisor.monitoring().Timer_Monitor().isActive());
 
         give(QStringLiteral("Stop"));
         QCOMPARE(rig.panel(2), Standby);
-        QCOMPARE(rig.acquisitionImage(), Supervisor::StandbyImage);
-        QVERIFY(!supervisor.Timer_Monitor().isActive());
-        QVERIFY(!supervisor.Timer_Lampeggio().isActive());
+        QCOMPARE(rig.acquisitionImage(), AcquisitionState::StandbyImage);
+        QVERIFY(!supervisor.monitoring().Timer_Monitor().isActive());
+        QVERIFY(!supervisor.alarmIndication().Timer_Lampeggio().isActive());
     }
 
     // Without a port only simulation starts; neither way says anything.
@@ -194,11 +194,11 @@ private slots:
         Supervisor &supervisor = rig.supervisor;
         QCOMPARE(rig.panel(4), QStringLiteral("Avvio in corso..."));
         QCOMPARE(supervisor.TimerAutoStart().interval(), 10000);
-        QCOMPARE(supervisor.Timer_Lampeggio().interval(), 350);
-        QVERIFY(supervisor.Timer_Lampeggio().isActive());
+        QCOMPARE(supervisor.alarmIndication().Timer_Lampeggio().interval(), 350);
+        QVERIFY(supervisor.alarmIndication().Timer_Lampeggio().isActive());
         QList<int> images;
         for (int tick = 0; tick < 4; ++tick) {
-            supervisor.Timer_LampeggioTick();
+            supervisor.alarmIndication().Timer_LampeggioTick();
             images.append(rig.acquisitionImage());
         }
         QCOMPARE(images, (QList<int>{3, 4, 3, 4}));
@@ -206,8 +206,8 @@ private slots:
         supervisor.TimerAutoStartTick();
         QCOMPARE(rig.panel(2), Acquiring);
         QCOMPARE(rig.panel(4), QString());
-        QCOMPARE(rig.acquisitionImage(), Supervisor::AcquiringImage);
-        QCOMPARE(supervisor.Timer_Lampeggio().interval(), 700); // an alarm's pace from now on
+        QCOMPARE(rig.acquisitionImage(), AcquisitionState::AcquiringImage);
+        QCOMPARE(supervisor.alarmIndication().Timer_Lampeggio().interval(), 700); // an alarm's pace from now on
     }
 
     // The blink of an alarm alternates the red alarm picture with the acquiring one.
@@ -219,11 +219,11 @@ private slots:
         for (int failure = 0; failure < 6; ++failure)
             rig.plant.rt.services.alarms.ReportSwitchFailure(0);
         rig.clickButton(QStringLiteral("8"));
-        QVERIFY(rig.supervisor.AlarmBlinkActive());
+        QVERIFY(rig.supervisor.alarmIndication().AlarmBlinkActive());
         QToolButton *button = rig.button(QStringLiteral("8"));
         QList<bool> alarmPictures;
         for (int tick = 0; tick < 4; ++tick) {
-            rig.supervisor.Timer_LampeggioTick();
+            rig.supervisor.alarmIndication().Timer_LampeggioTick();
             alarmPictures.append(button->property("alarmPicture").toBool());
         }
         QCOMPARE(alarmPictures, (QList<bool>{true, false, true, false}));

@@ -132,7 +132,7 @@ Sinottico::Sinottico(const SynopticSources &sources, Supervisor &supervisor, Cam
     connect(&m_sources.resets, &DisplayResets::ResetZoneDisplays, this, &Sinottico::resetZoneDisplays);
     connect(&m_sources.resets, &DisplayResets::ResetIndicatorDisplays, this, &Sinottico::resetIndicatorDisplays);
 
-    connect(&m_supervisor, &Supervisor::acquisitionButtonImageChanged, this, &Sinottico::showBlink);
+    connect(&m_supervisor.acquisition(), &AcquisitionState::acquisitionButtonImageChanged, this, &Sinottico::showBlink);
     connect(&m_sources.alarms, &AlarmBook::entryAdded, this, &Sinottico::showBlink);
     connect(&m_sources.alarms, &AlarmBook::alarmsReset, this, &Sinottico::showBlink);
     connect(&m_supervisor, &Supervisor::acquisitionStateChanged, this, [this](bool running) {
@@ -366,7 +366,7 @@ void Sinottico::refreshStaleness()
 // blinks with the acquisition button.
 void Sinottico::showBlink()
 {
-    const bool framed = !m_supervisor.AlarmBlinkActive() || m_supervisor.BlinkPhase();
+    const bool framed = !m_supervisor.alarmIndication().AlarmBlinkActive() || m_supervisor.alarmIndication().BlinkPhase();
     const AlarmBook &alarms = m_sources.alarms;
     for (int zone = 0; zone < m_zones.size(); ++zone)
         m_zones[zone]->setAlarm(alarms.AlarmReported(AlarmItemKind::Zone, zone), framed);

@@ -1,5 +1,6 @@
-#include "supervisor/supervisor.h"
+#include "supervisor/monitoringcycle.h"
 
+#include "supervisor/acquisitionstate.h"
 #include "supervisor/activitypoll.h"
 #include "supervisor/cycletask.h"
 #include "supervisor/dooroperations.h"
@@ -9,14 +10,35 @@
 #include "supervisor/switchoperations.h"
 #include "supervisor/zoneoperations.h"
 
+#include <algorithm>
 #include <optional>
 
 namespace telvane {
 
+MonitoringCycle::MonitoringCycle(Runtime &rt, const AcquisitionState &state, QObject *parent)
+    : QObject(parent)
+    , m_rt(rt)
+    , m_state(state)
+{
+    m_monitorTimer.setInterval(m_intervalMs);
+    connect(&m_monitorTimer, &QTimer::timeout, this, &MonitoringCycle::MonitorCycle);
+}
+
+void MonitoringCycle::setMonitorIntervalMs(int ms)
+{
+    m_intervalMs = std::max(1, ms);
+    m_monitorTimer.setInterval(m_intervalMs);
+}
+
+bool MonitoringCycle::lineInUse() const
+{
+    return m_rt.services.lineHolds.held() || m_rt.services.master.busy();
+}
+
 // One tick of `Timer_Monitor`. The timer is off for the length of the tick, so a
 // slow line never stacks ticks up, and comes back only if acquisition still runs at
 // the end: a Stop given while a poll waited for its reply ends the cycle.
-void Supervisor::MonitorCycle()
+void MonitoringCycle::MonitorCycle()
 {
     // The timer keeps running through a Start's re-read or a command run at once, and
     // may fire in one of their reply waits; that tick is skipped, the next one comes.
@@ -53,8 +75,8 @@ void Supervisor::MonitorCycle()
 
     if (m_cycleCounter >= CycleWrap)
         m_cycleCounter = 0;
-    if (m_acquisitionRunning)
-        m_monitorTimer.start(m_monitorIntervalMs);
+    if (m_state.AcquisitionRunning())
+        m_monitorTimer.start(m_intervalMs);
     m_inTick = false;
 
     // Runs a Start or Reload clicked during the tick.
@@ -63,17 +85,17 @@ void Supervisor::MonitorCycle()
 }
 
 // A period of 0 would divide by zero; that poll simply never runs.
-bool Supervisor::isDue(int period) const
+bool MonitoringCycle::isDue(int period) const
 {
     return period != 0 && m_cycleCounter % period == 0;
 }
 
 // Every zone, switch, the door opener and every LED: in remote mode their remote/local
 // register is read, otherwise the supervisor's state is written to it.
-void Supervisor::pollInstruments()
+void MonitoringCycle::pollInstruments()
 {
     const bool remote = m_rt.model.editor.comm.remoteEnabled;
-    const int supervisorState = m_acquisitionRunning ? 1 : 0;
+    const int supervisorState = m_state.AcquisitionRunning() ? 1 : 0;
     m_rt.display.statusBar.setPanel(StatusBar::ActivityPanel,
                             remote ? QStringLiteral("Remoto...") : QStringLiteral("Locale..."));
 
