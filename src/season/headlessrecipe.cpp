@@ -32,7 +32,7 @@ std::optional<Season> seasonOfFile(const IniStore &ini, const QString &fileName)
 
 } // namespace
 
-int SendRecipeHeadless(Runtime &rt, Prompts &prompts, QTextStream &out, const QString &name)
+int sendRecipeHeadless(Runtime &rt, Prompts &prompts, QTextStream &out, const QString &name)
 {
     SeasonChange change(rt, prompts);
     QObject::connect(&change, &SeasonChange::rowDone, [&out](int, const QString &text, bool) {

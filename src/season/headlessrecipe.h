@@ -20,6 +20,6 @@ struct Runtime;
 //
 // On success "Attuale" becomes the season the recipe is named for, if any, as in the
 // window. Returns the exit code: 0 when every row was sent, 1 otherwise.
-int SendRecipeHeadless(Runtime &rt, Prompts &prompts, QTextStream &out, const QString &name);
+int sendRecipeHeadless(Runtime &rt, Prompts &prompts, QTextStream &out, const QString &name);
 
 } // namespace telvane

@@ -73,7 +73,7 @@ void HeadlessRunner::start()
     if (!m_options.recipe.isEmpty()) {
         m_supervisor.cancelAutoStart();
         m_starting = false;
-        finish(SendRecipeHeadless(m_rt, m_prompts, m_out, m_options.recipe));
+        finish(sendRecipeHeadless(m_rt, m_prompts, m_out, m_options.recipe));
         return;
     }
 

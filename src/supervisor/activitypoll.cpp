@@ -6,7 +6,7 @@
 
 namespace telvane {
 
-bool ActivityPoll(Runtime &rt)
+bool activityPoll(Runtime &rt)
 {
     const LineProbe &probe = rt.model.editor.lineProbe;
     if (probe.address < 1 || probe.address > 255 || probe.functionCode < 1 || probe.functionCode > 4)

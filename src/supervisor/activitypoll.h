@@ -8,6 +8,6 @@ struct Runtime;
 // reading list. True when the instrument answered. It feeds no alarm counter (the
 // measurement rounds count that instrument's failures); a line that stops or starts
 // answering again is noted in the log once.
-bool ActivityPoll(Runtime &rt);
+bool activityPoll(Runtime &rt);
 
 } // namespace telvane

@@ -4,7 +4,7 @@
 
 namespace telvane {
 
-bool DoorRemoteRead(Runtime &rt)
+bool doorRemoteRead(Runtime &rt)
 {
     if (remoteRead(rt, rt.model.editor.tables.DoorReadTable, 0, rt.services.items.doorRemote).answered())
         return true;
@@ -12,7 +12,7 @@ bool DoorRemoteRead(Runtime &rt)
     return false;
 }
 
-bool DoorLocalWrite(Runtime &rt, int supervisorState)
+bool doorLocalWrite(Runtime &rt, int supervisorState)
 {
     return localWrite(rt, rt.model.editor.tables.DoorWriteTable, 0, supervisorState).answered();
 }

@@ -7,7 +7,7 @@ struct Runtime;
 // The door opener's remote/local register, polled every `Base Remoto` ticks after the
 // switches. The door opener has no alarm entry: a failure only makes its remote state
 // unknown.
-bool DoorRemoteRead(Runtime &rt);
-bool DoorLocalWrite(Runtime &rt, int supervisorState);
+bool doorRemoteRead(Runtime &rt);
+bool doorLocalWrite(Runtime &rt, int supervisorState);
 
 } // namespace telvane

@@ -24,7 +24,7 @@ void readLamp(Runtime &rt, int led)
     if (countFailure(rt, AlarmItemKind::Led, led, reading.bus)) {
         rt.services.alarms.clearFailCount(AlarmItemKind::Led, led);
         lamp.value = reading.value;
-        lamp.lit = LedConditionHolds(table.at(led, LedSlot::Condition), reading.bus.value,
+        lamp.lit = ledConditionHolds(table.at(led, LedSlot::Condition), reading.bus.value,
                                      table.at(led, LedSlot::Threshold));
     }
     rt.services.items.leds[led] = lamp;
@@ -32,7 +32,7 @@ void readLamp(Runtime &rt, int led)
 
 } // namespace
 
-bool LedRemoteRead(Runtime &rt, int led)
+bool ledRemoteRead(Runtime &rt, int led)
 {
     if (!ledValid(led))
         return false;
@@ -43,14 +43,14 @@ bool LedRemoteRead(Runtime &rt, int led)
     return false;
 }
 
-bool LedLocalWrite(Runtime &rt, int led, int supervisorState)
+bool ledLocalWrite(Runtime &rt, int led, int supervisorState)
 {
     return ledValid(led)
            && countFailure(rt, AlarmItemKind::Led, led,
                            localWrite(rt, rt.model.editor.tables.LedWriteTable, led, supervisorState));
 }
 
-bool LedConditionHolds(int condition, qint32 reading, qint32 threshold)
+bool ledConditionHolds(int condition, qint32 reading, qint32 threshold)
 {
     switch (condition) {
     case 2:
@@ -68,7 +68,7 @@ bool LedConditionHolds(int condition, qint32 reading, qint32 threshold)
     }
 }
 
-void ReadAllLedLamps(Runtime &rt)
+void readAllLedLamps(Runtime &rt)
 {
     const int leds = std::clamp(rt.model.plant.ledCount(), 0, MaxLeds);
     for (int led = 0; led < leds; ++led)

@@ -61,15 +61,15 @@ void MonitoringCycle::MonitorCycle()
     if (isDue(m_rt.model.editor.comm.measurementPeriod)) {
         busy = true;
         ReadAllMeasurements(m_rt);
-        ReadAllSwitchStates(m_rt);
+        readAllSwitchStates(m_rt);
     }
     if (isDue(m_rt.model.editor.comm.ledPeriod)) {
-        ReadAllLedLamps(m_rt);
+        readAllLedLamps(m_rt);
         busy = true;
     }
     if (!busy && m_rt.model.editor.comm.lineActivity) {
         m_rt.display.statusBar.setPanel(StatusBar::ActivityPanel, QStringLiteral("Attivita..."));
-        ActivityPoll(m_rt);
+        activityPoll(m_rt);
         m_rt.display.statusBar.setPanel(StatusBar::ActivityPanel, QString());
     }
 
@@ -101,33 +101,33 @@ void MonitoringCycle::pollInstruments()
 
     const int zones = std::clamp(m_rt.model.plant.zoneCount(), 0, MaxZones);
     for (int zone = 0; zone < zones; ++zone) {
-        if (remote ? ZoneRemoteRead(m_rt, zone) : ZoneLocalWrite(m_rt, zone, supervisorState))
+        if (remote ? zoneRemoteRead(m_rt, zone) : zoneLocalWrite(m_rt, zone, supervisorState))
             m_rt.services.alarms.clearFailCount(AlarmItemKind::Zone, zone);
         else
-            ZoneStatusText(m_rt, zone);
+            zoneStatusText(m_rt, zone);
     }
 
     const int switches = std::clamp(m_rt.model.plant.switchCount(), 0, MaxSwitches);
     for (int sw = 0; sw < switches; ++sw) {
-        if (remote ? SwitchRemoteRead(m_rt, sw) : SwitchLocalWrite(m_rt, sw, supervisorState))
+        if (remote ? switchRemoteRead(m_rt, sw) : switchLocalWrite(m_rt, sw, supervisorState))
             m_rt.services.alarms.clearFailCount(AlarmItemKind::Switch, sw);
         else
-            SwitchStatusText(m_rt, sw);
+            switchStatusText(m_rt, sw);
     }
 
     if (m_rt.model.plant.apriporta.present) {
         if (remote)
-            DoorRemoteRead(m_rt);
+            doorRemoteRead(m_rt);
         else
-            DoorLocalWrite(m_rt, supervisorState);
+            doorLocalWrite(m_rt, supervisorState);
     }
 
     const int leds = std::clamp(m_rt.model.plant.ledCount(), 0, MaxLeds);
     for (int led = 0; led < leds; ++led) {
         if (remote)
-            LedRemoteRead(m_rt, led);
+            ledRemoteRead(m_rt, led);
         else
-            LedLocalWrite(m_rt, led, supervisorState);
+            ledLocalWrite(m_rt, led, supervisorState);
     }
 
     m_rt.display.statusBar.setPanel(StatusBar::ActivityPanel, QString());

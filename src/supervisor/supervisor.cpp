@@ -103,7 +103,7 @@ void Supervisor::ResetAlarms()
 void Supervisor::readAllStates()
 {
     ReadAllMeasurements(m_rt);
-    ReadAllSwitchStates(m_rt);
+    readAllSwitchStates(m_rt);
 }
 
 void Supervisor::MenuStart()

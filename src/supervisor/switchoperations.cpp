@@ -30,27 +30,27 @@ bool readStateRegister(Runtime &rt, int sw, SwitchSlot functionSlot, SwitchSlot 
 
 } // namespace
 
-bool SwitchRemoteRead(Runtime &rt, int sw)
+bool switchRemoteRead(Runtime &rt, int sw)
 {
     return switchValid(sw)
            && countFailure(rt, AlarmItemKind::Switch, sw,
                            remoteRead(rt, rt.model.editor.tables.SwitchReadTable, sw, rt.services.items.switchRemote[sw]));
 }
 
-bool SwitchLocalWrite(Runtime &rt, int sw, int supervisorState)
+bool switchLocalWrite(Runtime &rt, int sw, int supervisorState)
 {
     return switchValid(sw)
            && countFailure(rt, AlarmItemKind::Switch, sw,
                            localWrite(rt, rt.model.editor.tables.SwitchWriteTable, sw, supervisorState));
 }
 
-void SwitchStatusText(Runtime &rt, int sw)
+void switchStatusText(Runtime &rt, int sw)
 {
     if (switchValid(sw))
         forgetRemoteState(rt, rt.services.items.switchRemote[sw]);
 }
 
-SwitchState SwitchStateFrom(bool onUsed, float onValue, bool offUsed, float offValue)
+SwitchState switchStateFrom(bool onUsed, float onValue, bool offUsed, float offValue)
 {
     if (!onUsed && !offUsed)
         return SwitchState::Undetermined;
@@ -68,14 +68,14 @@ SwitchState SwitchStateFrom(bool onUsed, float onValue, bool offUsed, float offV
     return offValue != 0 ? SwitchState::Off : SwitchState::On;
 }
 
-void ReadAllSwitchStates(Runtime &rt)
+void readAllSwitchStates(Runtime &rt)
 {
     const int switches = std::clamp(rt.model.plant.switchCount(), 0, MaxSwitches);
     for (int sw = 0; sw < switches; ++sw) {
         auto &values = rt.model.values.SwitchValues[sw];
         const bool onUsed = readStateRegister(rt, sw, SwitchSlot::OnFunction, SwitchSlot::OnRegister, values[0]);
         const bool offUsed = readStateRegister(rt, sw, SwitchSlot::OffFunction, SwitchSlot::OffRegister, values[1]);
-        rt.services.items.switches[sw] = SwitchStateFrom(onUsed, values[0], offUsed, values[1]);
+        rt.services.items.switches[sw] = switchStateFrom(onUsed, values[0], offUsed, values[1]);
     }
     emit rt.display.synoptic.switchStatesChanged();
 }

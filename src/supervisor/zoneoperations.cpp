@@ -14,21 +14,21 @@ bool zoneValid(int zone)
 
 } // namespace
 
-bool ZoneRemoteRead(Runtime &rt, int zone)
+bool zoneRemoteRead(Runtime &rt, int zone)
 {
     return zoneValid(zone)
            && countFailure(rt, AlarmItemKind::Zone, zone,
                            remoteRead(rt, rt.model.editor.tables.ZoneReadTable, zone, rt.services.items.zoneRemote[zone]));
 }
 
-bool ZoneLocalWrite(Runtime &rt, int zone, int supervisorState)
+bool zoneLocalWrite(Runtime &rt, int zone, int supervisorState)
 {
     return zoneValid(zone)
            && countFailure(rt, AlarmItemKind::Zone, zone,
                            localWrite(rt, rt.model.editor.tables.ZoneWriteTable, zone, supervisorState));
 }
 
-void ZoneStatusText(Runtime &rt, int zone)
+void zoneStatusText(Runtime &rt, int zone)
 {
     if (zoneValid(zone))
         forgetRemoteState(rt, rt.services.items.zoneRemote[zone]);

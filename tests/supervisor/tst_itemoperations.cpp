@@ -41,13 +41,13 @@ bool runExchange(Runtime &rt, Kind kind, bool read, int state)
 {
     switch (kind) {
     case Kind::Zone:
-        return read ? ZoneRemoteRead(rt, 2) : ZoneLocalWrite(rt, 2, state);
+        return read ? zoneRemoteRead(rt, 2) : zoneLocalWrite(rt, 2, state);
     case Kind::Switch:
-        return read ? SwitchRemoteRead(rt, 2) : SwitchLocalWrite(rt, 2, state);
+        return read ? switchRemoteRead(rt, 2) : switchLocalWrite(rt, 2, state);
     case Kind::Door:
-        return read ? DoorRemoteRead(rt) : DoorLocalWrite(rt, state);
+        return read ? doorRemoteRead(rt) : doorLocalWrite(rt, state);
     case Kind::Led:
-        return read ? LedRemoteRead(rt, 2) : LedLocalWrite(rt, 2, state);
+        return read ? ledRemoteRead(rt, 2) : ledLocalWrite(rt, 2, state);
     }
     return false;
 }
@@ -148,9 +148,9 @@ private slots:
     {
         RuntimeFixture fx;
         QTest::ignoreMessage(QtWarningMsg, QRegularExpression("No zone with index 30"));
-        QVERIFY(!ZoneRemoteRead(fx.rt, 30));
+        QVERIFY(!zoneRemoteRead(fx.rt, 30));
         QTest::ignoreMessage(QtWarningMsg, QRegularExpression("No LED with index 10"));
-        QVERIFY(!LedRemoteRead(fx.rt, 10));
+        QVERIFY(!ledRemoteRead(fx.rt, 10));
         QVERIFY(fx.line.requests().isEmpty());
     }
 
@@ -176,7 +176,7 @@ private slots:
         QFETCH(bool, offUsed);
         QFETCH(float, off);
         QFETCH(SwitchState, state);
-        QCOMPARE(SwitchStateFrom(onUsed, on, offUsed, off), state);
+        QCOMPARE(switchStateFrom(onUsed, on, offUsed, off), state);
     }
 
     // Switch 0: coils, on. 1: registers with 1 decimal, off. 2: silent.
@@ -193,7 +193,7 @@ private slots:
         for (int i = 0; i < 3; ++i)
             fx.rt.services.alarms.ReportSwitchFailure(0);
 
-        ReadAllSwitchStates(fx.rt);
+        readAllSwitchStates(fx.rt);
         QCOMPARE(fx.takeRequests(), (QStringList{"15 01 0010 0001", "15 01 0011 0001", "16 03 0010 0001",
                                                  "16 03 0011 0001", "17 01 0010 0001"}));
         QCOMPARE(fx.rt.model.values.SwitchValues[1][1], 1.5f);
@@ -212,7 +212,7 @@ private slots:
         for (int condition = 0; condition <= 9; ++condition) {
             lit.append(QString());
             for (int reading : {249, 250, 251})
-                lit.last() += LedConditionHolds(condition, reading, 250) ? '1' : '0';
+                lit.last() += ledConditionHolds(condition, reading, 250) ? '1' : '0';
         }
         QCOMPARE(lit, (QStringList{"011", "011", "110", "010", "001", "100", "101", "011", "011", "011"}));
     }
@@ -231,7 +231,7 @@ private slots:
         fx.setValue(31, 3, 0x10, 255);
         fx.rt.services.items.leds[2] = {true, 12.0f};
 
-        ReadAllLedLamps(fx.rt);
+        readAllLedLamps(fx.rt);
         QCOMPARE(fx.takeRequests(), (QStringList{"1f 03 0010 0001", "1f 03 0010 0001", "21 04 0009 0001"}));
         QVERIFY(fx.rt.services.items.leds[0].lit);
         QCOMPARE(fx.rt.services.items.leds[0].value, 25.5f);
@@ -242,7 +242,7 @@ private slots:
         QCOMPARE(fx.rt.services.alarms.FailCount(AlarmItemKind::Led, 3), 0);
 
         fx.setValue(33, 4, 0x09, 0);
-        ReadAllLedLamps(fx.rt);
+        readAllLedLamps(fx.rt);
         QCOMPARE(fx.rt.services.alarms.FailCount(AlarmItemKind::Led, 2), 0);
         QVERIFY(fx.rt.services.items.leds[2].lit);
     }
@@ -267,10 +267,10 @@ private slots:
         fx.setValue(5, 3, 0x40, 7);
         if (!answered && requests)
             QTest::ignoreMessage(QtWarningMsg, QRegularExpression("The line is silent"));
-        QCOMPARE(ActivityPoll(fx.rt), answered);
+        QCOMPARE(telvane::activityPoll(fx.rt), answered);
         QCOMPARE(fx.takeRequests(), QStringList(requests, QStringLiteral("0%1 03 0040 0001").arg(probe.address)));
         QTest::failOnWarning(QRegularExpression("The line"));
-        ActivityPoll(fx.rt);
+        telvane::activityPoll(fx.rt);
     }
 };
 
