@@ -6,7 +6,7 @@
 #include "commands/setvaluecommand.h"
 #include "commands/switchcommand.h"
 #include "supervisor/runtime.h"
-#include "supervisor/supervisor.h"
+#include "supervisor/acquisitionstate.h"
 
 #include <utility>
 
@@ -19,16 +19,16 @@ const QString NoReading = QStringLiteral("--.-");
 
 } // namespace
 
-PlantCommands::PlantCommands(Runtime &rt, Prompts &prompts, const Supervisor &supervisor)
+PlantCommands::PlantCommands(Runtime &rt, Prompts &prompts, const AcquisitionState &acquisition)
     : m_rt(rt)
     , m_prompts(prompts)
-    , m_supervisor(supervisor)
+    , m_acquisition(acquisition)
 {
 }
 
 bool PlantCommands::acquiring() const
 {
-    return m_supervisor.AcquisitionRunning();
+    return m_acquisition.AcquisitionRunning();
 }
 
 void PlantCommands::switchOnImageClicked(int sw)

@@ -11,7 +11,7 @@
 namespace telvane {
 
 class Prompts;
-class Supervisor;
+class AcquisitionState;
 struct Runtime;
 
 // The operator's commands on the plant, as the synoptic panel's clicks and the headless
@@ -25,7 +25,7 @@ public:
     // Told how every command that ran ended, at once or from the queue.
     using OutcomeListener = std::function<void(CommandOutcome outcome)>;
 
-    PlantCommands(Runtime &rt, Prompts &prompts, const Supervisor &supervisor);
+    PlantCommands(Runtime &rt, Prompts &prompts, const AcquisitionState &acquisition);
 
     void setOutcomeListener(OutcomeListener listener) { m_outcomeListener = std::move(listener); }
 
@@ -72,7 +72,7 @@ private:
 
     Runtime &m_rt;
     Prompts &m_prompts;
-    const Supervisor &m_supervisor;
+    const AcquisitionState &m_acquisition;
     CommandQueue m_queue;
     OutcomeListener m_outcomeListener;
 };

@@ -11,7 +11,7 @@ PlantSession::PlantSession(Runtime &rt, Supervisor &supervisor, Prompts &prompts
     , m_supervisor(supervisor)
     , m_chrono(rt.model, rt.services.master, rt.devices.clock)
     , m_clockAlignment(rt.model, rt.services.master, rt.devices.clock)
-    , m_commands(rt, prompts, supervisor)
+    , m_commands(rt, prompts, supervisor.acquisition())
 {
     // The commands first: the operator's click goes out before the tick's own work.
     m_rt.cycleTasks.append(&m_commands);

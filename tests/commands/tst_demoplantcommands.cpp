@@ -35,7 +35,7 @@ private slots:
             for (int zone = 0; zone < ChronoSchedule::Zones; ++zone)
                 fx.rt.model.chrono(slot, zone, 5) = 21.5f + float(zone);
         ChronoThermostat chrono(fx.rt.model, fx.rt.services.master, fx.clock);
-        PlantCommands commands(fx.rt, fx.prompts, supervisor);
+        PlantCommands commands(fx.rt, fx.prompts, supervisor.acquisition());
         fx.rt.cycleTasks = {&commands, &chrono};
         fx.login(true, false);
 

@@ -22,7 +22,7 @@ const QStringList DoorPulse{"09 05 0040 ff00", "09 05 0041 0000"};
 struct CommandsFixture : RuntimeFixture
 {
     Supervisor supervisor{rt};
-    PlantCommands commands{rt, prompts, supervisor};
+    PlantCommands commands{rt, prompts, supervisor.acquisition()};
     // How each command that ran ended, as the commands tell it.
     QList<CommandOutcome> told;
 
