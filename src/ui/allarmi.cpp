@@ -138,7 +138,7 @@ void Allarmi::showCommErrors(bool privileged)
         line += QStringLiteral(" (simulazione)");
     else if (comm.lineActivity)
         line += m_rt.display.lineAnswering ? QStringLiteral(", risponde al controllo di attività")
-                                   : QStringLiteral(", non risponde al controllo di attività");
+                                           : QStringLiteral(", non risponde al controllo di attività");
     m_lineState->setText(line);
     setPrivileged(privileged);
     show();
