@@ -29,23 +29,30 @@ void Supervisor::MonitorCycle()
     ++m_cycleCounter;
     bool busy = false;
 
-    for (CycleTask *task : std::as_const(m_rt.cycleTasks))
+    // After a Stop the master sends nothing more; the polls left are skipped so that
+    // they neither touch the items' states nor write the day's line.
+    const auto stopped = [this] { return m_rt.master.exchangesStopped(); };
+    for (CycleTask *task : std::as_const(m_rt.cycleTasks)) {
+        if (stopped())
+            break;
         busy = task->runTick() || busy;
+    }
 
-    if (isDue(m_rt.editor.comm.remotePeriod)) {
+    if (isDue(m_rt.editor.comm.remotePeriod) && !stopped()) {
         pollInstruments();
         busy = true;
     }
-    if (isDue(m_rt.editor.comm.measurementPeriod)) {
+    if (isDue(m_rt.editor.comm.measurementPeriod) && !stopped()) {
         busy = true;
         ReadAllMeasurements(m_rt);
-        ReadAllSwitchStates(m_rt);
+        if (!stopped())
+            ReadAllSwitchStates(m_rt);
     }
-    if (isDue(m_rt.editor.comm.ledPeriod)) {
+    if (isDue(m_rt.editor.comm.ledPeriod) && !stopped()) {
         ReadAllLedLamps(m_rt);
         busy = true;
     }
-    if (!busy && m_rt.editor.comm.lineActivity) {
+    if (!busy && m_rt.editor.comm.lineActivity && !stopped()) {
         m_rt.statusBar.setPanel(StatusBar::ActivityPanel, QStringLiteral("Attivita..."));
         ActivityPoll(m_rt);
         m_rt.statusBar.setPanel(StatusBar::ActivityPanel, QString());

@@ -21,7 +21,10 @@ Supervisor::Supervisor(Runtime &rt, QObject *parent)
     connect(&m_blinkTimer, &QTimer::timeout, this, &Supervisor::Timer_LampeggioTick);
     connect(&m_autoStartTimer, &QTimer::timeout, this, &Supervisor::TimerAutoStartTick);
     connect(&m_rt.alarms, &AlarmBook::alarmBlinkRequested, this, &Supervisor::SetAlarmBlink);
-    m_rt.lineHolds.setReleasedHandler([this] { runDeferredRead(); });
+    m_rt.lineHolds.setReleasedHandler([this] {
+        m_rt.master.resumeExchanges();
+        runDeferredRead();
+    });
 }
 
 Supervisor::~Supervisor()
@@ -134,8 +137,8 @@ void Supervisor::MenuStart()
 
     // While acquiring, the timer keeps running through the re-read.
     const LineHold hold(m_rt.lineHolds);
-    ReadAllMeasurements(m_rt);
-    ReadAllSwitchStates(m_rt);
+    if (!readEverything())
+        return;
     SetAcquisitionState(true);
     if (AlarmPending())
         SetAlarmBlink(true);
@@ -143,8 +146,15 @@ void Supervisor::MenuStart()
         emit editorFrameEnabledRequested(false);
 }
 
+void Supervisor::endLineWorkEarly()
+{
+    if (m_rt.lineHolds.held())
+        m_rt.master.stopExchanges();
+}
+
 void Supervisor::MenuStop()
 {
+    endLineWorkEarly();
     SetAcquisitionState(false);
     m_rt.items.reset();
     m_rt.displayResets.resetAll();
@@ -163,9 +173,16 @@ void Supervisor::MenuRileggi()
         return;
     const LineHold hold(m_rt.lineHolds);
     SetAcquisitionState(false);
+    if (readEverything())
+        SetAcquisitionState(true);
+}
+
+bool Supervisor::readEverything()
+{
     ReadAllMeasurements(m_rt);
-    ReadAllSwitchStates(m_rt);
-    SetAcquisitionState(true);
+    if (!m_rt.master.exchangesStopped())
+        ReadAllSwitchStates(m_rt);
+    return !m_rt.master.exchangesStopped();
 }
 
 bool Supervisor::lineInUse() const

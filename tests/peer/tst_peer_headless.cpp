@@ -123,8 +123,9 @@ private slots:
         QCOMPARE(probe(1, 3, 2), 225);
     }
 
-    // SIGTERM while acquiring: the tick under way (perhaps waiting for the silent slave)
-    // ends, every log line is whole, the exit is clean, and the line serves the next master.
+    // SIGTERM just after a round began (it then spends half a second on the silent
+    // slave): the round ends after the exchange under way and writes no line, every
+    // other line is whole, the exit is clean, and the line serves the next master.
     void sigtermEndsTheTickAndFreesTheLine()
     {
         m_plant->write(QStringLiteral("Telvane1.ini"), plantIni(m_peer->port(), true));
@@ -141,7 +142,7 @@ private slots:
         out += process.readAllStandardOutput();
         QVERIFY2(out.endsWith("Pannello 2: Standby\n"), out.right(300).constData());
         const QStringList lines = logLines();
-        QCOMPARE(lines.size(), out.count("Pannello 3: Lettura..."));
+        QCOMPARE(lines.size(), out.count("Pannello 3: Lettura...") - 1);
         for (const QString &line : lines)
             QVERIFY2(line.endsWith(QStringLiteral(";21.5;-0.10;-99999;")), qPrintable(line));
         QCOMPARE(probe(1, 3, 1), 215);
