@@ -20,16 +20,16 @@ Supervisor::Supervisor(Runtime &rt, QObject *parent)
     connect(&m_monitorTimer, &QTimer::timeout, this, &Supervisor::MonitorCycle);
     connect(&m_blinkTimer, &QTimer::timeout, this, &Supervisor::Timer_LampeggioTick);
     connect(&m_autoStartTimer, &QTimer::timeout, this, &Supervisor::TimerAutoStartTick);
-    connect(&m_rt.alarms, &AlarmBook::alarmBlinkRequested, this, &Supervisor::SetAlarmBlink);
-    m_rt.lineHolds.setReleasedHandler([this] {
-        m_rt.master.resumeExchanges();
+    connect(&m_rt.services.alarms, &AlarmBook::alarmBlinkRequested, this, &Supervisor::SetAlarmBlink);
+    m_rt.services.lineHolds.setReleasedHandler([this] {
+        m_rt.services.master.resumeExchanges();
         runDeferredRead();
     });
 }
 
 Supervisor::~Supervisor()
 {
-    m_rt.lineHolds.setReleasedHandler({});
+    m_rt.services.lineHolds.setReleasedHandler({});
 }
 
 void Supervisor::load()
@@ -45,16 +45,16 @@ void Supervisor::load()
     m_autoStartTimer.stop();
     m_autoStartTimer.setInterval(AutoStartDelayMs);
 
-    m_rt.statusBar.setPanel(StatusBar::StatePanel, QStringLiteral("Standby"));
-    m_rt.statusBar.setPanel(StatusBar::ActivityPanel, QString());
-    m_rt.statusBar.setPanel(StatusBar::MessagePanel, QString());
+    m_rt.display.statusBar.setPanel(StatusBar::StatePanel, QStringLiteral("Standby"));
+    m_rt.display.statusBar.setPanel(StatusBar::ActivityPanel, QString());
+    m_rt.display.statusBar.setPanel(StatusBar::MessagePanel, QString());
     SetAlarmBlink(false);
 
     ResetAlarms();
 
     for (const char *folder : {"Dati", "Crono", "Ricetta"})
-        m_rt.ini.EnsureFolder(QLatin1String(folder));
-    m_rt.mode = LoadSettings(m_rt.ini);
+        m_rt.model.ini.EnsureFolder(QLatin1String(folder));
+    m_rt.model.mode = LoadSettings(m_rt.model.ini);
 
     setButtonImage(StandbyImage);
 }
@@ -63,7 +63,7 @@ void Supervisor::startUp()
 {
     load();
     ReloadEditor(m_rt);
-    armAutoStart(m_rt.editor.options.autoStart);
+    armAutoStart(m_rt.model.editor.options.autoStart);
 }
 
 void Supervisor::armAutoStart(bool autoAvvio)
@@ -74,7 +74,7 @@ void Supervisor::armAutoStart(bool autoAvvio)
     if (m_autoStartPending) {
         m_blinkTimer.setInterval(AutoStartBlinkIntervalMs);
         SetAlarmBlink(true);
-        m_rt.statusBar.setPanel(StatusBar::MessagePanel, QStringLiteral("Avvio in corso..."));
+        m_rt.display.statusBar.setPanel(StatusBar::MessagePanel, QStringLiteral("Avvio in corso..."));
     }
 }
 
@@ -91,18 +91,18 @@ void Supervisor::SetAcquisitionState(bool on)
     m_acquisitionRunning = on;
     if (on) {
         setButtonImage(AcquiringImage);
-        m_rt.statusBar.setPanel(StatusBar::StatePanel, QStringLiteral("Acquisizione"));
+        m_rt.display.statusBar.setPanel(StatusBar::StatePanel, QStringLiteral("Acquisizione"));
         m_monitorTimer.start(m_monitorIntervalMs);
         for (CycleTask *task : std::as_const(m_rt.cycleTasks))
             task->acquisitionStarted();
     } else {
         setButtonImage(StandbyImage);
-        m_rt.statusBar.setPanel(StatusBar::StatePanel, QStringLiteral("Standby"));
+        m_rt.display.statusBar.setPanel(StatusBar::StatePanel, QStringLiteral("Standby"));
         m_monitorTimer.stop();
         m_blinkTimer.stop();
     }
-    m_rt.statusBar.setPanel(StatusBar::ActivityPanel, QString());
-    m_rt.statusBar.setPanel(StatusBar::MessagePanel, QString());
+    m_rt.display.statusBar.setPanel(StatusBar::ActivityPanel, QString());
+    m_rt.display.statusBar.setPanel(StatusBar::MessagePanel, QString());
     if (changed)
         emit acquisitionStateChanged(on);
 }
@@ -121,7 +121,7 @@ void Supervisor::SetAlarmBlink(bool on)
 
 void Supervisor::ResetAlarms()
 {
-    m_rt.alarms.ResetAlarms();
+    m_rt.services.alarms.ResetAlarms();
 }
 
 void Supervisor::MenuStart()
@@ -136,7 +136,7 @@ void Supervisor::MenuStart()
         return;
 
     // While acquiring, the timer keeps running through the re-read.
-    const LineHold hold(m_rt.lineHolds);
+    const LineHold hold(m_rt.services.lineHolds);
     if (!readEverything())
         return;
     SetAcquisitionState(true);
@@ -148,16 +148,16 @@ void Supervisor::MenuStart()
 
 void Supervisor::endLineWorkEarly()
 {
-    if (m_rt.lineHolds.held())
-        m_rt.master.stopExchanges();
+    if (m_rt.services.lineHolds.held())
+        m_rt.services.master.stopExchanges();
 }
 
 void Supervisor::MenuStop()
 {
     endLineWorkEarly();
     SetAcquisitionState(false);
-    m_rt.items.reset();
-    m_rt.displayResets.resetAll();
+    m_rt.services.items.reset();
+    m_rt.display.displayResets.resetAll();
     SetAlarmBlink(false);
     if (EditorOpen() && IsAdministrator())
         emit editorFrameEnabledRequested(true);
@@ -171,7 +171,7 @@ void Supervisor::MenuRileggi()
         return;
     if (CommunicateWithInstruments() && !SerialPortOpen())
         return;
-    const LineHold hold(m_rt.lineHolds);
+    const LineHold hold(m_rt.services.lineHolds);
     SetAcquisitionState(false);
     if (readEverything())
         SetAcquisitionState(true);
@@ -180,14 +180,14 @@ void Supervisor::MenuRileggi()
 bool Supervisor::readEverything()
 {
     ReadAllMeasurements(m_rt);
-    if (!m_rt.master.exchangesStopped())
+    if (!m_rt.services.master.exchangesStopped())
         ReadAllSwitchStates(m_rt);
-    return !m_rt.master.exchangesStopped();
+    return !m_rt.services.master.exchangesStopped();
 }
 
 bool Supervisor::lineInUse() const
 {
-    return m_rt.lineHolds.held() || m_rt.master.busy();
+    return m_rt.services.lineHolds.held() || m_rt.services.master.busy();
 }
 
 // A Start or Reload clicked while the line is held would read every zone with the line
@@ -195,7 +195,7 @@ bool Supervisor::lineInUse() const
 // line is let go instead.
 bool Supervisor::deferWhileLineHeld(DeferredRead read)
 {
-    if (!m_rt.lineHolds.held())
+    if (!m_rt.services.lineHolds.held())
         return false;
     if (m_deferredRead != DeferredRead::Start)
         m_deferredRead = read;
@@ -215,9 +215,9 @@ bool Supervisor::refuseWhileAcquiring()
 {
     if (!m_acquisitionRunning)
         return false;
-    m_rt.statusBar.setPanel(StatusBar::MessagePanel, QStringLiteral("Operazione non permessa"));
-    m_rt.pause.pause(RefusalMs);
-    m_rt.statusBar.setPanel(StatusBar::MessagePanel, QString());
+    m_rt.display.statusBar.setPanel(StatusBar::MessagePanel, QStringLiteral("Operazione non permessa"));
+    m_rt.devices.pause.pause(RefusalMs);
+    m_rt.display.statusBar.setPanel(StatusBar::MessagePanel, QString());
     return true;
 }
 
@@ -244,9 +244,9 @@ void Supervisor::Timer_LampeggioTick()
     m_blinkPhase = !m_blinkPhase;
     if (m_blinkPhase) {
         setButtonImage(StandbyImage);
-        const QString sound = m_rt.plant.synoptic.alarmSound;
+        const QString sound = m_rt.model.plant.synoptic.alarmSound;
         if (!sound.isEmpty())
-            m_rt.sound.play(m_rt.ini.folder().filePath(sound));
+            m_rt.devices.sound.play(m_rt.model.ini.folder().filePath(sound));
     } else {
         setButtonImage(AcquiringImage);
     }
@@ -261,42 +261,42 @@ void Supervisor::TimerAutoStartTick()
     SetAlarmBlink(false);
     m_autoStartPending = false;
     MenuStart();
-    m_rt.statusBar.setPanel(StatusBar::MessagePanel, QString());
+    m_rt.display.statusBar.setPanel(StatusBar::MessagePanel, QString());
 }
 
 bool Supervisor::CommunicateWithInstruments() const
 {
-    return m_rt.master.communicate();
+    return m_rt.services.master.communicate();
 }
 
 void Supervisor::setCommunicateWithInstruments(bool communicate)
 {
-    m_rt.master.setCommunicate(communicate);
+    m_rt.services.master.setCommunicate(communicate);
 }
 
 bool Supervisor::SerialPortOpen() const
 {
-    return m_rt.editor.comm.portAvailable;
+    return m_rt.model.editor.comm.portAvailable;
 }
 
 bool Supervisor::AlarmPending() const
 {
-    return m_rt.alarms.AlarmPending();
+    return m_rt.services.alarms.AlarmPending();
 }
 
 bool Supervisor::EditorOpen() const
 {
-    return m_rt.EditorOpen;
+    return m_rt.display.EditorOpen;
 }
 
 bool Supervisor::IsAdministrator() const
 {
-    return m_rt.user.IsAdministrator;
+    return m_rt.services.user.IsAdministrator;
 }
 
 bool Supervisor::IsTechnician() const
 {
-    return m_rt.user.IsTechnician;
+    return m_rt.services.user.IsTechnician;
 }
 
 void Supervisor::setMonitorIntervalMs(int ms)
