@@ -130,13 +130,13 @@ elapsed=$(($(date +%s) - started))
 rounds=$(grep -c '^Pannello 3: Lettura\.\.\.$' "$out" || true)
 lines=$(cat "$plant"/Dati/*.csv 2>/dev/null | tr -d '\r' | grep -c . || true)
 alarms=$(grep -c '^Allarme:' "$out" || true)
-lost_port=$(grep -c 'persa' "$work/stderr" || true)
+port_lines=$(grep -c 'Porta seriale' "$work/stderr" || true)
 echo
 echo "| bench_soak $mode | |"
 echo "|---|---|"
 echo "| run | ${elapsed} s, exit status $status |"
 [[ $mode == simulate ]] && echo "| ticks | $ticks at 1 ms |"
-[[ $mode == communicate ]] && echo "| faults | $faults (every $fault_every s; port lost $lost_port times in the log) |"
+[[ $mode == communicate ]] && echo "| faults | $faults (every $fault_every s; $port_lines lines about the port in the log) |"
 echo "| measurement rounds begun | $rounds |"
 echo "| lines in the day's files | $lines |"
 echo "| rounds without a line | $((rounds - lines)) |"
