@@ -21,6 +21,8 @@ QString BusOutcome::reason() const
         return QStringLiteral("Linea occupata");
     case BusResult::NotConfigured:
         return QStringLiteral("Non configurato");
+    case BusResult::Stopped:
+        return QStringLiteral("Interrotto");
     }
     return {};
 }

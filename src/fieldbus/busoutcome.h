@@ -20,6 +20,7 @@ enum class BusResult {
     NoPort,        // the port would not open; the wait was spent all the same
     LineBusy,      // another transaction was waiting for its reply: nothing was sent
     NotConfigured, // no usable slave, function code or register: nothing was sent
+    Stopped,       // the operator or the system stopped the work under way: nothing was sent
 };
 
 struct BusOutcome
@@ -35,11 +36,12 @@ struct BusOutcome
     static BusOutcome failure(BusResult result) { return {result, InvalidRegisterValue, 0}; }
 
     bool answered() const { return value != InvalidRegisterValue; }
-    // A refusal for a busy line or an exchange that is not configured says nothing of
-    // the instrument: neither counts toward its alarm.
+    // A refusal for a busy line, an exchange that is not configured or one not sent
+    // because of a stop says nothing of the instrument: none counts toward its alarm.
     bool instrumentFailed() const
     {
-        return !answered() && result != BusResult::LineBusy && result != BusResult::NotConfigured;
+        return !answered() && result != BusResult::LineBusy && result != BusResult::NotConfigured
+            && result != BusResult::Stopped;
     }
     // For the log and the communication-error view: "Time out", "(Exception)",
     // "Broadcast" as the line has always described them, and our own for the rest.

@@ -8,6 +8,7 @@
 #include <climits>
 #include <cmath>
 #include <random>
+#include <utility>
 
 namespace telvane {
 
@@ -135,13 +136,15 @@ BusOutcome ModbusMaster::write(int functionCode, int address, qint32 value, int 
 
 BusOutcome ModbusMaster::withAttempts(int slave, const std::function<BusOutcome()> &attempt)
 {
+    if (m_stopped)
+        return BusOutcome::failure(BusResult::Stopped);
     const Raise busy(m_busy);
     OpenPort();
     // Nobody answers a broadcast, so asking again would only wait again; and a write
     // would be carried out again by every slave.
     const int tries = slave == 0 ? 1 : m_attempts;
     BusOutcome outcome;
-    for (int i = 0; i < tries && !outcome.answered(); ++i)
+    for (int i = 0; i < tries && !outcome.answered() && !m_stopped; ++i)
         outcome = attempt();
     ClosePort();
     return outcome;
@@ -210,7 +213,9 @@ BusResult ModbusMaster::Transact(int slave, int expectedLength, const QByteArray
     // A port that would not open still costs the time-out, as a silent line does: the
     // cycle keeps its pace and the items are counted as not answering.
     const bool open = m_line.isOpen();
+    bool askedAgain = false;
     if (open) {
+        askedAgain = letLateReplyPass(frame);
         m_line.clearInput();
         m_line.write(frame);
     }
@@ -223,6 +228,7 @@ BusResult ModbusMaster::Transact(int slave, int expectedLength, const QByteArray
         for (;;) {
             if (open && m_line.bytesAvailable() >= expectedLength) {
                 m_reply = m_line.readAll();
+                rememberUnanswered(frame, BusResult::Value, askedAgain);
                 return BusResult::Value;
             }
             const qint64 remaining = deadline - m_clock.monotonicMs();
@@ -233,11 +239,44 @@ BusResult ModbusMaster::Transact(int slave, int expectedLength, const QByteArray
     }
 
     m_reply = open ? m_line.readAll() : QByteArray();
+    BusResult result = slave == 0 ? BusResult::Broadcast : BusResult::TimeOut;
     if (!m_reply.isEmpty())
-        return BusResult::Exception; // an exception answer is shorter than the data answer
-    if (!open)
-        return BusResult::NoPort;
-    return slave == 0 ? BusResult::Broadcast : BusResult::TimeOut;
+        result = BusResult::Exception; // an exception answer is shorter than the data answer
+    else if (!open)
+        result = BusResult::NoPort;
+    rememberUnanswered(frame, result, askedAgain);
+    return result;
+}
+
+void ModbusMaster::rememberUnanswered(const QByteArray &frame, BusResult result, bool askedAgain)
+{
+    // A whole exception frame is an answer; fewer bytes, or garbage, may be the head of
+    // a reply whose tail is still coming. A request asked again may have been answered
+    // by the first one's late reply, and its own may still come.
+    const bool partial = result == BusResult::Exception && !(m_reply.size() == 5 && CheckReplyCrc(m_reply, 5));
+    if (result != BusResult::TimeOut && !partial && !askedAgain)
+        return;
+    m_unanswered = frame;
+    m_unansweredAtMs = m_clock.monotonicMs();
+}
+
+bool ModbusMaster::letLateReplyPass(const QByteArray &frame)
+{
+    if (m_unanswered.isEmpty())
+        return false;
+    // The same request again (the next attempt): a late reply answers it just as well.
+    if (std::exchange(m_unanswered, QByteArray()) == frame)
+        return true;
+    const qint64 quietUntil = m_unansweredAtMs + LateReplyQuietMs;
+    const Raise waiting(m_waiting);
+    for (;;) {
+        m_line.readAll();
+        const qint64 remaining = quietUntil - m_clock.monotonicMs();
+        if (remaining <= 0 || !m_line.isOpen())
+            break;
+        m_line.yield(static_cast<int>(remaining));
+    }
+    return false;
 }
 
 BusOutcome ModbusMaster::failed(const char *operation, int functionCode, int slave, BusOutcome outcome) const

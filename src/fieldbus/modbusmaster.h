@@ -79,6 +79,13 @@ public:
     // True while an operation is under way (also seen by handlers run during its wait).
     bool busy() const { return m_busy || m_waiting; }
 
+    // A stop (the operator's, or the system's at shut-down) asked while a round runs:
+    // the try waiting for its reply ends as it would, and from then on nothing more is
+    // sent; every operation answers Stopped at once, until resumeExchanges().
+    void stopExchanges() { m_stopped = true; }
+    void resumeExchanges() { m_stopped = false; }
+    bool exchangesStopped() const { return m_stopped; }
+
     // --- Lower layers -----------------------------------------------------------
     // Public for the probe tool, the fuzzer and tests; the plant goes through the
     // operations above.
@@ -99,8 +106,19 @@ public:
     BusOutcome ReadItem(int functionCode, quint8 addressHigh, quint8 addressLow, int slave);
     BusOutcome WriteItem(int functionCode, quint8 addressHigh, quint8 addressLow, qint32 value, int slave);
 
+    // After a request went unanswered, its reply may still come, late, and would be
+    // taken for the answer to the next request. So a different request is not sent
+    // until the line has been quiet this long since the time-out (what arrives
+    // meanwhile is thrown away); a request sent later than that never waits.
+    static constexpr int LateReplyQuietMs = 100;
+
 private:
     bool refuseWhileBusy(const char *operation) const;
+    // Waits out what is left of the quiet interval after an unanswered request, when
+    // `frame` is another request, throwing away whatever arrives meanwhile. True when
+    // `frame` is that same request asked again.
+    bool letLateReplyPass(const QByteArray &frame);
+    void rememberUnanswered(const QByteArray &frame, BusResult result, bool askedAgain);
     bool refuseWhileWaiting(const char *operation) const;
     bool acceptRequest(const char *operation, bool knownFunction, int functionCode, int address,
                        int slave) const;
@@ -122,6 +140,11 @@ private:
     bool m_busy = false;    // inside ReadRegister, WriteRegister or TestPort
     bool m_waiting = false; // inside Transact's wait for the reply
     bool m_lastOpenFailed = false;
+    bool m_stopped = false;
+
+    // The last request whose reply may still be on its way, and when its wait ended.
+    QByteArray m_unanswered;
+    qint64 m_unansweredAtMs = 0;
 };
 
 } // namespace telvane

@@ -92,10 +92,13 @@ void HeadlessRunner::start()
 void HeadlessRunner::requestStop()
 {
     m_stopRequested = true;
-    // During the start's first round or a tick the stop waits for it to end, so that the
-    // day's line is written and no request is cut off on the wire.
+    // During the start's first round or a tick, the exchange under way ends (no request
+    // is cut off on the wire) and the round stops there; the run finishes when the tick
+    // or the start returns.
     if (!m_starting && !m_supervisor.monitoring().tickInProgress())
         finish(0);
+    else
+        m_supervisor.endLineWorkEarly();
 }
 
 void HeadlessRunner::tickFinished()

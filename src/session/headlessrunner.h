@@ -49,7 +49,7 @@ struct HeadlessOptions
 //   Comando "switch 1 on": confermato             how an operator command ended
 //
 // plus the message boxes, as `HeadlessPrompts` prints them. Stops after the ticks asked
-// for, or after the tick under way when asked to stop, and then closes the port.
+// for, or after the exchange under way when asked to stop, and then closes the port.
 class HeadlessRunner final : public QObject
 {
     Q_OBJECT
@@ -62,8 +62,8 @@ public:
     // Starts up and starts acquiring. Talking to the instruments with no port to use,
     // prints "Nessuna COM" and finishes with 1.
     void start();
-    // Finishes at once between ticks, otherwise when the tick under way ends. Safe to
-    // call from a handler run while a poll waits for its reply.
+    // Finishes at once between ticks, otherwise after the exchange under way, which
+    // ends the tick. Safe to call from a handler run while a poll waits for its reply.
     void requestStop();
 
     int ticksRun() const { return m_ticksRun; }

@@ -68,9 +68,15 @@ void ReadAllMeasurements(Runtime &rt)
         qCWarning(lcSupervisor, "\"Zone Grafico\" is %d, not a zone quantity (0..4): nothing charted or logged",
                   chartQuantity);
 
-    for (int zone = 0; zone < zones; ++zone) {
-        for (int k = 0; k < ValueTables::Quantities; ++k)
+    // A Stop ends the round after the exchange under way. The day's line is the whole
+    // plant at one moment, so a round cut short writes none rather than one with
+    // zones that were never asked.
+    bool cut = false;
+    for (int zone = 0; zone < zones && !cut; ++zone) {
+        for (int k = 0; k < ValueTables::Quantities && !(cut = rt.services.master.exchangesStopped()); ++k)
             readQuantity(rt, zone, k);
+        if (cut)
+            break;
 
         if (rt.display.ChartLoggingOption && chartQuantityKnown) {
             const float value = rt.model.values.ZoneValues[zone][chartQuantity];
@@ -86,10 +92,10 @@ void ReadAllMeasurements(Runtime &rt)
         rt.display.chart->roundFinished();
     emit rt.display.synoptic.zoneTextsChanged();
 
-    if (rt.display.ChartLoggingOption)
+    if (rt.display.ChartLoggingOption && !cut)
         rt.services.dailyLog.AppendDailyLogLine(dailyLogLine(lineTime, logged));
 
-    if (!rt.services.master.communicate())
+    if (!rt.services.master.communicate() && !cut)
         rt.devices.pause.pause(SimulatedRoundMs);
 
     rt.display.statusBar.setPanel(StatusBar::ActivityPanel, QString());

@@ -51,23 +51,30 @@ void MonitoringCycle::MonitorCycle()
     ++m_cycleCounter;
     bool busy = false;
 
-    for (CycleTask *task : std::as_const(m_rt.cycleTasks))
+    // After a Stop the master sends nothing more; the polls left are skipped so that
+    // they neither touch the items' states nor write the day's line.
+    const auto stopped = [this] { return m_rt.services.master.exchangesStopped(); };
+    for (CycleTask *task : std::as_const(m_rt.cycleTasks)) {
+        if (stopped())
+            break;
         busy = task->runTick() || busy;
+    }
 
-    if (isDue(m_rt.model.editor.comm.remotePeriod)) {
+    if (isDue(m_rt.model.editor.comm.remotePeriod) && !stopped()) {
         pollInstruments();
         busy = true;
     }
-    if (isDue(m_rt.model.editor.comm.measurementPeriod)) {
+    if (isDue(m_rt.model.editor.comm.measurementPeriod) && !stopped()) {
         busy = true;
         ReadAllMeasurements(m_rt);
-        readAllSwitchStates(m_rt);
+        if (!stopped())
+            readAllSwitchStates(m_rt);
     }
-    if (isDue(m_rt.model.editor.comm.ledPeriod)) {
+    if (isDue(m_rt.model.editor.comm.ledPeriod) && !stopped()) {
         readAllLedLamps(m_rt);
         busy = true;
     }
-    if (!busy && m_rt.model.editor.comm.lineActivity) {
+    if (!busy && m_rt.model.editor.comm.lineActivity && !stopped()) {
         m_rt.display.statusBar.setPanel(StatusBar::ActivityPanel, QStringLiteral("Attivita..."));
         activityPoll(m_rt);
         m_rt.display.statusBar.setPanel(StatusBar::ActivityPanel, QString());

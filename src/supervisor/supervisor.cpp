@@ -21,7 +21,10 @@ Supervisor::Supervisor(Runtime &rt, QObject *parent)
     connect(&m_autoStartTimer, &QTimer::timeout, this, &Supervisor::TimerAutoStartTick);
     connect(&m_rt.services.alarms, &AlarmBook::alarmBlinkRequested, &m_alarmIndication,
             &AlarmIndication::SetAlarmBlink);
-    m_rt.services.lineHolds.setReleasedHandler([this] { runDeferredRead(); });
+    m_rt.services.lineHolds.setReleasedHandler([this] {
+        m_rt.services.master.resumeExchanges();
+        runDeferredRead();
+    });
 }
 
 Supervisor::~Supervisor()
@@ -100,12 +103,6 @@ void Supervisor::ResetAlarms()
     m_rt.services.alarms.ResetAlarms();
 }
 
-void Supervisor::readAllStates()
-{
-    ReadAllMeasurements(m_rt);
-    readAllSwitchStates(m_rt);
-}
-
 void Supervisor::MenuStart()
 {
     if (deferWhileLineHeld(DeferredRead::Start))
@@ -119,7 +116,8 @@ void Supervisor::MenuStart()
 
     // While acquiring, the timer keeps running through the re-read.
     const LineHold hold(m_rt.services.lineHolds);
-    readAllStates();
+    if (!readEverything())
+        return;
     SetAcquisitionState(true);
     if (AlarmPending())
         m_alarmIndication.SetAlarmBlink(true);
@@ -127,8 +125,15 @@ void Supervisor::MenuStart()
         emit editorFrameEnabledRequested(false);
 }
 
+void Supervisor::endLineWorkEarly()
+{
+    if (m_rt.services.lineHolds.held())
+        m_rt.services.master.stopExchanges();
+}
+
 void Supervisor::MenuStop()
 {
+    endLineWorkEarly();
     SetAcquisitionState(false);
     m_rt.services.items.reset();
     m_rt.display.displayResets.resetAll();
@@ -147,8 +152,16 @@ void Supervisor::MenuRileggi()
         return;
     const LineHold hold(m_rt.services.lineHolds);
     SetAcquisitionState(false);
-    readAllStates();
-    SetAcquisitionState(true);
+    if (readEverything())
+        SetAcquisitionState(true);
+}
+
+bool Supervisor::readEverything()
+{
+    ReadAllMeasurements(m_rt);
+    if (!m_rt.services.master.exchangesStopped())
+        readAllSwitchStates(m_rt);
+    return !m_rt.services.master.exchangesStopped();
 }
 
 // A Start or Reload clicked while the line is held would read every zone with the line

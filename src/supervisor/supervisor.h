@@ -17,8 +17,10 @@ struct Runtime;
 // clicks into these calls.
 //
 // Every handler may be entered while a poll waits for a reply: the master lets the
-// event loop run meanwhile. A Stop given during a tick leaves the timer off at its end;
-// a Start or Reload clicked while the line is held runs once the line is let go.
+// event loop run meanwhile. No tick starts while anybody holds the line (a tick, a
+// Start's re-read, a command run at once); a Stop given meanwhile ends that work after
+// the exchange under way and leaves the timer off, a Start or Reload runs once the line
+// is let go.
 class Supervisor final : public QObject
 {
     Q_OBJECT
@@ -52,6 +54,10 @@ public:
     void MenuStart();
     void MenuStop();
     void MenuRileggi();
+    // Ends the tick, re-read or command under way after its current exchange, with
+    // nothing else changed (the headless mode's stop, which then stops as after a tick).
+    // A measurement round cut short writes no line in the day's file.
+    void endLineWorkEarly();
     // True when the command may go ahead; false after "Operazione non permessa" was
     // shown for half a second because acquisition is running.
     bool MenuFine();
@@ -84,9 +90,11 @@ signals:
 private:
     enum class DeferredRead { None, Start, Reload };
 
+    // The Start's and the Reload's read of every zone and switch; false when a Stop
+    // cut it short.
+    bool readEverything();
     bool deferWhileLineHeld(DeferredRead read);
     void runDeferredRead();
-    void readAllStates();
 
     Runtime &m_rt;
     AcquisitionState m_state;

@@ -334,6 +334,84 @@ private slots:
         QCOMPARE(bench.master.ReadRegister(3, 1, 2), 7);
     }
 
+    // Three zones in a round, the first one's reply 10 ms past its time-out; every reply
+    // takes 20 ms. Taken as the answer to the next request, it would shift every later
+    // value of the round by one zone, each with a good CRC.
+    void lateReplyIsNeverTheNextAnswer()
+    {
+        Bench bench(1);
+        bench.line.setResponder([](const QByteArray &request) {
+            const int address = request[3];
+            return Reply().at(address == 1 ? 1010 : 20, registerReply(1, 3, quint16(100 * address)));
+        });
+        QList<qint32> round;
+        for (int address = 1; address <= 3; ++address)
+            round << bench.master.ReadRegister(3, address, 1);
+        QCOMPARE(round, (QList<qint32>{-99999, 200, 300}));
+        QCOMPARE(bench.line.requests().size(), 3);
+    }
+
+    // The quiet interval is waited only when the next request would start within it.
+    void quietIntervalAfterATimeOut_data()
+    {
+        QTest::addColumn<int>("gapMs");
+        QTest::addColumn<int>("address");
+        QTest::addColumn<int>("waitedMs");
+        const int quiet = ModbusMaster::LateReplyQuietMs;
+        QTest::newRow("another request at once") << 0 << 1 << quiet;
+        QTest::newRow("another request 40 ms later") << 40 << 1 << quiet - 40;
+        QTest::newRow("another request after the interval") << quiet << 1 << 0;
+        QTest::newRow("the same request at once") << 0 << 0 << 0;
+    }
+    void quietIntervalAfterATimeOut()
+    {
+        QFETCH(int, gapMs);
+        QFETCH(int, address);
+        QFETCH(int, waitedMs);
+        Bench bench(1);
+        QCOMPARE(bench.master.read(3, 0, 1).result, BusResult::TimeOut);
+        bench.clock.advance(gapMs);
+        const qint64 asked = bench.clock.monotonicMs();
+        bench.line.script(Value215);
+        QCOMPARE(bench.master.ReadRegister(3, address, 1), 215);
+        QCOMPARE(bench.clock.monotonicMs() - asked, waitedMs);
+    }
+
+    // The next attempt asks the same thing, so the first one's late reply answers it;
+    // that attempt's own reply, still on its way, must not answer the next item.
+    void lateReplyAnsweringTheNextAttempt()
+    {
+        Bench bench(2);
+        bench.line.script(Reply().at(1005, Value215));
+        bench.line.script(Reply().at(50, Value215));
+        QCOMPARE(bench.master.ReadRegister(3, 0, 1), 215);
+        bench.line.script(Reply().at(60, registerReply(1, 3, 42)));
+        QCOMPARE(bench.master.ReadRegister(3, 1, 1), 42);
+        QCOMPARE(bench.line.requests().size(), 3);
+    }
+
+    // A stop asked while a try waits for its reply: that try ends as it would, no
+    // other is sent, and nothing more goes on the wire until the work is resumed.
+    void stopEndsTheOperationAfterTheTryUnderWay()
+    {
+        Bench bench(3);
+        bench.line.setDuringYield([&] { bench.master.stopExchanges(); });
+        QCOMPARE(bench.master.read(3, 0, 1).result, BusResult::TimeOut);
+        QCOMPARE(bench.line.requests().size(), 1);
+        QVERIFY(!bench.line.isOpen());
+
+        const BusOutcome refused = bench.master.write(6, 0, 1, 1);
+        QCOMPARE(refused.result, BusResult::Stopped);
+        QVERIFY(!refused.instrumentFailed());
+        QCOMPARE(bench.line.requests().size(), 1);
+        QCOMPARE(bench.line.openCalls(), 1);
+
+        bench.line.setDuringYield({});
+        bench.master.resumeExchanges();
+        bench.line.script(Value215);
+        QCOMPARE(bench.master.ReadRegister(3, 0, 1), 215);
+    }
+
     void settings_data()
     {
         QTest::addColumn<float>("timeout");

@@ -16,6 +16,9 @@ every slave executes it and nobody answers.
 --wire-delay-baud B makes each answer come as late as it would on a real line at B
 baud with 8N1 characters: the request's and the reply's time on the wire plus the
 3.5-character silence that ends a frame (a pty moves bytes at once, whatever the baud).
+
+--log-requests prints every well-formed request frame seen on the line, to any slave,
+present or not, in hex, one a line on standard output, as it arrives.
 """
 
 import argparse
@@ -60,6 +63,16 @@ def parse_slave(text):
     return unit, items
 
 
+class LoggingRtuFramer(ModbusRtuFramer):
+    """Prints each request frame whose CRC checks, before it is answered."""
+
+    def checkFrame(self):
+        good = super().checkFrame()
+        if good:
+            print(self._buffer[: self._header["len"]].hex(), flush=True)
+        return good
+
+
 def slave_context(items):
     # Sparse blocks: only the listed addresses exist. zero_mode: address N is item N.
     blocks = {kind: ModbusSparseDataBlock(values) for kind, values in items.items()}
@@ -84,6 +97,7 @@ def main():
                         help="'UNIT kind:addr=value,... ...'; may be repeated")
     parser.add_argument("--wire-delay-baud", type=int, metavar="BAUD",
                         help="answer as late as a real line at this speed would")
+    parser.add_argument("--log-requests", action="store_true", help="print every request frame seen")
     parser.add_argument("--verbose", action="store_true", help="log every frame")
     args = parser.parse_args()
 
@@ -101,7 +115,7 @@ def main():
 
     StartSerialServer(
         context=ModbusServerContext(slaves=slaves, single=False),
-        framer=ModbusRtuFramer,  # the default here is ASCII
+        framer=LoggingRtuFramer if args.log_requests else ModbusRtuFramer,  # the default here is ASCII
         port=args.port,
         baudrate=args.wire_delay_baud or 9600,
         ignore_missing_slaves=True,

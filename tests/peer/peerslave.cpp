@@ -5,6 +5,7 @@
 #include "platform/termiosline.h"
 
 #include <QFileInfo>
+#include <QRegularExpression>
 
 #include <csignal>
 #include <sys/prctl.h>
@@ -69,6 +70,9 @@ QString PeerSlave::missingPort() const
 bool PeerSlave::start(int timeoutMs)
 {
     const QDeadlineTimer deadline(timeoutMs);
+    stop();
+    m_requests.clear();
+    m_partial.clear();
     if (!m_dir.isValid())
         return fail(QStringLiteral("no temporary folder: %1").arg(m_dir.errorString()));
     if (m_slaves.isEmpty())
@@ -103,7 +107,8 @@ bool PeerSlave::startSocat(QDeadlineTimer deadline)
 
 bool PeerSlave::startSlave()
 {
-    QStringList arguments {SlaveScript, QStringLiteral("--port"), m_dir.filePath(QStringLiteral("slave"))};
+    QStringList arguments {SlaveScript, QStringLiteral("--port"), m_dir.filePath(QStringLiteral("slave")),
+                           QStringLiteral("--log-requests")};
     for (const QString &slave : std::as_const(m_slaves))
         arguments << QStringLiteral("--slave") << slave;
     if (m_wireDelayBaud > 0)
@@ -132,6 +137,33 @@ bool PeerSlave::waitUntilAnswering(QDeadlineTimer deadline)
             return true;
     }
     return fail(QStringLiteral("slave %1 did not answer on %2: %3").arg(unit).arg(port(), describe(m_slave)));
+}
+
+void PeerSlave::cutLine()
+{
+    m_socat.kill();
+    m_socat.waitForFinished(3000);
+}
+
+QStringList PeerSlave::requests()
+{
+    // The slave prints a request before answering it, and the master has had its
+    // answer or its time-out since; what is printed is a pipe read away.
+    while (m_slave.waitForReadyRead(20))
+        m_partial += m_slave.readAllStandardOutput();
+    m_partial += m_slave.readAllStandardOutput();
+    const qsizetype end = m_partial.lastIndexOf('\n') + 1;
+    for (const QByteArray &line : m_partial.left(end).split('\n'))
+        if (!line.isEmpty())
+            m_requests.append(QString::fromLatin1(line));
+    m_partial.remove(0, end);
+    return m_requests;
+}
+
+int PeerSlave::requestsTo(int slave)
+{
+    const QString prefix = QStringLiteral("%1").arg(slave, 2, 16, QLatin1Char('0'));
+    return int(requests().filter(QRegularExpression(QLatin1Char('^') + prefix)).size());
 }
 
 void PeerSlave::stop()

@@ -21,10 +21,20 @@ public:
     PeerSlave(const PeerSlave &) = delete;
     PeerSlave &operator=(const PeerSlave &) = delete;
 
-    // Starts both processes and waits until the first slave answers a read, for at
-    // most `timeoutMs`. False with error() telling why.
+    // Starts both processes (again, after a stop or a cut line) and waits until the
+    // first slave answers a read, for at most `timeoutMs`. False with error() telling
+    // why.
     bool start(int timeoutMs = 15000);
     void stop();
+    // The far end of the line goes away at once, as an adapter pulled out: socat is
+    // killed, so our end of the pty pair is gone.
+    void cutLine();
+
+    // Every well-formed request the slave has seen on the line since it was last
+    // started, to any slave, in hex ("0103000000018...").
+    QStringList requests();
+    // How many of requests() went to `slave`.
+    int requestsTo(int slave);
 
     // The device our master opens.
     QString port() const;
@@ -44,6 +54,8 @@ private:
     QProcess m_socat;
     QProcess m_slave;
     QString m_error;
+    QStringList m_requests;
+    QByteArray m_partial;
 };
 
 } // namespace telvane

@@ -123,8 +123,9 @@ private slots:
         QCOMPARE(probe(1, 3, 2), 225);
     }
 
-    // SIGTERM while acquiring: the tick under way (perhaps waiting for the silent slave)
-    // ends, every log line is whole, the exit is clean, and the line serves the next master.
+    // SIGTERM just after a round began (it then spends half a second on the silent
+    // slave): the round ends after the exchange under way and writes no line, every
+    // other line is whole, the exit is clean, and the line serves the next master.
     void sigtermEndsTheTickAndFreesTheLine()
     {
         m_plant->write(QStringLiteral("Telvane1.ini"), plantIni(m_peer->port(), true));
@@ -141,10 +142,45 @@ private slots:
         out += process.readAllStandardOutput();
         QVERIFY2(out.endsWith("Pannello 2: Standby\n"), out.right(300).constData());
         const QStringList lines = logLines();
-        QCOMPARE(lines.size(), out.count("Pannello 3: Lettura..."));
+        QCOMPARE(lines.size(), out.count("Pannello 3: Lettura...") - 1);
         for (const QString &line : lines)
             QVERIFY2(line.endsWith(QStringLiteral(";21.5;-0.10;-99999;")), qPrintable(line));
         QCOMPARE(probe(1, 3, 1), 215);
+    }
+
+    // The far end of the line vanishes during acquisition (socat killed, as an adapter
+    // pulled out): the items fail and the answering ones are listed too; nothing hangs.
+    // The line comes back under the same name: polling resumes by itself.
+    void lineVanishesAndReturns()
+    {
+        m_plant->write(QStringLiteral("Telvane1.ini"), plantIni(m_peer->port(), true));
+        QProcess process;
+        process.start(QStringLiteral(TELVANE_PROGRAM), arguments(0));
+        QByteArray out;
+        const auto readUntil = [&](const QByteArray &text, int count) {
+            while (out.count(text) < count && process.waitForReadyRead(20000))
+                out += process.readAllStandardOutput();
+            return out.count(text) >= count;
+        };
+        QVERIFY(readUntil("Pannello 3: Lettura...", 2));
+        m_peer->cutLine();
+        QVERIFY2(readUntil("Allarme: Soggiorno", 1), out.right(500).constData());
+        QVERIFY2(readUntil("Allarme: Cucina", 1), out.right(500).constData());
+        const qsizetype rounds = out.count("Pannello 3: Lettura...");
+        QVERIFY(readUntil("Pannello 3: Lettura...", int(rounds) + 2)); // still polling, not hung
+        const QStringList outage = logLines();
+        QVERIFY2(outage.last().endsWith(QStringLiteral(";-99999.0;-99999.00;-99999;")), qPrintable(outage.join(" ")));
+
+        QVERIFY2(m_peer->start(), qPrintable(m_peer->error()));
+        const int answeredBefore = m_peer->requestsTo(1);
+        QVERIFY(readUntil("Pannello 3: Lettura...", int(out.count("Pannello 3: Lettura...")) + 3));
+        ::kill(pid_t(process.processId()), SIGTERM);
+        QVERIFY(process.waitForFinished(20000));
+        QCOMPARE(process.exitCode(), 0);
+        QVERIFY(m_peer->requestsTo(1) - answeredBefore >= 5); // a round's five reads of zone 1
+        const QStringList back = logLines().mid(outage.size());
+        QVERIFY(!back.isEmpty());
+        QVERIFY2(back.last().endsWith(QStringLiteral(";21.5;-0.10;-99999;")), qPrintable(back.last()));
     }
 
 private:

@@ -3,6 +3,7 @@
 #include "supervisor/cycletask.h"
 #include "supervisor/supervisor.h"
 
+#include <QFile>
 #include <QLoggingCategory>
 #include <QSignalSpy>
 #include <QTest>
@@ -167,22 +168,24 @@ private slots:
         QVERIFY(fx.supervisor.monitoring().Timer_Monitor().isActive());
     }
 
-    // The tick carries on to its end whatever is clicked while a poll waits: a Stop
-    // leaves the timer off, a Start or Reload runs once the tick is over, a nested tick
-    // is skipped.
+    // Clicked while a poll waits: a Stop ends the tick after that exchange and leaves
+    // the timer off; a Start or Reload runs once the tick is over, a nested tick is
+    // skipped.
     void clicksDuringATick_data()
     {
         QTest::addColumn<QString>("click");
+        QTest::addColumn<int>("tickRequests");
         QTest::addColumn<int>("counterAfter");
-        QTest::newRow("stop") << "stop" << 1;
-        QTest::newRow("stop, then start") << "stop start" << 0;
-        QTest::newRow("start while acquiring") << "start" << 0;
-        QTest::newRow("reload") << "reload" << 1;
-        QTest::newRow("another tick") << "tick" << 1;
+        QTest::newRow("stop") << "stop" << 1 << 1;
+        QTest::newRow("stop, then start") << "stop start" << 1 << 0;
+        QTest::newRow("start while acquiring") << "start" << FullTickRequests << 0;
+        QTest::newRow("reload") << "reload" << FullTickRequests << 1;
+        QTest::newRow("another tick") << "tick" << FullTickRequests << 1;
     }
     void clicksDuringATick()
     {
         QFETCH(QString, click);
+        QFETCH(int, tickRequests);
         QFETCH(int, counterAfter);
         CycleFixture fx(1, 1, 1);
         fx.supervisor.SetAcquisitionState(true);
@@ -207,10 +210,60 @@ private slots:
         const QStringList requests = fx.takeRequests();
         const QStringList startRead{MeasurementRead, "01 03 0001 0001", "02 01 0022 0001", "02 01 0023 0001"};
         const bool reads = click.endsWith(QLatin1String("start")) || click == QLatin1String("reload");
-        QCOMPARE(requests.mid(FullTickRequests), reads ? startRead : QStringList{});
+        QCOMPARE(requests.size(), tickRequests + (reads ? startRead.size() : 0));
+        QCOMPARE(requests.mid(tickRequests), reads ? startRead : QStringList{});
         QCOMPARE(fx.supervisor.AcquisitionRunning(), click != QLatin1String("stop"));
         QCOMPARE(fx.supervisor.monitoring().Timer_Monitor().isActive(), click != QLatin1String("stop"));
         QCOMPARE(fx.supervisor.monitoring().CycleCounter(), counterAfter);
+    }
+
+    // A Stop during a round on a silent line (three zones, two quantities each, three
+    // attempts): the try under way ends, nothing more goes on the wire, the port is
+    // closed, only that try counts toward its zone's alarm and the round writes no
+    // line in the day's file. A later Start talks to the instruments again.
+    void stopEndsARoundOnASilentLine_data()
+    {
+        QTest::addColumn<QString>("during");
+        QTest::newRow("tick") << "tick";
+        QTest::newRow("start's read") << "start";
+        QTest::newRow("reload") << "reload";
+    }
+    void stopEndsARoundOnASilentLine()
+    {
+        QFETCH(QString, during);
+        CycleFixture fx(0, 1, 0);
+        fx.rt.services.master.setAttempts(3);
+        fx.rt.display.ChartLoggingOption = true;
+        fx.rt.model.plant.zones.resize(3);
+        fx.rt.model.plant.switches.clear();
+        for (int zone = 0; zone < 3; ++zone)
+            setRow(fx.rt.model.editor.tables.ZoneReadTable, zone, {9, 1, 3, 0x10, 3, 0, 3, 1});
+        fx.supervisor.SetAcquisitionState(during != QLatin1String("start"));
+        int stopsAsked = 0;
+        fx.line.setDuringYield([&] {
+            if (stopsAsked++ == 0)
+                fx.supervisor.MenuStop();
+        });
+
+        if (during == QLatin1String("tick"))
+            fx.supervisor.monitoring().MonitorCycle();
+        else if (during == QLatin1String("start"))
+            fx.supervisor.MenuStart();
+        else
+            fx.supervisor.MenuRileggi();
+        QCOMPARE(fx.takeRequests(), QStringList{fx.request(9, 3, 0, 1)});
+        QVERIFY(!fx.line.isOpen());
+        QVERIFY(!fx.supervisor.AcquisitionRunning());
+        QCOMPARE(fx.rt.services.alarms.FailCount(AlarmItemKind::Zone, 0), 1);
+        QCOMPARE(fx.rt.services.alarms.FailCount(AlarmItemKind::Zone, 1), 0);
+        QVERIFY(!QFile::exists(fx.dir.filePath(QStringLiteral("Dati/2026_11_14.csv"))));
+
+        fx.line.setDuringYield({});
+        fx.setValue(9, 3, 0, 200);
+        fx.supervisor.MenuStart();
+        QVERIFY(fx.supervisor.AcquisitionRunning());
+        QCOMPARE(fx.takeRequests().first(), fx.request(9, 3, 0, 1));
+        QVERIFY(QFile::exists(fx.dir.filePath(QStringLiteral("Dati/2026_11_14.csv"))));
     }
 
     // The timer runs on through a Start's re-read while acquiring, and through a Start
