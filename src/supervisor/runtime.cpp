@@ -33,6 +33,7 @@ Runtime::Runtime(const ProgramFolder &folder, SerialLine &line, const Clock &clo
     , ini(folder)
     , master(line, clock)
     , dailyLog(folder, clock)
+    , journal(folder, clock)
     , alarms(clock, [this](AlarmItemKind kind, int index) { return itemName(plant, kind, index); })
 {
 }

@@ -3,6 +3,7 @@
 #include "alarms/alarmbook.h"
 #include "config_editor/reloadeditor.h"
 #include "fieldbus/modbusmaster.h"
+#include "journal/operatorjournal.h"
 #include "storage/chronoschedule.h"
 #include "storage/dailylog.h"
 #include "storage/displayresets.h"
@@ -54,6 +55,8 @@ struct Runtime
     // Who uses the line beyond one exchange; no monitoring tick starts meanwhile.
     LineHolds lineHolds;
     DailyLog dailyLog;
+    // Every operator action, with the user level it was taken with.
+    OperatorJournal journal;
     AlarmBook alarms;
     ItemStates items;
     UserLevel user;

@@ -12,6 +12,15 @@
 
 namespace telvane {
 
+namespace {
+
+void journal(Runtime &rt, const QString &event, const QString &detail = QString(), const QString &outcome = QString())
+{
+    rt.journal.record(rt.user.levelName(), event, detail, outcome);
+}
+
+} // namespace
+
 Supervisor::Supervisor(Runtime &rt, QObject *parent)
     : QObject(parent)
     , m_rt(rt)
@@ -47,7 +56,8 @@ void Supervisor::load()
     m_rt.statusBar.setPanel(StatusBar::MessagePanel, QString());
     SetAlarmBlink(false);
 
-    ResetAlarms();
+    // Not the operator's acknowledgement: nothing to journal.
+    m_rt.alarms.ResetAlarms();
 
     for (const char *folder : {"Dati", "Crono", "Ricetta"})
         m_rt.ini.EnsureFolder(QLatin1String(folder));
@@ -118,19 +128,33 @@ void Supervisor::SetAlarmBlink(bool on)
 
 void Supervisor::ResetAlarms()
 {
+    // Closing the window acknowledges too; only an acknowledgement of listed alarms is
+    // worth a journal line.
+    const int listed = m_rt.alarms.Lst_AllarmiZ()->rowCount() + m_rt.alarms.Lst_AllarmiI()->rowCount();
     m_rt.alarms.ResetAlarms();
+    if (listed > 0)
+        journal(m_rt, QStringLiteral("Riconoscimento allarmi"), QStringLiteral("%1 in elenco").arg(listed));
 }
 
 void Supervisor::MenuStart()
 {
-    if (deferWhileLineHeld(DeferredRead::Start))
+    start(false);
+}
+
+void Supervisor::start(bool automatic)
+{
+    if (deferWhileLineHeld(automatic ? DeferredRead::AutomaticStart : DeferredRead::Start))
         return;
     m_cycleCounter = 0;
     for (CycleTask *task : std::as_const(m_rt.cycleTasks))
         task->acquisitionStarting();
 
-    if (CommunicateWithInstruments() && !SerialPortOpen())
+    const QString how = automatic ? QStringLiteral("automatico") : QString();
+    if (CommunicateWithInstruments() && !SerialPortOpen()) {
+        journal(m_rt, QStringLiteral("Start"), how, QStringLiteral("porta seriale non disponibile"));
         return;
+    }
+    journal(m_rt, QStringLiteral("Start"), how);
 
     // While acquiring, the timer keeps running through the re-read.
     const LineHold hold(m_rt.lineHolds);
@@ -145,6 +169,8 @@ void Supervisor::MenuStart()
 
 void Supervisor::MenuStop()
 {
+    if (m_acquisitionRunning)
+        journal(m_rt, QStringLiteral("Stop"));
     SetAcquisitionState(false);
     m_rt.items.reset();
     m_rt.displayResets.resetAll();
@@ -159,8 +185,11 @@ void Supervisor::MenuRileggi()
         return;
     if (!m_acquisitionRunning)
         return;
-    if (CommunicateWithInstruments() && !SerialPortOpen())
+    if (CommunicateWithInstruments() && !SerialPortOpen()) {
+        journal(m_rt, QStringLiteral("Rileggi"), QString(), QStringLiteral("porta seriale non disponibile"));
         return;
+    }
+    journal(m_rt, QStringLiteral("Rileggi"));
     const LineHold hold(m_rt.lineHolds);
     SetAcquisitionState(false);
     ReadAllMeasurements(m_rt);
@@ -180,7 +209,7 @@ bool Supervisor::deferWhileLineHeld(DeferredRead read)
 {
     if (!m_rt.lineHolds.held())
         return false;
-    if (m_deferredRead != DeferredRead::Start)
+    if (m_deferredRead != DeferredRead::Start && m_deferredRead != DeferredRead::AutomaticStart)
         m_deferredRead = read;
     return true;
 }
@@ -188,8 +217,8 @@ bool Supervisor::deferWhileLineHeld(DeferredRead read)
 void Supervisor::runDeferredRead()
 {
     const DeferredRead deferred = std::exchange(m_deferredRead, DeferredRead::None);
-    if (deferred == DeferredRead::Start)
-        MenuStart();
+    if (deferred == DeferredRead::Start || deferred == DeferredRead::AutomaticStart)
+        start(deferred == DeferredRead::AutomaticStart);
     else if (deferred == DeferredRead::Reload)
         MenuRileggi();
 }
@@ -243,7 +272,7 @@ void Supervisor::TimerAutoStartTick()
     m_blinkTimer.setInterval(BlinkIntervalMs);
     SetAlarmBlink(false);
     m_autoStartPending = false;
-    MenuStart();
+    start(true);
     m_rt.statusBar.setPanel(StatusBar::MessagePanel, QString());
 }
 

@@ -104,8 +104,9 @@ signals:
     void tickFinished();
 
 private:
-    enum class DeferredRead { None, Start, Reload };
+    enum class DeferredRead { None, Start, AutomaticStart, Reload };
 
+    void start(bool automatic);
     bool lineInUse() const;
     bool deferWhileLineHeld(DeferredRead read);
     void runDeferredRead();

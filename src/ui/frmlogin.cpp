@@ -86,7 +86,7 @@ void frmLogin::cmdOKClick()
 {
     const QString name = m_userName->text();
     const QString password = m_password->text();
-    const UserLevel level = Login(name, password, m_rt.user, m_rt.statusBar, m_prompts);
+    const UserLevel level = Login(name, password, m_rt.user, m_rt.statusBar, m_prompts, m_rt.journal);
     emit userChanged();
     m_password->clear();
 
