@@ -6,8 +6,9 @@
 #
 #   bench/bench_fuzz.sh [-t SECONDS] [-u] [BUILD_DIR]     (default: 60 s, build)
 #
-# -u folds what the runs found back into fuzz/corpus/ (libFuzzer's merge keeps only the
-# inputs that add coverage), for refreshing the stored corpora after the inputs change.
+# -u folds what the runs found back into fuzz/corpus/, only the inputs that reach code no
+# stored input reaches (edges, not hit counts, so the corpora stay a few dozen files), for
+# refreshing them after a target's input changes.
 set -euo pipefail
 
 root=$(cd "$(dirname "$0")/.." && pwd)
@@ -58,7 +59,7 @@ for target in "${targets[@]}"; do
     printf '| %s | %s | %s | %s | %s | %s | %s | %s |\n' "$name" "$stored" "${runs:-?}" "${rate:-?}" \
         "${coverage:-?}" "${features:-?}" "$found" "$result"
     if [[ -n $update && $result == ok ]]; then
-        "$target" -merge=1 -max_len=65536 "$corpus" "$work/$name/found" >/dev/null 2>&1
+        "$target" -merge=1 -use_counters=0 -use_cmp=0 -max_len=65536 "$corpus" "$work/$name/found" >/dev/null 2>&1
     fi
 done
 echo "bench_fuzz: load average now $(cut -d' ' -f1-3 /proc/loadavg)" >&2

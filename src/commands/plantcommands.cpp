@@ -30,7 +30,7 @@ QString itemName(const QList<Item> &items, int index, const QString &kind)
 QString switchCommandText(const Runtime &rt, int sw, bool on)
 {
     return (on ? QStringLiteral("Accensione ") : QStringLiteral("Spegnimento "))
-           + itemName(rt.plant.switches, sw, QStringLiteral("interruttore"));
+           + itemName(rt.model.plant.switches, sw, QStringLiteral("interruttore"));
 }
 
 const QString DoorCommandText = QStringLiteral("Apertura porta");
@@ -44,7 +44,7 @@ QString setValueCommandText(const Runtime &rt, int zone, const QString &valueTex
         const qsizetype point = value.lastIndexOf(QRegularExpression(QStringLiteral("[.,]")));
         value = formatFixedForUser(*number, point < 0 ? 0 : int(value.size() - point - 1));
     }
-    return QStringLiteral("Valore ") + itemName(rt.plant.zones, zone, QStringLiteral("zona")) + QStringLiteral(": ")
+    return QStringLiteral("Valore ") + itemName(rt.model.plant.zones, zone, QStringLiteral("zona")) + QStringLiteral(": ")
            + value;
 }
 
@@ -64,7 +64,7 @@ bool PlantCommands::acquiring() const
 
 void PlantCommands::switchOnImageClicked(int sw)
 {
-    if (m_rt.plant.SwitchControlMode != 1 || !acquiring())
+    if (m_rt.model.plant.SwitchControlMode != 1 || !acquiring())
         return;
     m_queue.PendingSwitchOff = sw;
     runNow(switchCommandText(m_rt, sw, false), [&] { return SwitchCommand(m_rt, m_prompts, sw, false); });
@@ -72,7 +72,7 @@ void PlantCommands::switchOnImageClicked(int sw)
 
 void PlantCommands::switchOffImageClicked(int sw)
 {
-    if (m_rt.plant.SwitchControlMode != 1)
+    if (m_rt.model.plant.SwitchControlMode != 1)
         return;
     if (acquiring()
         || !runNow(switchCommandText(m_rt, sw, true), [&] { return SwitchCommand(m_rt, m_prompts, sw, true); }))
@@ -88,7 +88,7 @@ void PlantCommands::doorOpenerClicked()
 void PlantCommands::zoneValueDoubleClicked(int zone, const QString &shownText)
 {
     m_queue.PendingSetValue = false;
-    if (!acquiring() || !m_rt.user.hasCommandRights())
+    if (!acquiring() || !m_rt.services.user.hasCommandRights())
         return;
     if (shownText.trimmed() == NoReading)
         return;
@@ -119,11 +119,11 @@ void PlantCommands::queueSetValue(int zone, const QString &valueText)
 
 bool PlantCommands::runNow(const QString &what, const std::function<CommandOutcome()> &command)
 {
-    if (m_rt.lineHolds.held() || m_rt.master.busy()) {
+    if (m_rt.services.lineHolds.held() || m_rt.services.master.busy()) {
         qCInfo(lcCommands, "The line is in use: the command waits for the next tick");
         return false;
     }
-    const LineHold hold(m_rt.lineHolds);
+    const LineHold hold(m_rt.services.lineHolds);
     told(what, command());
     return true;
 }
@@ -169,7 +169,7 @@ void PlantCommands::runPendingSetValue()
 
 CommandOutcome PlantCommands::told(const QString &what, CommandOutcome outcome) const
 {
-    m_rt.journal.record(m_rt.user.levelName(), QStringLiteral("Comando"), what, commandOutcomeText(outcome));
+    m_rt.services.journal.record(m_rt.services.user.levelName(), QStringLiteral("Comando"), what, commandOutcomeText(outcome));
     if (m_outcomeListener)
         m_outcomeListener(outcome);
     return outcome;

@@ -16,7 +16,7 @@ namespace {
 
 void journal(Runtime &rt, const QString &event, const QString &detail = QString(), const QString &outcome = QString())
 {
-    rt.journal.record(rt.user.levelName(), event, detail, outcome);
+    rt.services.journal.record(rt.services.user.levelName(), event, detail, outcome);
 }
 
 } // namespace
@@ -29,13 +29,13 @@ Supervisor::Supervisor(Runtime &rt, QObject *parent)
     connect(&m_monitorTimer, &QTimer::timeout, this, &Supervisor::MonitorCycle);
     connect(&m_blinkTimer, &QTimer::timeout, this, &Supervisor::Timer_LampeggioTick);
     connect(&m_autoStartTimer, &QTimer::timeout, this, &Supervisor::TimerAutoStartTick);
-    connect(&m_rt.alarms, &AlarmBook::alarmBlinkRequested, this, &Supervisor::SetAlarmBlink);
-    m_rt.lineHolds.setReleasedHandler([this] { runDeferredRead(); });
+    connect(&m_rt.services.alarms, &AlarmBook::alarmBlinkRequested, this, &Supervisor::SetAlarmBlink);
+    m_rt.services.lineHolds.setReleasedHandler([this] { runDeferredRead(); });
 }
 
 Supervisor::~Supervisor()
 {
-    m_rt.lineHolds.setReleasedHandler({});
+    m_rt.services.lineHolds.setReleasedHandler({});
 }
 
 void Supervisor::load()
@@ -51,17 +51,17 @@ void Supervisor::load()
     m_autoStartTimer.stop();
     m_autoStartTimer.setInterval(AutoStartDelayMs);
 
-    m_rt.statusBar.setPanel(StatusBar::StatePanel, QStringLiteral("Standby"));
-    m_rt.statusBar.setPanel(StatusBar::ActivityPanel, QString());
-    m_rt.statusBar.setPanel(StatusBar::MessagePanel, QString());
+    m_rt.display.statusBar.setPanel(StatusBar::StatePanel, QStringLiteral("Standby"));
+    m_rt.display.statusBar.setPanel(StatusBar::ActivityPanel, QString());
+    m_rt.display.statusBar.setPanel(StatusBar::MessagePanel, QString());
     SetAlarmBlink(false);
 
     // Not the operator's acknowledgement: nothing to journal.
-    m_rt.alarms.ResetAlarms();
+    m_rt.services.alarms.ResetAlarms();
 
     for (const char *folder : {"Dati", "Crono", "Ricetta"})
-        m_rt.ini.EnsureFolder(QLatin1String(folder));
-    m_rt.mode = LoadSettings(m_rt.ini);
+        m_rt.model.ini.EnsureFolder(QLatin1String(folder));
+    m_rt.model.mode = LoadSettings(m_rt.model.ini);
 
     setButtonImage(StandbyImage);
 }
@@ -70,7 +70,7 @@ void Supervisor::startUp()
 {
     load();
     ReloadEditor(m_rt);
-    armAutoStart(m_rt.editor.options.autoStart);
+    armAutoStart(m_rt.model.editor.options.autoStart);
 }
 
 void Supervisor::armAutoStart(bool autoAvvio)
@@ -81,7 +81,7 @@ void Supervisor::armAutoStart(bool autoAvvio)
     if (m_autoStartPending) {
         m_blinkTimer.setInterval(AutoStartBlinkIntervalMs);
         SetAlarmBlink(true);
-        m_rt.statusBar.setPanel(StatusBar::MessagePanel, QStringLiteral("Avvio in corso..."));
+        m_rt.display.statusBar.setPanel(StatusBar::MessagePanel, QStringLiteral("Avvio in corso..."));
     }
 }
 
@@ -98,18 +98,18 @@ void Supervisor::SetAcquisitionState(bool on)
     m_acquisitionRunning = on;
     if (on) {
         setButtonImage(AcquiringImage);
-        m_rt.statusBar.setPanel(StatusBar::StatePanel, QStringLiteral("Acquisizione"));
+        m_rt.display.statusBar.setPanel(StatusBar::StatePanel, QStringLiteral("Acquisizione"));
         m_monitorTimer.start(m_monitorIntervalMs);
         for (CycleTask *task : std::as_const(m_rt.cycleTasks))
             task->acquisitionStarted();
     } else {
         setButtonImage(StandbyImage);
-        m_rt.statusBar.setPanel(StatusBar::StatePanel, QStringLiteral("Standby"));
+        m_rt.display.statusBar.setPanel(StatusBar::StatePanel, QStringLiteral("Standby"));
         m_monitorTimer.stop();
         m_blinkTimer.stop();
     }
-    m_rt.statusBar.setPanel(StatusBar::ActivityPanel, QString());
-    m_rt.statusBar.setPanel(StatusBar::MessagePanel, QString());
+    m_rt.display.statusBar.setPanel(StatusBar::ActivityPanel, QString());
+    m_rt.display.statusBar.setPanel(StatusBar::MessagePanel, QString());
     if (changed)
         emit acquisitionStateChanged(on);
 }
@@ -130,8 +130,9 @@ void Supervisor::ResetAlarms()
 {
     // Closing the window acknowledges too; only an acknowledgement of listed alarms is
     // worth a journal line.
-    const int listed = m_rt.alarms.Lst_AllarmiZ()->rowCount() + m_rt.alarms.Lst_AllarmiI()->rowCount();
-    m_rt.alarms.ResetAlarms();
+    AlarmBook &alarms = m_rt.services.alarms;
+    const int listed = alarms.Lst_AllarmiZ()->rowCount() + alarms.Lst_AllarmiI()->rowCount();
+    alarms.ResetAlarms();
     if (listed > 0)
         journal(m_rt, QStringLiteral("Riconoscimento allarmi"), QStringLiteral("%1 in elenco").arg(listed));
 }
@@ -157,7 +158,7 @@ void Supervisor::start(bool automatic)
     journal(m_rt, QStringLiteral("Start"), how);
 
     // While acquiring, the timer keeps running through the re-read.
-    const LineHold hold(m_rt.lineHolds);
+    const LineHold hold(m_rt.services.lineHolds);
     ReadAllMeasurements(m_rt);
     ReadAllSwitchStates(m_rt);
     SetAcquisitionState(true);
@@ -172,8 +173,8 @@ void Supervisor::MenuStop()
     if (m_acquisitionRunning)
         journal(m_rt, QStringLiteral("Stop"));
     SetAcquisitionState(false);
-    m_rt.items.reset();
-    m_rt.displayResets.resetAll();
+    m_rt.services.items.reset();
+    m_rt.display.displayResets.resetAll();
     SetAlarmBlink(false);
     if (EditorOpen() && IsAdministrator())
         emit editorFrameEnabledRequested(true);
@@ -190,7 +191,7 @@ void Supervisor::MenuRileggi()
         return;
     }
     journal(m_rt, QStringLiteral("Rileggi"));
-    const LineHold hold(m_rt.lineHolds);
+    const LineHold hold(m_rt.services.lineHolds);
     SetAcquisitionState(false);
     ReadAllMeasurements(m_rt);
     ReadAllSwitchStates(m_rt);
@@ -199,7 +200,7 @@ void Supervisor::MenuRileggi()
 
 bool Supervisor::lineInUse() const
 {
-    return m_rt.lineHolds.held() || m_rt.master.busy();
+    return m_rt.services.lineHolds.held() || m_rt.services.master.busy();
 }
 
 // A Start or Reload clicked while the line is held would read every zone with the line
@@ -207,7 +208,7 @@ bool Supervisor::lineInUse() const
 // line is let go instead.
 bool Supervisor::deferWhileLineHeld(DeferredRead read)
 {
-    if (!m_rt.lineHolds.held())
+    if (!m_rt.services.lineHolds.held())
         return false;
     if (m_deferredRead != DeferredRead::Start && m_deferredRead != DeferredRead::AutomaticStart)
         m_deferredRead = read;
@@ -227,9 +228,9 @@ bool Supervisor::refuseWhileAcquiring()
 {
     if (!m_acquisitionRunning)
         return false;
-    m_rt.statusBar.setPanel(StatusBar::MessagePanel, QStringLiteral("Operazione non permessa"));
-    m_rt.pause.pause(RefusalMs);
-    m_rt.statusBar.setPanel(StatusBar::MessagePanel, QString());
+    m_rt.display.statusBar.setPanel(StatusBar::MessagePanel, QStringLiteral("Operazione non permessa"));
+    m_rt.devices.pause.pause(RefusalMs);
+    m_rt.display.statusBar.setPanel(StatusBar::MessagePanel, QString());
     return true;
 }
 
@@ -256,9 +257,9 @@ void Supervisor::Timer_LampeggioTick()
     m_blinkPhase = !m_blinkPhase;
     if (m_blinkPhase) {
         setButtonImage(StandbyImage);
-        const QString sound = m_rt.plant.synoptic.alarmSound;
+        const QString sound = m_rt.model.plant.synoptic.alarmSound;
         if (!sound.isEmpty())
-            m_rt.sound.play(m_rt.ini.folder().filePath(sound));
+            m_rt.devices.sound.play(m_rt.model.ini.folder().filePath(sound));
     } else {
         setButtonImage(AcquiringImage);
     }
@@ -273,42 +274,42 @@ void Supervisor::TimerAutoStartTick()
     SetAlarmBlink(false);
     m_autoStartPending = false;
     start(true);
-    m_rt.statusBar.setPanel(StatusBar::MessagePanel, QString());
+    m_rt.display.statusBar.setPanel(StatusBar::MessagePanel, QString());
 }
 
 bool Supervisor::CommunicateWithInstruments() const
 {
-    return m_rt.master.communicate();
+    return m_rt.services.master.communicate();
 }
 
 void Supervisor::setCommunicateWithInstruments(bool communicate)
 {
-    m_rt.master.setCommunicate(communicate);
+    m_rt.services.master.setCommunicate(communicate);
 }
 
 bool Supervisor::SerialPortOpen() const
 {
-    return m_rt.editor.comm.portAvailable;
+    return m_rt.model.editor.comm.portAvailable;
 }
 
 bool Supervisor::AlarmPending() const
 {
-    return m_rt.alarms.AlarmPending();
+    return m_rt.services.alarms.AlarmPending();
 }
 
 bool Supervisor::EditorOpen() const
 {
-    return m_rt.EditorOpen;
+    return m_rt.display.EditorOpen;
 }
 
 bool Supervisor::IsAdministrator() const
 {
-    return m_rt.user.IsAdministrator;
+    return m_rt.services.user.IsAdministrator;
 }
 
 bool Supervisor::IsTechnician() const
 {
-    return m_rt.user.IsTechnician;
+    return m_rt.services.user.IsTechnician;
 }
 
 void Supervisor::setMonitorIntervalMs(int ms)

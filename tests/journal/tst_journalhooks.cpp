@@ -33,7 +33,7 @@ struct JournalFixture : RuntimeFixture
 
     JournalFixture()
     {
-        QObject::connect(&rt.journal, &OperatorJournal::recorded, [this](const JournalEntry &entry) {
+        QObject::connect(&rt.services.journal, &OperatorJournal::recorded, [this](const JournalEntry &entry) {
             seen.append({entry.level, entry.event, entry.detail, entry.outcome});
         });
     }
@@ -42,7 +42,7 @@ struct JournalFixture : RuntimeFixture
     QList<Seen> written() const
     {
         QList<Seen> entries;
-        for (const JournalEntry &entry : rt.journal.readJournal(JournalFileName(clock.now().date())))
+        for (const JournalEntry &entry : rt.services.journal.readJournal(JournalFileName(clock.now().date())))
             entries.append({entry.level, entry.event, entry.detail, entry.outcome});
         return entries;
     }
@@ -70,7 +70,7 @@ private slots:
     void acquisition()
     {
         JournalFixture fx;
-        fx.rt.master.setCommunicate(false);
+        fx.rt.services.master.setCommunicate(false);
         fx.supervisor.load();
         fx.supervisor.TimerAutoStartTick();
         fx.login(true, false);
@@ -91,7 +91,7 @@ private slots:
     void startWithoutPort()
     {
         JournalFixture fx;
-        fx.rt.editor.comm.portAvailable = false;
+        fx.rt.model.editor.comm.portAvailable = false;
         fx.supervisor.MenuStart();
         QVERIFY(!fx.supervisor.AcquisitionRunning());
         QCOMPARE(fx.seen, (QList<Seen>{{"Anonimo", "Start", "", "porta seriale non disponibile"}}));
@@ -102,12 +102,12 @@ private slots:
     void acknowledgement()
     {
         JournalFixture fx;
-        fx.rt.plant.zones.resize(2);
-        fx.rt.plant.zones[0].name = QStringLiteral("Soggiorno");
-        fx.rt.plant.zones[1].name = QStringLiteral("Cucina");
+        fx.rt.model.plant.zones.resize(2);
+        fx.rt.model.plant.zones[0].name = QStringLiteral("Soggiorno");
+        fx.rt.model.plant.zones[1].name = QStringLiteral("Cucina");
         for (int i = 0; i < 6; ++i) {
-            fx.rt.alarms.ReportZoneFailure(0);
-            fx.rt.alarms.ReportZoneFailure(1);
+            fx.rt.services.alarms.ReportZoneFailure(0);
+            fx.rt.services.alarms.ReportZoneFailure(1);
         }
         fx.login(true, false);
         fx.supervisor.ResetAlarms();
@@ -123,16 +123,16 @@ private slots:
         JournalFixture fx;
         PlantCommands commands(fx.rt, fx.prompts, fx.supervisor);
         fx.rt.cycleTasks.append(&commands);
-        fx.rt.plant.SwitchControlMode = 1;
-        fx.rt.plant.switches.resize(2);
-        fx.rt.plant.switches[0].name = QStringLiteral("Pompa");
-        fx.rt.plant.zones.resize(1);
-        fx.rt.plant.zones[0].name = QStringLiteral("Soggiorno");
-        RegisterTables &t = fx.rt.editor.tables;
+        fx.rt.model.plant.SwitchControlMode = 1;
+        fx.rt.model.plant.switches.resize(2);
+        fx.rt.model.plant.switches[0].name = QStringLiteral("Pompa");
+        fx.rt.model.plant.zones.resize(1);
+        fx.rt.model.plant.zones[0].name = QStringLiteral("Soggiorno");
+        RegisterTables &t = fx.rt.model.editor.tables;
         setRow(t.SwitchWriteTable, 0, {4, 0, -1, -1, 5, 0x30, 5, 0x31, 1, 0});
         setRow(t.ZoneWriteTable, 0, {12, 1, -1, -1, -1, -1, 6, 0x50});
         fx.slaves = {4, 12};
-        fx.rt.editor.comm.remotePeriod = fx.rt.editor.comm.measurementPeriod = fx.rt.editor.comm.ledPeriod = 0;
+        fx.rt.model.editor.comm.remotePeriod = fx.rt.model.editor.comm.measurementPeriod = fx.rt.model.editor.comm.ledPeriod = 0;
         fx.login(true, false);
 
         commands.switchOffImageClicked(0); // standing by: at once

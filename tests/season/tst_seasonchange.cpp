@@ -25,9 +25,9 @@ struct Plant : RuntimeFixture
     explicit Plant(const QByteArray &stagione = "Attuale=0\r\nEstate=Estate.prg\r\nInverno=Inverno.prg\r\n")
     {
         writeFile(QStringLiteral("Telvane2.ini"), "[Stagione]\r\n" + stagione);
-        rt.plant.zones.resize(2);
-        setRow(rt.editor.tables.ZoneWriteTable, 0, {1});
-        setRow(rt.editor.tables.ZoneWriteTable, 1, {2});
+        rt.model.plant.zones.resize(2);
+        setRow(rt.model.editor.tables.ZoneWriteTable, 0, {1});
+        setRow(rt.model.editor.tables.ZoneWriteTable, 1, {2});
         slaves = {1, 2};
         writeRecipe(QStringLiteral("Inverno.prg"), "[Zona 01]\r\nLinee=1\r\n01=6,2,200;SP\r\n"
                                                    "[Zona 02]\r\nLinee=1\r\n01=6,2,180;SP\r\n");
@@ -43,13 +43,13 @@ struct Plant : RuntimeFixture
     QStringList journalledSends() const
     {
         QStringList sends;
-        for (const JournalEntry &entry : rt.journal.readJournal(JournalFileName(clock.now().date())))
+        for (const JournalEntry &entry : rt.services.journal.readJournal(JournalFileName(clock.now().date())))
             if (entry.event == QLatin1String("Invio ricetta"))
                 sends.append(entry.detail + QStringLiteral(": ") + entry.outcome);
         return sends;
     }
 
-    QString attuale() const { return rt.ini.ReadIniKey(QStringLiteral("Stagione"), QStringLiteral("Attuale"), "?"); }
+    QString attuale() const { return rt.model.ini.ReadIniKey(QStringLiteral("Stagione"), QStringLiteral("Attuale"), "?"); }
 };
 
 Prompt box(Kind kind, const QString &text)
