@@ -5,8 +5,11 @@
 #include "commands/dooropencommand.h"
 #include "commands/setvaluecommand.h"
 #include "commands/switchcommand.h"
+#include "storage/numbertext.h"
 #include "supervisor/runtime.h"
 #include "supervisor/acquisitionstate.h"
+
+#include <QRegularExpression>
 
 #include <utility>
 
@@ -16,6 +19,34 @@ namespace {
 
 // What a zone's label shows without a valid reading.
 const QString NoReading = QStringLiteral("--.-");
+
+template <typename Item>
+QString itemName(const QList<Item> &items, int index, const QString &kind)
+{
+    const QString name = index >= 0 && index < items.size() ? items[index].name.trimmed() : QString();
+    return name.isEmpty() ? kind + QLatin1Char(' ') + QString::number(index + 1) : name;
+}
+
+QString switchCommandText(const Runtime &rt, int sw, bool on)
+{
+    return (on ? QStringLiteral("Accensione ") : QStringLiteral("Spegnimento "))
+           + itemName(rt.model.plant.switches, sw, QStringLiteral("interruttore"));
+}
+
+const QString DoorCommandText = QStringLiteral("Apertura porta");
+
+// The operator's text with the user's decimal separator, as the day file writes
+// numbers, so that the journal opens in a spreadsheet with the value as a number.
+QString setValueCommandText(const Runtime &rt, int zone, const QString &valueText)
+{
+    QString value = valueText.trimmed();
+    if (const std::optional<double> number = parseNumber(value)) {
+        const qsizetype point = value.lastIndexOf(QRegularExpression(QStringLiteral("[.,]")));
+        value = formatFixedForUser(*number, point < 0 ? 0 : int(value.size() - point - 1));
+    }
+    return QStringLiteral("Valore ") + itemName(rt.model.plant.zones, zone, QStringLiteral("zona")) + QStringLiteral(": ")
+           + value;
+}
 
 } // namespace
 
@@ -36,20 +67,21 @@ void PlantCommands::switchOnImageClicked(int sw)
     if (m_rt.model.plant.SwitchControlMode != 1 || !acquiring())
         return;
     m_queue.PendingSwitchOff = sw;
-    runNow([&] { return SwitchCommand(m_rt, m_prompts, sw, false); });
+    runNow(switchCommandText(m_rt, sw, false), [&] { return SwitchCommand(m_rt, m_prompts, sw, false); });
 }
 
 void PlantCommands::switchOffImageClicked(int sw)
 {
     if (m_rt.model.plant.SwitchControlMode != 1)
         return;
-    if (acquiring() || !runNow([&] { return SwitchCommand(m_rt, m_prompts, sw, true); }))
+    if (acquiring()
+        || !runNow(switchCommandText(m_rt, sw, true), [&] { return SwitchCommand(m_rt, m_prompts, sw, true); }))
         m_queue.PendingSwitchOn = sw;
 }
 
 void PlantCommands::doorOpenerClicked()
 {
-    if (acquiring() || !runNow([&] { return DoorOpenCommand(m_rt, m_prompts); }))
+    if (acquiring() || !runNow(DoorCommandText, [&] { return DoorOpenCommand(m_rt, m_prompts); }))
         m_queue.PendingDoorOpen = true;
 }
 
@@ -85,14 +117,14 @@ void PlantCommands::queueSetValue(int zone, const QString &valueText)
     m_queue.PendingSetValueText = valueText;
 }
 
-bool PlantCommands::runNow(const std::function<CommandOutcome()> &command)
+bool PlantCommands::runNow(const QString &what, const std::function<CommandOutcome()> &command)
 {
     if (m_rt.services.lineHolds.held() || m_rt.services.master.busy()) {
         qCInfo(lcCommands, "The line is in use: the command waits for the next tick");
         return false;
     }
     const LineHold hold(m_rt.services.lineHolds);
-    told(command());
+    told(what, command());
     return true;
 }
 
@@ -100,15 +132,15 @@ bool PlantCommands::runTick()
 {
     bool busy = false;
     if (std::exchange(m_queue.PendingDoorOpen, false)) {
-        told(DoorOpenCommand(m_rt, m_prompts));
+        told(DoorCommandText, DoorOpenCommand(m_rt, m_prompts));
         busy = true;
     }
     if (const int sw = std::exchange(m_queue.PendingSwitchOff, CommandQueue::NoSwitch); sw >= 0) {
-        told(SwitchCommand(m_rt, m_prompts, sw, false));
+        told(switchCommandText(m_rt, sw, false), SwitchCommand(m_rt, m_prompts, sw, false));
         busy = true;
     }
     if (const int sw = std::exchange(m_queue.PendingSwitchOn, CommandQueue::NoSwitch); sw >= 0) {
-        told(SwitchCommand(m_rt, m_prompts, sw, true));
+        told(switchCommandText(m_rt, sw, true), SwitchCommand(m_rt, m_prompts, sw, true));
         busy = true;
     }
     if (std::exchange(m_queue.PendingSetValue, false))
@@ -129,14 +161,15 @@ void PlantCommands::runPendingSetValue()
     const QString text = std::exchange(m_queue.PendingSetValueText, QString());
     if (zone < 0) {
         qCWarning(lcCommands, "A set value was pending without a zone: nothing sent");
-        told(CommandOutcome::Refused);
+        told(QStringLiteral("Valore"), CommandOutcome::Refused);
         return;
     }
-    told(SetValueCommand(m_rt, m_prompts, zone, text));
+    told(setValueCommandText(m_rt, zone, text), SetValueCommand(m_rt, m_prompts, zone, text));
 }
 
-CommandOutcome PlantCommands::told(CommandOutcome outcome) const
+CommandOutcome PlantCommands::told(const QString &what, CommandOutcome outcome) const
 {
+    m_rt.services.journal.record(m_rt.services.user.levelName(), QStringLiteral("Comando"), what, commandOutcomeText(outcome));
     if (m_outcomeListener)
         m_outcomeListener(outcome);
     return outcome;

@@ -66,9 +66,10 @@ public:
 private:
     bool acquiring() const;
     // False when somebody else is using the line.
-    bool runNow(const std::function<CommandOutcome()> &command);
+    bool runNow(const QString &what, const std::function<CommandOutcome()> &command);
     void runPendingSetValue();
-    CommandOutcome told(CommandOutcome outcome) const;
+    // Journals the command `what` with its outcome and tells the listener.
+    CommandOutcome told(const QString &what, CommandOutcome outcome) const;
 
     Runtime &m_rt;
     Prompts &m_prompts;

@@ -2,6 +2,7 @@
 
 #include "base/prompts.h"
 #include "commands/commandslog.h"
+#include "journal/operatorjournal.h"
 #include "supervisor/statusbar.h"
 
 #include <array>
@@ -33,16 +34,14 @@ constexpr int UserPanel = StatusBar::PortPanel;
 
 QString userPanelText(const UserLevel &user)
 {
-    if (user.IsAdministrator)
-        return QStringLiteral("Utente: Amministratore");
-    if (user.IsTechnician)
-        return QStringLiteral("Utente: Tecnico");
-    return QStringLiteral("Utente: Anonimo");
+    return QStringLiteral("Utente: ") + user.levelName();
 }
 
 UserLevel Login(const QString &name, const QString &password, UserLevel &user, StatusBar &statusBar,
-                Prompts &prompts)
+                Prompts &prompts, OperatorJournal &journal)
 {
+    if (user.hasCommandRights())
+        journal.record(user.levelName(), QStringLiteral("Logout"));
     user = UserLevel{};
     statusBar.setPanel(UserPanel, userPanelText(user));
 
@@ -57,8 +56,10 @@ UserLevel Login(const QString &name, const QString &password, UserLevel &user, S
     const bool granted = user.hasCommandRights();
     if (granted) {
         qCInfo(lcCommands) << "User" << name << "logged in";
+        journal.record(user.levelName(), QStringLiteral("Login"), name);
     } else if (!name.isEmpty() || !password.isEmpty()) {
         qCInfo(lcCommands, "Login refused");
+        journal.record(user.levelName(), QStringLiteral("Login"), name, QStringLiteral("password errata"));
         prompts.warning(QStringLiteral("Accesso"), QStringLiteral("Password errata."));
     }
     return user;

@@ -6,6 +6,7 @@
 
 namespace telvane {
 
+class OperatorJournal;
 class Prompts;
 class StatusBar;
 
@@ -16,9 +17,11 @@ class StatusBar;
 // Every attempt logs the previous user out first, so a failed login leaves nobody
 // logged in. A name or password that matches no user gets "Password errata." in a box
 // "Accesso"; both fields empty is the quiet way to log out. Panel 1 of the status bar
-// shows who is logged in. Returns the new rights, also stored in `user`.
+// shows who is logged in. The journal gets the logout of a user with rights, and the
+// login or the refusal with the name given (never the password). Returns the new
+// rights, also stored in `user`.
 UserLevel Login(const QString &name, const QString &password, UserLevel &user, StatusBar &statusBar,
-                Prompts &prompts);
+                Prompts &prompts, OperatorJournal &journal);
 
 // "Utente: Anonimo", "Utente: Tecnico" or "Utente: Amministratore".
 QString userPanelText(const UserLevel &user);

@@ -91,6 +91,8 @@ SeasonChange::SendOutcome SeasonChange::send(bool confirm)
     m_lastResult = InviaProcedura(m_rt.services.master, m_rt.devices.pause, m_prompts, m_rt.devices.clock, recipe, observer, m_options);
     setSending(false);
 
+    m_rt.services.journal.record(m_rt.services.user.levelName(), QStringLiteral("Invio ricetta"), recipe.fileName,
+                        m_lastResult.ok ? QStringLiteral("completato") : QStringLiteral("non riuscito"));
     if (!m_lastResult.ok) {
         m_prompts.warning(RecipeBoxTitle, Failure);
         return SendOutcome::Failed;

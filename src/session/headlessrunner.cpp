@@ -11,25 +11,6 @@
 
 namespace telvane {
 
-namespace {
-
-QString outcomeText(CommandOutcome outcome)
-{
-    switch (outcome) {
-    case CommandOutcome::Refused:
-        return QStringLiteral("rifiutato");
-    case CommandOutcome::NotConfigured:
-        return QStringLiteral("non configurato");
-    case CommandOutcome::Confirmed:
-        return QStringLiteral("confermato");
-    case CommandOutcome::Doubtful:
-        return QStringLiteral("non confermato");
-    }
-    return {};
-}
-
-} // namespace
-
 HeadlessRunner::HeadlessRunner(Runtime &rt, Supervisor &supervisor, PlantSession &session, Prompts &prompts,
                                QTextStream &out, HeadlessOptions options)
     : m_rt(rt)
@@ -43,6 +24,8 @@ HeadlessRunner::HeadlessRunner(Runtime &rt, Supervisor &supervisor, PlantSession
     connect(&m_rt.services.alarms, &AlarmBook::entryAdded, this,
             [this](AlarmItemKind, int, const QString &text) { printAlarm(text); });
     connect(&m_supervisor.monitoring(), &MonitoringCycle::tickFinished, this, &HeadlessRunner::tickFinished);
+    connect(&m_rt.services.journal, &OperatorJournal::recorded, this,
+            [this](const JournalEntry &entry) { m_out << "Giornale: " << journalLine(entry) << Qt::endl; });
     m_session.commands().setOutcomeListener([this](CommandOutcome outcome) { printOutcome(outcome); });
 }
 
@@ -69,7 +52,8 @@ void HeadlessRunner::start()
         return;
     }
     if (m_options.login)
-        Login(m_options.login->name, m_options.login->password, m_rt.services.user, m_rt.display.statusBar, m_prompts);
+        Login(m_options.login->name, m_options.login->password, m_rt.services.user, m_rt.display.statusBar, m_prompts,
+              m_rt.services.journal);
     if (!m_options.recipe.isEmpty()) {
         m_supervisor.cancelAutoStart();
         m_starting = false;
@@ -162,7 +146,7 @@ void HeadlessRunner::printAlarm(const QString &text)
 
 void HeadlessRunner::printOutcome(CommandOutcome outcome)
 {
-    m_out << "Comando \"" << m_commandRunning << "\": " << outcomeText(outcome) << Qt::endl;
+    m_out << "Comando \"" << m_commandRunning << "\": " << commandOutcomeText(outcome) << Qt::endl;
 }
 
 } // namespace telvane

@@ -47,6 +47,7 @@ struct HeadlessOptions
 //   Pannello 2: Acquisizione          a status-bar panel changed ("Pannello 3:" emptied)
 //   Allarme: Soggiorno (14/11/2026 10:15:00)     a new entry in the alarms window
 //   Comando "switch 1 on": confermato             how an operator command ended
+//   Giornale: 14/11/2026 10:15:00;Tecnico;Login;Tecnico;     a line of the operator journal
 //
 // plus the message boxes, as `HeadlessPrompts` prints them. Stops after the ticks asked
 // for, or after the exchange under way when asked to stop, and then closes the port.

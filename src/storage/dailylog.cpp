@@ -2,12 +2,12 @@
 
 #include "base/clock.h"
 #include "base/datetimetext.h"
+#include "storage/lineappend.h"
 #include "storage/numbertext.h"
 #include "storage/storagelog.h"
 #include "storage/textlinereader.h"
 #include "storage/valueconversion.h"
 
-#include <QDir>
 #include <QFile>
 
 namespace telvane {
@@ -103,34 +103,7 @@ DailyLog::DailyLog(ProgramFolder folder, const Clock &clock)
 bool DailyLog::AppendDailyLogLine(const QString &text)
 {
     const QString path = dailyLogPath(m_folder, DailyLogFileName(m_clock.now().date()));
-    // The folder is made at start-up; should someone remove it while we run, make it again
-    // rather than lose every line until the next start.
-    if (!QDir().mkpath(m_folder.filePath(QLatin1String(DailyLogFolderName)))) {
-        qCWarning(lcStorage).noquote() << "Cannot create the folder of" << path << "; a log line is lost";
-        return false;
-    }
-    QFile file(path);
-    // Unbuffered: what a failed write did not take must not be tried again on close.
-    if (!file.open(QIODevice::ReadWrite | QIODevice::Append | QIODevice::Unbuffered)) {
-        qCWarning(lcStorage).noquote() << "Cannot open" << path << ":" << file.errorString() << "; a log line is lost";
-        return false;
-    }
-    const qint64 sizeBefore = file.size();
-    QByteArray bytes = text.toUtf8() + QByteArrayLiteral("\r\n");
-    // A fragment left by a crash in the middle of a line must not swallow this one.
-    if (sizeBefore > 0 && file.seek(sizeBefore - 1) && file.peek(1) != QByteArrayLiteral("\n"))
-        bytes.prepend(QByteArrayLiteral("\r\n"));
-    const bool written = file.write(bytes) == bytes.size() && file.flush();
-    if (!written) {
-        qCWarning(lcStorage).noquote() << "Cannot write to" << path << ":" << file.errorString() << "; a log line is lost";
-        // A full disk takes part of a line: cut it off again, so that the next line
-        // does not continue it and the day reads back whole.
-        if (file.size() != sizeBefore && !file.resize(sizeBefore))
-            qCWarning(lcStorage).noquote() << "Cannot remove the part of the lost line from" << path << ":"
-                                           << file.errorString();
-    }
-    file.close();
-    return written;
+    return AppendTextLine(path, text.toUtf8());
 }
 
 bool DailyLog::ReadDailyLog(const QString &fileName, DailyLogSink &sink) const

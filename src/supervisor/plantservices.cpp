@@ -31,6 +31,7 @@ QString itemName(const PlantConfig &plant, AlarmItemKind kind, int index)
 PlantServices::PlantServices(const ProgramFolder &folder, const Devices &devices, const PlantConfig &plant)
     : master(devices.line, devices.clock)
     , dailyLog(folder, devices.clock)
+    , journal(folder, devices.clock)
     , alarms(devices.clock, [&plant](AlarmItemKind kind, int index) { return itemName(plant, kind, index); })
 {
 }

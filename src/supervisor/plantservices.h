@@ -2,6 +2,7 @@
 
 #include "alarms/alarmbook.h"
 #include "fieldbus/modbusmaster.h"
+#include "journal/operatorjournal.h"
 #include "storage/dailylog.h"
 #include "supervisor/itemstates.h"
 #include "supervisor/linehold.h"
@@ -15,7 +16,7 @@ class ProgramFolder;
 
 // The working parts that keep state of their own between rounds: the bus and who holds
 // it, the day's log, the failure bookkeeping, the last states read from the items and
-// the user logged in.
+// the user logged in and the journal of what operators did.
 struct PlantServices
 {
     // The alarms name an item by the plant's current configuration, so `plant` must
@@ -26,6 +27,8 @@ struct PlantServices
     // Who uses the line beyond one exchange; no monitoring tick starts meanwhile.
     LineHolds lineHolds;
     DailyLog dailyLog;
+    // Every operator action, with the user level it was taken with.
+    OperatorJournal journal;
     AlarmBook alarms;
     ItemStates items;
     UserLevel user;

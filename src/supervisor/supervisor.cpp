@@ -9,6 +9,15 @@
 
 namespace telvane {
 
+namespace {
+
+void journal(Runtime &rt, const QString &event, const QString &detail = QString(), const QString &outcome = QString())
+{
+    rt.services.journal.record(rt.services.user.levelName(), event, detail, outcome);
+}
+
+} // namespace
+
 Supervisor::Supervisor(Runtime &rt, QObject *parent)
     : QObject(parent)
     , m_rt(rt)
@@ -47,7 +56,8 @@ void Supervisor::load()
     m_rt.display.statusBar.setPanel(StatusBar::MessagePanel, QString());
     m_alarmIndication.SetAlarmBlink(false);
 
-    ResetAlarms();
+    // Not the operator's acknowledgement: nothing to journal.
+    m_rt.services.alarms.ResetAlarms();
 
     for (const char *folder : {"Dati", "Crono", "Ricetta"})
         m_rt.model.ini.EnsureFolder(QLatin1String(folder));
@@ -100,19 +110,34 @@ void Supervisor::SetAcquisitionState(bool on)
 
 void Supervisor::ResetAlarms()
 {
-    m_rt.services.alarms.ResetAlarms();
+    // Closing the window acknowledges too; only an acknowledgement of listed alarms is
+    // worth a journal line.
+    AlarmBook &alarms = m_rt.services.alarms;
+    const int listed = alarms.Lst_AllarmiZ()->rowCount() + alarms.Lst_AllarmiI()->rowCount();
+    alarms.ResetAlarms();
+    if (listed > 0)
+        journal(m_rt, QStringLiteral("Riconoscimento allarmi"), QStringLiteral("%1 in elenco").arg(listed));
 }
 
 void Supervisor::MenuStart()
 {
-    if (deferWhileLineHeld(DeferredRead::Start))
+    start(false);
+}
+
+void Supervisor::start(bool automatic)
+{
+    if (deferWhileLineHeld(automatic ? DeferredRead::AutomaticStart : DeferredRead::Start))
         return;
     m_cycle.restartCount();
     for (CycleTask *task : std::as_const(m_rt.cycleTasks))
         task->acquisitionStarting();
 
-    if (CommunicateWithInstruments() && !SerialPortOpen())
+    const QString how = automatic ? QStringLiteral("automatico") : QString();
+    if (CommunicateWithInstruments() && !SerialPortOpen()) {
+        journal(m_rt, QStringLiteral("Start"), how, QStringLiteral("porta seriale non disponibile"));
         return;
+    }
+    journal(m_rt, QStringLiteral("Start"), how);
 
     // While acquiring, the timer keeps running through the re-read.
     const LineHold hold(m_rt.services.lineHolds);
@@ -134,6 +159,8 @@ void Supervisor::endLineWorkEarly()
 void Supervisor::MenuStop()
 {
     endLineWorkEarly();
+    if (m_state.AcquisitionRunning())
+        journal(m_rt, QStringLiteral("Stop"));
     SetAcquisitionState(false);
     m_rt.services.items.reset();
     m_rt.display.displayResets.resetAll();
@@ -148,8 +175,11 @@ void Supervisor::MenuRileggi()
         return;
     if (!m_state.AcquisitionRunning())
         return;
-    if (CommunicateWithInstruments() && !SerialPortOpen())
+    if (CommunicateWithInstruments() && !SerialPortOpen()) {
+        journal(m_rt, QStringLiteral("Rileggi"), QString(), QStringLiteral("porta seriale non disponibile"));
         return;
+    }
+    journal(m_rt, QStringLiteral("Rileggi"));
     const LineHold hold(m_rt.services.lineHolds);
     SetAcquisitionState(false);
     if (readEverything())
@@ -171,7 +201,7 @@ bool Supervisor::deferWhileLineHeld(DeferredRead read)
 {
     if (!m_rt.services.lineHolds.held())
         return false;
-    if (m_deferredRead != DeferredRead::Start)
+    if (m_deferredRead != DeferredRead::Start && m_deferredRead != DeferredRead::AutomaticStart)
         m_deferredRead = read;
     return true;
 }
@@ -179,8 +209,8 @@ bool Supervisor::deferWhileLineHeld(DeferredRead read)
 void Supervisor::runDeferredRead()
 {
     const DeferredRead deferred = std::exchange(m_deferredRead, DeferredRead::None);
-    if (deferred == DeferredRead::Start)
-        MenuStart();
+    if (deferred == DeferredRead::Start || deferred == DeferredRead::AutomaticStart)
+        start(deferred == DeferredRead::AutomaticStart);
     else if (deferred == DeferredRead::Reload)
         MenuRileggi();
 }
@@ -206,7 +236,7 @@ void Supervisor::TimerAutoStartTick()
     m_alarmIndication.setAutoStartPace(false);
     m_alarmIndication.SetAlarmBlink(false);
     m_state.setAutoStartPending(false);
-    MenuStart();
+    start(true);
     m_rt.display.statusBar.setPanel(StatusBar::MessagePanel, QString());
 }
 

@@ -88,11 +88,12 @@ signals:
     void editorFrameEnabledRequested(bool enabled);
 
 private:
-    enum class DeferredRead { None, Start, Reload };
+    enum class DeferredRead { None, Start, AutomaticStart, Reload };
 
     // The Start's and the Reload's read of every zone and switch; false when a Stop
     // cut it short.
     bool readEverything();
+    void start(bool automatic);
     bool deferWhileLineHeld(DeferredRead read);
     void runDeferredRead();
 

@@ -3,6 +3,7 @@
 #include "alarms/commerrortable.h"
 #include "supervisor/runtime.h"
 #include "supervisor/supervisor.h"
+#include "ui/journalview.h"
 
 #include <QCloseEvent>
 #include <QGridLayout>
@@ -14,6 +15,7 @@
 #include <QListView>
 #include <QPushButton>
 #include <QScrollBar>
+#include <QTabWidget>
 #include <QTableView>
 #include <QVBoxLayout>
 
@@ -51,13 +53,16 @@ Allarmi::Allarmi(Runtime &rt, Supervisor &supervisor, QWidget *parent)
     , m_errors(new CommErrorTable(rt.services.alarms, rt.model.plant, rt.model.editor.tables, rt.devices.clock, this))
     , m_zoneList(alarmList(QStringLiteral("Lst_AllarmiZ"), rt.services.alarms.Lst_AllarmiZ(), this))
     , m_switchList(alarmList(QStringLiteral("Lst_AllarmiI"), rt.services.alarms.Lst_AllarmiI(), this))
-    , m_diagnostics(new QGroupBox(QStringLiteral("Errori di comunicazione"), this))
+    // Its tab names it.
+    , m_diagnostics(new QGroupBox(this))
     , m_reserved(new QLabel(QStringLiteral("Il dettaglio degli errori di comunicazione è riservato al tecnico e "
                                            "all'amministratore (File > Login)."),
                             this))
     , m_lastFailure(new QLabel(m_diagnostics))
     , m_lineState(new QLabel(m_diagnostics))
     , m_table(new QTableView(m_diagnostics))
+    , m_journal(new JournalView(rt.services.journal, this))
+    , m_technician(new QTabWidget(this))
 {
     setObjectName(QStringLiteral("Allarmi"));
     setWindowTitle(QStringLiteral("Allarmi"));
@@ -72,6 +77,7 @@ Allarmi::Allarmi(Runtime &rt, Supervisor &supervisor, QWidget *parent)
     lists->addWidget(m_switchList, 1, 1);
 
     m_diagnostics->setObjectName(QStringLiteral("Fra_ErroriCOM"));
+    m_diagnostics->setFlat(true);
     m_lastFailure->setObjectName(QStringLiteral("Lab_UltimoErrore"));
     m_lineState->setObjectName(QStringLiteral("Lab_Linea"));
     m_lastFailure->setTextInteractionFlags(Qt::TextSelectableByMouse);
@@ -114,7 +120,10 @@ Allarmi::Allarmi(Runtime &rt, Supervisor &supervisor, QWidget *parent)
 
     auto *layout = new QVBoxLayout(this);
     layout->addLayout(lists);
-    layout->addWidget(m_diagnostics, 1);
+    m_technician->setObjectName(QStringLiteral("Tab_Tecnico"));
+    m_technician->addTab(m_diagnostics, QStringLiteral("&Errori di comunicazione"));
+    m_technician->addTab(m_journal, QStringLiteral("&Giornale operatore"));
+    layout->addWidget(m_technician, 1);
     layout->addLayout(foot);
 
     connect(close, &QPushButton::clicked, this, &Allarmi::Cmd_ChiudiClick);
@@ -158,8 +167,10 @@ void Allarmi::fitColumns()
 
 void Allarmi::setPrivileged(bool privileged)
 {
-    m_diagnostics->setVisible(privileged);
-    m_diagnostics->setEnabled(privileged);
+    m_technician->setVisible(privileged);
+    m_technician->setEnabled(privileged);
+    if (privileged)
+        m_journal->refresh();
     m_reserved->setVisible(!privileged);
 }
 

@@ -6,11 +6,13 @@ class QGroupBox;
 class QLabel;
 class QListView;
 class QPushButton;
+class QTabWidget;
 class QTableView;
 
 namespace telvane {
 
 class CommErrorTable;
+class JournalView;
 class Supervisor;
 struct Runtime;
 
@@ -21,7 +23,8 @@ struct Runtime;
 //
 // In its communication-error view a technician or administrator also sees, for every
 // item, its failed reads and the last reason, and the line's last failure, and may
-// acknowledge without closing to watch the counts start again.
+// acknowledge without closing to watch the counts start again; beside it, the operator
+// journal.
 class Allarmi final : public QWidget
 {
     Q_OBJECT
@@ -57,6 +60,8 @@ private:
     QLabel *m_lastFailure;
     QLabel *m_lineState;
     QTableView *m_table;
+    JournalView *m_journal;
+    QTabWidget *m_technician;
 };
 
 } // namespace telvane

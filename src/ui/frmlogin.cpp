@@ -25,11 +25,12 @@ QLabel *caption(const QString &text, QWidget *parent)
 
 } // namespace
 
-frmLogin::frmLogin(UserLevel &user, StatusBar &statusBar, Prompts &prompts, QWidget *parent)
+frmLogin::frmLogin(UserLevel &user, StatusBar &statusBar, Prompts &prompts, OperatorJournal &journal, QWidget *parent)
     : QWidget(parent)
     , m_user(user)
     , m_statusBar(statusBar)
     , m_prompts(prompts)
+    , m_journal(journal)
     , m_userName(new QLineEdit(this))
     , m_password(new QLineEdit(this))
     , m_ok(new QPushButton(QStringLiteral("OK"), this))
@@ -88,7 +89,7 @@ void frmLogin::cmdOKClick()
 {
     const QString name = m_userName->text();
     const QString password = m_password->text();
-    const UserLevel level = Login(name, password, m_user, m_statusBar, m_prompts);
+    const UserLevel level = Login(name, password, m_user, m_statusBar, m_prompts, m_journal);
     emit userChanged();
     m_password->clear();
 

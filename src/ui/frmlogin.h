@@ -7,6 +7,7 @@ class QPushButton;
 
 namespace telvane {
 
+class OperatorJournal;
 class Prompts;
 class StatusBar;
 struct UserLevel;
@@ -19,7 +20,8 @@ class frmLogin final : public QWidget
     Q_OBJECT
 
 public:
-    frmLogin(UserLevel &user, StatusBar &statusBar, Prompts &prompts, QWidget *parent = nullptr);
+    frmLogin(UserLevel &user, StatusBar &statusBar, Prompts &prompts, OperatorJournal &journal,
+             QWidget *parent = nullptr);
 
 signals:
     // The operator is done with the window: logged in, logged out or cancelled.
@@ -38,6 +40,7 @@ private:
     UserLevel &m_user;
     StatusBar &m_statusBar;
     Prompts &m_prompts;
+    OperatorJournal &m_journal;
     QLineEdit *m_userName;
     QLineEdit *m_password;
     QPushButton *m_ok;

@@ -57,7 +57,7 @@ MainForm::MainForm(Runtime &rt, Supervisor &supervisor, Prompts &prompts, Camera
     , m_supervisor(supervisor)
     , m_workspace(new Workspace(this))
     , m_children(new ChildWindows(*m_workspace, this))
-    , m_login(new frmLogin(rt.services.user, rt.display.statusBar, prompts))
+    , m_login(new frmLogin(rt.services.user, rt.display.statusBar, prompts, rt.services.journal))
     , m_alarms(new Allarmi(rt, supervisor, this))
     , m_season(new Stagione(rt, prompts))
     , m_trend(new Grafico(rt.model.ini, rt.model.plant, [&rt] { return rt.display.ChartLoggingOption; }))

@@ -50,7 +50,7 @@ QStringList logLines(const SettingsFolder &plant)
 {
     QStringList lines;
     const QDir data(plant.path(QStringLiteral("Dati")));
-    for (const QString &name : data.entryList({QStringLiteral("*.csv")}, QDir::Files, QDir::Name))
+    for (const QString &name : data.entryList({QStringLiteral("????_??_??.csv")}, QDir::Files, QDir::Name))
         lines += QString::fromUtf8(plant.read("Dati/" + name)).split(QStringLiteral("\r\n"), Qt::SkipEmptyParts);
     return lines;
 }
@@ -138,6 +138,15 @@ private slots:
         QVERIFY(run.out.endsWith(QStringLiteral("Pannello 2: Standby\n")));
         QCOMPARE(run.out.count(QStringLiteral("Pannello 3: Lettura...")), 3);
         QVERIFY2(run.err.contains(QStringLiteral("sent to 4 zone(s)")), qPrintable(run.err));
+        // The operator journal, printed as it is written: the start, and the stop after
+        // the last tick.
+        const QRegularExpression journalled(
+            QStringLiteral("^Giornale: \\d\\d/\\d\\d/\\d{4} \\d\\d:\\d\\d:\\d\\d;Anonimo;(\\w+);"),
+            QRegularExpression::MultilineOption);
+        QStringList events;
+        for (auto match = journalled.globalMatch(run.out); match.hasNext();)
+            events.append(match.next().captured(1));
+        QCOMPARE(events, (QStringList{"Start", "Stop"}));
         const QStringList lines = logLines(plant);
         QCOMPARE(lines.size(), 3);
         // A simulated register is 0..400, shown with the zones' one decimal.

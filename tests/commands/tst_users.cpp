@@ -1,8 +1,11 @@
 #include "base/prompts.h"
+#include "base/clock.h"
 #include "commands/users.h"
+#include "journal/operatorjournal.h"
 #include "supervisor/statusbar.h"
 
 #include <QSignalSpy>
+#include <QTemporaryDir>
 #include <QTest>
 
 using namespace telvane;
@@ -32,7 +35,8 @@ private slots:
         QTest::newRow("both empty logs out quietly") << "" << "" << anonymous << false;
     }
     // Each attempt starts from a logged-in administrator, who is logged out first: the
-    // user panel shows "Anonimo" before the new user, even for the same one again.
+    // user panel shows "Anonimo" before the new user, even for the same one again. The
+    // journal has the logout, then the login or its refusal, never the password.
     void login()
     {
         QFETCH(QString, name);
@@ -44,8 +48,15 @@ private slots:
         UserLevel user{false, true};
         statusBar.setPanel(StatusBar::PortPanel, QStringLiteral("Utente: Amministratore"));
         QSignalSpy panel(&statusBar, &StatusBar::panelChanged);
+        QTemporaryDir dir;
+        ManualClock clock;
+        OperatorJournal journal{ProgramFolder(dir.path()), clock};
+        QStringList journalled;
+        connect(&journal, &OperatorJournal::recorded, [&journalled](const JournalEntry &entry) {
+            journalled.append(QStringList{entry.level, entry.event, entry.detail, entry.outcome}.join(u'|'));
+        });
 
-        const UserLevel result = Login(name, password, user, statusBar, prompts);
+        const UserLevel result = Login(name, password, user, statusBar, prompts, journal);
         QVERIFY(user.IsTechnician == level.IsTechnician && user.IsAdministrator == level.IsAdministrator);
         QVERIFY(result.IsTechnician == level.IsTechnician && result.IsAdministrator == level.IsAdministrator);
         QList<QVariantList> texts{{StatusBar::PortPanel, "Utente: Anonimo"}};
@@ -54,6 +65,27 @@ private slots:
         QCOMPARE(QList<QVariantList>(panel), texts);
         const RecordingPrompts::Prompt wrongPassword{RecordingPrompts::Kind::Warning, "Accesso", "Password errata."};
         QCOMPARE(prompts.asked(), refused ? QList{wrongPassword} : QList<RecordingPrompts::Prompt>{});
+        QStringList expected{"Amministratore|Logout||"};
+        if (refused)
+            expected.append("Anonimo|Login|" + name + "|password errata");
+        else if (result.hasCommandRights())
+            expected.append(user.levelName() + "|Login|" + name + "|");
+        QCOMPARE(journalled, expected);
+    }
+
+    // Nobody to log out: an anonymous user's attempt is journalled alone.
+    void anonymousLogin()
+    {
+        StatusBar statusBar;
+        RecordingPrompts prompts;
+        UserLevel user;
+        QTemporaryDir dir;
+        ManualClock clock;
+        OperatorJournal journal{ProgramFolder(dir.path()), clock};
+        QSignalSpy journalled(&journal, &OperatorJournal::recorded);
+        Login(QStringLiteral("Tecnico"), QStringLiteral("Qx7"), user, statusBar, prompts, journal);
+        QCOMPARE(journalled.size(), 1);
+        QCOMPARE(journalled.first().at(0).value<JournalEntry>().event, QStringLiteral("Login"));
     }
 };
 

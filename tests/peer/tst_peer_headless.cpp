@@ -202,7 +202,7 @@ private:
     {
         QStringList lines;
         const QDir data(m_plant->path(QStringLiteral("Dati")));
-        for (const QString &name : data.entryList({QStringLiteral("*.csv")}, QDir::Files, QDir::Name)) {
+        for (const QString &name : data.entryList({QStringLiteral("????_??_??.csv")}, QDir::Files, QDir::Name)) {
             const QString text = QString::fromUtf8(m_plant->read(QStringLiteral("Dati/") + name));
             lines += text.split(QStringLiteral("\r\n"), Qt::SkipEmptyParts);
             if (!text.endsWith(QStringLiteral("\r\n")))

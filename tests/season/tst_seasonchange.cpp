@@ -39,6 +39,16 @@ struct Plant : RuntimeFixture
         writeFile(QStringLiteral("Ricetta/") + name, "[File]\r\nID=Telvane\r\n" + zones);
     }
 
+    // The recipe sends the operator journal holds, as "file: outcome".
+    QStringList journalledSends() const
+    {
+        QStringList sends;
+        for (const JournalEntry &entry : rt.services.journal.readJournal(JournalFileName(clock.now().date())))
+            if (entry.event == QLatin1String("Invio ricetta"))
+                sends.append(entry.detail + QStringLiteral(": ") + entry.outcome);
+        return sends;
+    }
+
     QString attuale() const { return rt.model.ini.ReadIniKey(QStringLiteral("Stagione"), QStringLiteral("Attuale"), "?"); }
 };
 
@@ -67,6 +77,7 @@ private slots:
         QCOMPARE(plant.takeRequests(), (QStringList{"01 06 0002 00c8", "02 06 0002 00b4"}));
         QCOMPARE(plant.attuale(), QStringLiteral("1"));
         QCOMPARE(stored.size(), 1);
+        QCOMPARE(plant.journalledSends(), QStringList{"Inverno.prg: completato"});
         QCOMPARE(plant.prompts.asked(),
                  (QList<Prompt>{box(Kind::Information, "Il file Inverno.prg è stato caricato correttamente."),
                                 box(Kind::Question, Confirmation), box(Kind::Information, Completed)}));
@@ -79,9 +90,10 @@ private slots:
         QTest::addColumn<bool>("slave2Answers");
         QTest::addColumn<QStringList>("requests");
         QTest::addColumn<QString>("lastBox");
-        QTest::newRow("No at the confirmation") << false << true << QStringList{} << Confirmation;
+        QTest::addColumn<QStringList>("journalled");
+        QTest::newRow("No at the confirmation") << false << true << QStringList{} << Confirmation << QStringList{};
         QTest::newRow("slave 2 silent") << true << false << QStringList{"01 06 0002 00c8", "02 06 0002 00b4"}
-                                        << Failure;
+                                        << Failure << QStringList{"Inverno.prg: non riuscito"};
     }
     void unfinishedChangeKeepsTheSeason()
     {
@@ -89,6 +101,7 @@ private slots:
         QFETCH(bool, slave2Answers);
         QFETCH(QStringList, requests);
         QFETCH(QString, lastBox);
+        QFETCH(QStringList, journalled);
         Plant plant;
         if (!slave2Answers)
             plant.slaves.remove(2);
@@ -99,6 +112,7 @@ private slots:
         QCOMPARE(plant.takeRequests(), requests);
         QCOMPARE(plant.attuale(), QStringLiteral("0"));
         QCOMPARE(plant.prompts.asked().last().text, lastBox);
+        QCOMPARE(plant.journalledSends(), journalled);
     }
 
     void cancelInMsgBox()

@@ -114,14 +114,23 @@ struct HeadlessRig : RuntimeFixture
         supervisor.monitoring().MonitorCycle();
     }
 
-    // Everything printed since the last call, line by line.
+    // Everything printed since the last call, line by line; the operator journal's
+    // lines go to `journalled` instead, as "level;event;detail;outcome".
     QStringList takeLines()
     {
         out.flush();
-        const QStringList lines = printed.mid(m_taken).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+        QStringList lines = printed.mid(m_taken).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
         m_taken = printed.size();
+        static const QRegularExpression journalLine(QStringLiteral("^Giornale: \\d\\d/\\d\\d/\\d{4} \\d\\d:\\d\\d:\\d\\d;(.*)$"));
+        lines.removeIf([this](const QString &line) {
+            const QRegularExpressionMatch match = journalLine.match(line);
+            if (match.hasMatch())
+                journalled.append(match.captured(1));
+            return match.hasMatch() || line.startsWith(QLatin1String("Giornale:"));
+        });
         return lines;
     }
+    QStringList journalled;
 
     // The writes put on the wire since the last call (reads left out).
     QStringList takeWrites()
@@ -187,6 +196,7 @@ private slots:
         QCOMPARE(rig.runner->ticksRun(), 4);
         // Listed once: the third round adds nothing.
         QCOMPARE(rig.takeLines(), (QStringList{"Pannello 3: Lettura...", "Pannello 3:", "Pannello 2: Standby"}));
+        QCOMPARE(rig.journalled, (QStringList{"Anonimo;Start;automatico;", "Anonimo;Stop;;"}));
         QVERIFY(!rig.supervisor.AcquisitionRunning());
         QVERIFY(!rig.supervisor.monitoring().Timer_Monitor().isActive());
         QVERIFY(!rig.line.isOpen());
@@ -229,6 +239,8 @@ private slots:
             QCOMPARE(rig.takeWrites(), writes);
             QVERIFY2(rig.takeLines().contains(told), qPrintable(told));
         }
+        QCOMPARE(rig.journalled.filter(QStringLiteral(";Comando;")).size(), ticks.size());
+        QVERIFY2(rig.journalled.contains(QStringLiteral("Tecnico;Login;Tecnico;")), qPrintable(rig.journalled.join('\n')));
     }
 
     // Nobody answers a box: a wrong password is told on a line, and the command that

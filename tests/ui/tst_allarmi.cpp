@@ -9,6 +9,7 @@
 #include <QLoggingCategory>
 #include <QPushButton>
 #include <QTableView>
+#include <QTableWidget>
 #include <QTest>
 
 using namespace telvane;
@@ -133,6 +134,17 @@ private slots:
         QTest::mouseClick(alarms->findChild<QPushButton *>(QStringLiteral("Cmd_Riconosci")), Qt::LeftButton);
         QVERIFY(alarms->isVisible());
         QCOMPARE(consecutive.data().toString(), QStringLiteral("0"));
+
+        // Beside the errors, the operator journal: newest entry on top, new ones as they
+        // happen. Acknowledging three failures that listed nothing is not journalled.
+        const QTableWidget *journal = alarms->findChild<QTableWidget *>(QStringLiteral("Tab_Giornale"));
+        const int entries = journal->rowCount();
+        QCOMPARE(entries, 3);
+        QCOMPARE(journal->item(0, 2)->text(), QStringLiteral("Start"));
+        rig.chooseFromAcquisitionButton(QStringLiteral("Stop"));
+        QCOMPARE(journal->rowCount(), entries + 1);
+        QCOMPARE(journal->item(0, 1)->text(), QStringLiteral("Tecnico"));
+        QCOMPARE(journal->item(0, 2)->text(), QStringLiteral("Stop"));
     }
 };
 

@@ -268,7 +268,9 @@ void Comunicazioni::closeFieldPage(FieldPage *page, int index)
     if (index == 0) {
         if (!page->model().canConfirm())
             return;
-        if (!page->model().save(m_rt.model.ini))
+        const bool saved = page->model().save(m_rt.model.ini);
+        journalConfirmedPage(page->model().title(), saved);
+        if (!saved)
             m_prompts.warning(QStringLiteral("Comunicazioni"),
                               QStringLiteral("Impossibile salvare le impostazioni in %1: il file è rimasto com'era.")
                                   .arg(m_rt.model.ini.currentIniName()));
@@ -280,11 +282,21 @@ void Comunicazioni::closeFieldPage(FieldPage *page, int index)
 
 void Comunicazioni::closeChronoPage(int index)
 {
-    if (index == 0 && !m_chronoPage->model().save(m_rt.model.ini, m_rt.model.chrono, m_rt.model.holidays))
-        m_prompts.warning(QStringLiteral("Comunicazioni"),
-                          QStringLiteral("Impossibile salvare il cronotermostato nella cartella Crono."));
+    if (index == 0) {
+        const bool saved = m_chronoPage->model().save(m_rt.model.ini, m_rt.model.chrono, m_rt.model.holidays);
+        journalConfirmedPage(QStringLiteral("Cronotermostato"), saved);
+        if (!saved)
+            m_prompts.warning(QStringLiteral("Comunicazioni"),
+                              QStringLiteral("Impossibile salvare il cronotermostato nella cartella Crono."));
+    }
     MenuRileggiIni();
     showLists();
+}
+
+void Comunicazioni::journalConfirmedPage(const QString &title, bool saved)
+{
+    m_rt.services.journal.record(m_rt.services.user.levelName(), QStringLiteral("Pagina confermata"), title,
+                        saved ? QStringLiteral("salvata") : QStringLiteral("non salvata"));
 }
 
 void Comunicazioni::MenuRileggiIni()

@@ -80,6 +80,7 @@ private:
     FieldPage *addFieldPage(PageModel model, const QString &menuText);
     void closeFieldPage(FieldPage *page, int index);
     void closeChronoPage(int index);
+    void journalConfirmedPage(const QString &title, bool saved);
     void showLists();
     void refresh();
     void applyMode();

@@ -1,0 +1,155 @@
+// What reaches the operator journal from where things happen: the acquisition's start,
+// stop and re-read, the acknowledgement of alarms and the operator's commands.
+
+#include "support/runtimefixture.h"
+
+#include "commands/plantcommands.h"
+#include "journal/operatorjournal.h"
+#include "supervisor/supervisor.h"
+
+#include <QLocale>
+#include <QLoggingCategory>
+#include <QTest>
+
+using namespace telvane;
+
+namespace {
+
+// Event, detail and outcome of an entry, and the user level it was taken with.
+struct Seen
+{
+    QString level;
+    QString event;
+    QString detail;
+    QString outcome;
+
+    friend bool operator==(const Seen &, const Seen &) = default;
+};
+
+struct JournalFixture : RuntimeFixture
+{
+    Supervisor supervisor{rt};
+    QList<Seen> seen;
+
+    JournalFixture()
+    {
+        QObject::connect(&rt.services.journal, &OperatorJournal::recorded, [this](const JournalEntry &entry) {
+            seen.append({entry.level, entry.event, entry.detail, entry.outcome});
+        });
+    }
+
+    // What the month's file holds, which must be what was announced.
+    QList<Seen> written() const
+    {
+        QList<Seen> entries;
+        for (const JournalEntry &entry : rt.services.journal.readJournal(JournalFileName(clock.now().date())))
+            entries.append({entry.level, entry.event, entry.detail, entry.outcome});
+        return entries;
+    }
+};
+
+} // namespace
+
+namespace QTest {
+template <>
+char *toString(const Seen &seen)
+{
+    return qstrdup(QStringList{seen.level, seen.event, seen.detail, seen.outcome}.join(u" | ").toUtf8().constData());
+}
+} // namespace QTest
+
+class TestJournalHooks : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase() { QLoggingCategory::setFilterRules(QStringLiteral("telvane.*.debug=false")); }
+
+    // The automatic start is told from the operator's; a re-read is not a stop and a
+    // start; a Stop while standing by and a start-up's own acknowledgement do nothing.
+    void acquisition()
+    {
+        JournalFixture fx;
+        fx.rt.services.master.setCommunicate(false);
+        fx.supervisor.load();
+        fx.supervisor.TimerAutoStartTick();
+        fx.login(true, false);
+        fx.supervisor.MenuRileggi();
+        fx.supervisor.MenuStop();
+        fx.supervisor.MenuStop();
+        fx.login(false, true);
+        fx.supervisor.MenuStart();
+
+        const QList<Seen> expected{{"Anonimo", "Start", "automatico", ""},
+                                   {"Tecnico", "Rileggi", "", ""},
+                                   {"Tecnico", "Stop", "", ""},
+                                   {"Amministratore", "Start", "", ""}};
+        QCOMPARE(fx.seen, expected);
+        QCOMPARE(fx.written(), expected);
+    }
+
+    void startWithoutPort()
+    {
+        JournalFixture fx;
+        fx.rt.model.editor.comm.portAvailable = false;
+        fx.supervisor.MenuStart();
+        QVERIFY(!fx.supervisor.AcquisitionRunning());
+        QCOMPARE(fx.seen, (QList<Seen>{{"Anonimo", "Start", "", "porta seriale non disponibile"}}));
+    }
+
+    // Closing the alarms window acknowledges every time; only an acknowledgement of
+    // listed alarms is journalled, with how many there were.
+    void acknowledgement()
+    {
+        JournalFixture fx;
+        fx.rt.model.plant.zones.resize(2);
+        fx.rt.model.plant.zones[0].name = QStringLiteral("Soggiorno");
+        fx.rt.model.plant.zones[1].name = QStringLiteral("Cucina");
+        for (int i = 0; i < 6; ++i) {
+            fx.rt.services.alarms.ReportZoneFailure(0);
+            fx.rt.services.alarms.ReportZoneFailure(1);
+        }
+        fx.login(true, false);
+        fx.supervisor.ResetAlarms();
+        fx.supervisor.ResetAlarms();
+        QCOMPARE(fx.seen, (QList<Seen>{{"Tecnico", "Riconoscimento allarmi", "2 in elenco", ""}}));
+    }
+
+    // Every command that ran, at once or from the queue, with the item's name and its
+    // outcome; a set value with the user's decimal separator, as the day file has it.
+    void commands()
+    {
+        QLocale::setDefault(QLocale(QLocale::Italian, QLocale::Italy));
+        JournalFixture fx;
+        PlantCommands commands(fx.rt, fx.prompts, fx.supervisor);
+        fx.rt.cycleTasks.append(&commands);
+        fx.rt.model.plant.SwitchControlMode = 1;
+        fx.rt.model.plant.switches.resize(2);
+        fx.rt.model.plant.switches[0].name = QStringLiteral("Pompa");
+        fx.rt.model.plant.zones.resize(1);
+        fx.rt.model.plant.zones[0].name = QStringLiteral("Soggiorno");
+        RegisterTables &t = fx.rt.model.editor.tables;
+        setRow(t.SwitchWriteTable, 0, {4, 0, -1, -1, 5, 0x30, 5, 0x31, 1, 0});
+        setRow(t.ZoneWriteTable, 0, {12, 1, -1, -1, -1, -1, 6, 0x50});
+        fx.slaves = {4, 12};
+        fx.rt.model.editor.comm.remotePeriod = fx.rt.model.editor.comm.measurementPeriod = fx.rt.model.editor.comm.ledPeriod = 0;
+        fx.login(true, false);
+
+        commands.switchOffImageClicked(0); // standing by: at once
+        commands.doorOpenerClicked();      // no door configured
+        fx.supervisor.SetAcquisitionState(true);
+        commands.queueSwitch(1, false);    // unnamed and not configured
+        commands.queueSetValue(0, QStringLiteral("21.5"));
+        fx.supervisor.MonitorCycle();
+        QLocale::setDefault(QLocale::c());
+
+        QCOMPARE(fx.seen, (QList<Seen>{{"Tecnico", "Comando", "Accensione Pompa", "confermato"},
+                                       {"Tecnico", "Comando", "Apertura porta", "non configurato"},
+                                       {"Tecnico", "Comando", "Spegnimento interruttore 2", "non configurato"},
+                                       {"Tecnico", "Comando", "Valore Soggiorno: 21,5", "confermato"}}));
+        fx.rt.cycleTasks.removeOne(&commands);
+    }
+};
+
+QTEST_GUILESS_MAIN(TestJournalHooks)
+#include "tst_journalhooks.moc"
