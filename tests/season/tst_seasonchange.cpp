@@ -2,6 +2,7 @@
 
 #include "season/seasonchange.h"
 
+#include <QFile>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -99,6 +100,43 @@ private slots:
         QCOMPARE(plant.takeRequests(), requests);
         QCOMPARE(plant.attuale(), QStringLiteral("0"));
         QCOMPARE(plant.prompts.asked().last().text, lastBox);
+        QVERIFY2(change.lastReport().isEmpty() == !confirmed, "a report only of a send that went out");
+    }
+
+    // The report kept in "Ricetta": what was sent where, each row's time and outcome,
+    // and the rows the failure kept from the instruments.
+    void reportOfAStoppedSend()
+    {
+        Plant plant;
+        plant.slaves.remove(2);
+        plant.rt.editor.comm.statusText = QStringLiteral("COM1:9600,N,8,1");
+        plant.writeRecipe(QStringLiteral("Inverno.prg"), "[Zona 01]\r\nIntervallo=1500\r\nLinee=1\r\n01=6,2,200;SP\r\n"
+                                                         "[Zona 02]\r\nLinee=2\r\n01=6,2,180;SP\r\n02=5,1,1;Remoto\r\n");
+        SeasonChange change(plant.rt, plant.prompts);
+        QVERIFY(change.loadSeasonRecipe(Season::Inverno));
+        plant.prompts.scriptQuestion(true);
+        QCOMPARE(change.send(), SeasonChange::SendOutcome::Failed);
+
+        const QString path = plant.dir.filePath(QStringLiteral("Ricetta/Resoconto Inverno 2026-11-14 22-20-09.txt"));
+        QCOMPARE(change.lastReportPath(), path);
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const QStringList expected{
+            "Resoconto dell'invio della ricetta Inverno.prg",
+            "Cambio: Estate -> Inverno",
+            "Linea: COM1:9600,N,8,1",
+            "Rilettura di verifica: no",
+            "Inizio: 14/11/2026 22:20:09",
+            "Fine: 14/11/2026 22:20:10",
+            "Esito: interrotto alla riga 2 di 3; la stagione non è cambiata",
+            "",
+            "22:20:09  Riga 1, zona 01, slave 1, registro 2 = 200 (SP): scritto",
+            "22:20:10  Riga 2, zona 02, slave 2, registro 2 = 180 (SP): nessuna risposta dallo strumento (Time out)",
+            "--:--:--  Riga 3, zona 02, slave 2, bobina 1 = 1 (Remoto): non inviato",
+            "",
+        };
+        QCOMPARE(QString::fromUtf8(file.readAll()).split(QStringLiteral("\r\n")), expected);
+        QCOMPARE(change.lastReport(), expected.mid(0, expected.size() - 1));
     }
 
     void cancelInMsgBox()
@@ -169,9 +207,11 @@ private slots:
         QVERIFY(change.loadSeasonRecipe(Season::Inverno));
         QList<SeasonChange::SendOutcome> during;
         bool reloaded = true;
+        bool lineHeld = false;
         plant.line.setDuringYield([&] {
             if (!during.isEmpty())
                 return;
+            lineHeld = plant.rt.lineHolds.held();
             during.append(change.send(false));
             reloaded = change.loadSeasonRecipe(Season::Estate);
         });
@@ -179,6 +219,7 @@ private slots:
         QCOMPARE(change.send(false), SeasonChange::SendOutcome::Succeeded);
         QCOMPARE(during, QList<SeasonChange::SendOutcome>{SeasonChange::SendOutcome::Busy});
         QVERIFY(!reloaded);
+        QVERIFY2(lineHeld, "a monitoring tick could run between the writes");
         QCOMPARE(plant.takeRequests().size(), 2);
         QCOMPARE(sending.size(), 2);
         QVERIFY(!change.sending());
