@@ -164,7 +164,6 @@ Stagione::Stagione(Runtime &rt, Prompts &prompts, QWidget *parent)
     });
     connect(m_change, &SeasonChange::seasonStored, this, [this] { showSeason(); });
     connect(m_change, &SeasonChange::reportReady, this, &Stagione::reportReady);
-    resize(900, 560);
 }
 
 Stagione::~Stagione() = default;
@@ -267,8 +266,11 @@ void Stagione::fillLists()
                                    row.target,
                                    row.valueText,
                                    row.name};
-        for (int column = 0; column < m_lists.size(); ++column)
-            m_lists.at(column)->addItem(cells.at(column));
+        for (int column = 0; column < m_lists.size(); ++column) {
+            auto *item = new QListWidgetItem(cells.at(column), m_lists.at(column));
+            // A MSGBOX text is often wider than its column.
+            item->setToolTip(cells.at(column));
+        }
     }
     m_send->setEnabled(m_change->hasRecipe() && !m_change->sending());
 }

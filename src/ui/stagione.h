@@ -54,6 +54,9 @@ public:
     // so in the window: a box on each opening would only be clicked away.
     void refresh();
 
+    // Room for a recipe of twenty rows without scrolling, on a 1280 x 800 screen.
+    QSize sizeHint() const override { return {1000, 640}; }
+
 protected:
     void showEvent(QShowEvent *event) override;
 
