@@ -14,8 +14,6 @@ using Kind = RecordingPrompts::Kind;
 using Prompt = RecordingPrompts::Prompt;
 
 const QString Title = QStringLiteral("Configurazione strumenti");
-const QString Confirmation = QStringLiteral("Modificare le impostazioni sugli strumenti ?");
-const QString Completed = QStringLiteral("Il cambio delle impostazioni è stato completato correttamente.");
 const QString Failure = QStringLiteral("Attenzione: Un errore occorso durante l'invio della procedura ha impedito il "
                                        "completamento del cambio di stagione.\nVerificare il file e la linea di "
                                        "trasmissione dati.");
@@ -55,52 +53,17 @@ class TestSeasonChange : public QObject
     Q_OBJECT
 
 private slots:
-    // From summer the change goes to winter: its recipe is sent and winter stored.
-    void completedChangeStoresTheSeason()
+    // No at the confirmation sends nothing, keeps "Attuale" and leaves no report.
+    void declinedChangeSendsNothing()
     {
         Plant plant;
-        SeasonChange change(plant.rt, plant.prompts);
-        QCOMPARE(change.currentSeason(), Season::Estate);
-        QVERIFY(change.loadSeasonRecipe(otherSeason(change.currentSeason())));
-        QSignalSpy stored(&change, &SeasonChange::seasonStored);
-        plant.prompts.scriptQuestion(true);
-        QCOMPARE(change.send(), SeasonChange::SendOutcome::Succeeded);
-        QCOMPARE(plant.takeRequests(), (QStringList{"01 06 0002 00c8", "02 06 0002 00b4"}));
-        QCOMPARE(plant.attuale(), QStringLiteral("1"));
-        QCOMPARE(stored.size(), 1);
-        QCOMPARE(plant.prompts.asked(),
-                 (QList<Prompt>{box(Kind::Information, "Il file Inverno.prg è stato caricato correttamente."),
-                                box(Kind::Question, Confirmation), box(Kind::Information, Completed)}));
-    }
-
-    // Any way the send does not complete leaves "Attuale" as it was.
-    void unfinishedChangeKeepsTheSeason_data()
-    {
-        QTest::addColumn<bool>("confirmed");
-        QTest::addColumn<bool>("slave2Answers");
-        QTest::addColumn<QStringList>("requests");
-        QTest::addColumn<QString>("lastBox");
-        QTest::newRow("No at the confirmation") << false << true << QStringList{} << Confirmation;
-        QTest::newRow("slave 2 silent") << true << false << QStringList{"01 06 0002 00c8", "02 06 0002 00b4"}
-                                        << Failure;
-    }
-    void unfinishedChangeKeepsTheSeason()
-    {
-        QFETCH(bool, confirmed);
-        QFETCH(bool, slave2Answers);
-        QFETCH(QStringList, requests);
-        QFETCH(QString, lastBox);
-        Plant plant;
-        if (!slave2Answers)
-            plant.slaves.remove(2);
         SeasonChange change(plant.rt, plant.prompts);
         QVERIFY(change.loadSeasonRecipe(Season::Inverno));
-        plant.prompts.scriptQuestion(confirmed);
-        QCOMPARE(change.send(), confirmed ? SeasonChange::SendOutcome::Failed : SeasonChange::SendOutcome::Declined);
-        QCOMPARE(plant.takeRequests(), requests);
+        plant.prompts.scriptQuestion(false);
+        QCOMPARE(change.send(), SeasonChange::SendOutcome::Declined);
+        QVERIFY(plant.line.requests().isEmpty());
         QCOMPARE(plant.attuale(), QStringLiteral("0"));
-        QCOMPARE(plant.prompts.asked().last().text, lastBox);
-        QVERIFY2(change.lastReport().isEmpty() == !confirmed, "a report only of a send that went out");
+        QVERIFY(change.lastReport().isEmpty());
     }
 
     // The report kept in "Ricetta": what was sent where, each row's time and outcome,
@@ -116,6 +79,8 @@ private slots:
         QVERIFY(change.loadSeasonRecipe(Season::Inverno));
         plant.prompts.scriptQuestion(true);
         QCOMPARE(change.send(), SeasonChange::SendOutcome::Failed);
+        QCOMPARE(plant.attuale(), QStringLiteral("0"));
+        QCOMPARE(plant.prompts.asked().last(), box(Kind::Warning, Failure));
 
         const QString path = plant.dir.filePath(QStringLiteral("Ricetta/Resoconto Inverno 2026-11-14 22-20-09.txt"));
         QCOMPARE(change.lastReportPath(), path);
@@ -137,19 +102,6 @@ private slots:
         };
         QCOMPARE(QString::fromUtf8(file.readAll()).split(QStringLiteral("\r\n")), expected);
         QCOMPARE(change.lastReport(), expected.mid(0, expected.size() - 1));
-    }
-
-    void cancelInMsgBox()
-    {
-        Plant plant("Attuale=1\r\nEstate=Estate.prg\r\n");
-        SeasonChange change(plant.rt, plant.prompts);
-        QVERIFY(change.loadSeasonRecipe(otherSeason(change.currentSeason())));
-        plant.prompts.scriptQuestion(true);
-        plant.prompts.scriptAcknowledge(false);
-        QCOMPARE(change.send(), SeasonChange::SendOutcome::Failed);
-        QVERIFY(plant.line.requests().isEmpty());
-        QCOMPARE(plant.attuale(), QStringLiteral("1"));
-        QCOMPARE(plant.prompts.asked().last(), box(Kind::Warning, Failure));
     }
 
     void noRecipeNamed_data()

@@ -186,6 +186,7 @@ private slots:
         answer = rig.plant.dir.filePath(QStringLiteral("Ricetta/Inverno2.prg"));
         QTest::mouseClick(child<QPushButton>(rig, "Cmd_Inverno"), Qt::LeftButton);
         QCOMPARE(child<QLineEdit>(rig, "Txt_Inverno")->text(), QStringLiteral("Inverno2.prg"));
+        QCOMPARE(rig.prompts.asked().last(), (Prompt{Kind::Information, Title, "Il file Inverno2.prg è stato caricato correttamente."}));
         QCOMPARE(rig.plant.rt.ini.ReadIniKey("Stagione", "Inverno", "?"), QStringLiteral("Inverno2.prg"));
         QCOMPARE(child<QListWidget>(rig, "Lst_NomePar")->count(), 1);
         QCOMPARE(child<QListWidget>(rig, "Lst_Sadd")->item(0)->text(), QStringLiteral("2"));
