@@ -168,6 +168,7 @@ private slots:
         QTest::newRow("register not a number") << zone1("6,SP,100;x");
         QTest::newRow("register beyond 65535") << zone1("6,65536,100;x");
         QTest::newRow("value not a number") << zone1("6,2,abc;x");
+        QTest::newRow("value with decimals") << zone1("6,2,26.5;x");
         QTest::newRow("value too large") << zone1("6,2,65536;x");
         QTest::newRow("coil value 2") << zone1("5,1,2;x");
         QTest::newRow("Linee not a number") << Header + zoneSection(1, "Linee = due\r\n");

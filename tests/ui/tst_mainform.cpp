@@ -5,6 +5,7 @@
 #include "ui/childwindows.h"
 #include "ui/frmlogin.h"
 #include "ui/stagione.h"
+#include "ui/trends/grafico.h"
 #include "ui/synoptic/sinottico.h"
 
 #include <QAction>
@@ -177,8 +178,7 @@ private slots:
         WindowRig rig;
         rig.startUp();
         QWidget *synoptic = rig.window->synopticWindow();
-        QWidget trend;
-        rig.window->childWindows().plug(rig.entry(QStringLiteral("MenuGrafico")), &trend);
+        QWidget &trend = *rig.window->trendWindow();
         QWidget *login = rig.window->loginWindow();
         // Shown, ticked and (for the first two) held down, as "login synoptic trend" flags.
         const auto state = [&] {
