@@ -120,9 +120,6 @@ private slots:
         thirty += zoneSection(31, "Linee = 1\r\n01 = garbage\r\n");
         QTest::newRow("30 zones on a 4-zone plant") << thirty << 4 << QList<int>{1, 2, 3, 4}
                                                     << QList<int>{100, 100, 100, 100};
-        QTest::newRow("zone beyond the plant is never read")
-            << Header + zoneSection(1, oneLine) + zoneSection(2, "Linee = 1\r\n01 = 3,100,5;x\r\n") << 1
-            << QList<int>{1} << QList<int>{100};
         QTest::newRow("lines beyond Linee are never read")
             << Header + zoneSection(1, oneLine + "02 = 3,100,5;x\r\n03\r\n") << 1 << QList<int>{1} << QList<int>{100};
         QTest::newRow("negative Linee adds nothing")

