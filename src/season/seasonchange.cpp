@@ -27,14 +27,14 @@ SeasonChange::SeasonChange(Runtime &rt, Prompts &prompts, QObject *parent)
 
 Season SeasonChange::currentSeason() const
 {
-    return ReadCurrentSeason(m_rt.ini);
+    return ReadCurrentSeason(m_rt.model.ini);
 }
 
 bool SeasonChange::loadSeasonRecipe(Season target, LoadNotice notice)
 {
     if (m_sending)
         return false;
-    const QString fileName = ReadSeasonRecipe(m_rt.ini, target);
+    const QString fileName = ReadSeasonRecipe(m_rt.model.ini, target);
     if (fileName.isEmpty()) {
         clearRecipe();
         m_loadMessage = noRecipeMessage(target);
@@ -48,7 +48,7 @@ bool SeasonChange::loadRecipeFile(const QString &fileName, std::optional<Season>
 {
     if (m_sending)
         return false;
-    RecipeLoad load = LoadRecipe(m_rt.ini, fileName, m_rt.plant, m_rt.editor.tables.ZoneWriteTable);
+    RecipeLoad load = LoadRecipe(m_rt.model.ini, fileName, m_rt.model.plant, m_rt.model.editor.tables.ZoneWriteTable);
     m_loadMessage = load.message;
     if (!load.loaded()) {
         clearRecipe();
@@ -88,11 +88,11 @@ SeasonChange::SendOutcome SeasonChange::send(bool confirm)
     setSending(true);
     SendRecord record;
     record.recipeFile = m_recipe.fileName;
-    record.line = m_rt.master.communicate() ? m_rt.editor.comm.statusText : QStringLiteral("simulazione");
+    record.line = m_rt.services.master.communicate() ? m_rt.model.editor.comm.statusText : QStringLiteral("simulazione");
     record.from = before;
     record.to = m_target;
     record.verifyReadBack = m_options.verifyReadBack;
-    record.started = m_rt.clock.now();
+    record.started = m_rt.devices.clock.now();
     ProcedureObserver observer;
     observer.progress = [this](int percent, const QString &text) { emit progressChanged(percent, text); };
     observer.rowDone = [this](const RecipeRow &row, const RowOutcome &outcome) {
@@ -101,14 +101,14 @@ SeasonChange::SendOutcome SeasonChange::send(bool confirm)
     // A copy: the lists must not change under the send, even if a handler reloads them.
     const Recipe recipe = m_recipe;
     {
-        const LineHold hold(m_rt.lineHolds);
-        m_lastResult = InviaProcedura(m_rt.master, m_rt.pause, m_prompts, m_rt.clock, recipe, observer, m_options);
+        const LineHold hold(m_rt.services.lineHolds);
+        m_lastResult = InviaProcedura(m_rt.services.master, m_rt.devices.pause, m_prompts, m_rt.devices.clock, recipe, observer, m_options);
     }
-    record.finished = m_rt.clock.now();
+    record.finished = m_rt.devices.clock.now();
     record.rows = recipe.rows;
     record.result = m_lastResult;
     m_lastReport = sendReportLines(record);
-    m_lastReportPath = writeSendReport(m_rt.ini.folder(), record);
+    m_lastReportPath = writeSendReport(m_rt.model.ini.folder(), record);
     setSending(false);
     emit reportReady(m_lastReportPath);
 
@@ -117,7 +117,7 @@ SeasonChange::SendOutcome SeasonChange::send(bool confirm)
         return SendOutcome::Failed;
     }
     if (m_target) {
-        WriteCurrentSeason(m_rt.ini, *m_target);
+        WriteCurrentSeason(m_rt.model.ini, *m_target);
         qCInfo(lcSeason).noquote() << "Season changed from" << seasonName(before) << "to" << seasonName(*m_target)
                                    << "with" << recipe.fileName;
         emit seasonStored(*m_target);

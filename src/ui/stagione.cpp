@@ -75,9 +75,9 @@ Stagione::Stagione(Runtime &rt, Prompts &prompts, QWidget *parent)
     , m_outcome(new QLabel(this))
 {
     setObjectName(QStringLiteral("Stagione"));
-    setWindowTitle(rt.mode.seasonCaption.isEmpty() ? QStringLiteral("Stagione") : rt.mode.seasonCaption);
+    setWindowTitle(rt.model.mode.seasonCaption.isEmpty() ? QStringLiteral("Stagione") : rt.model.mode.seasonCaption);
     m_chooseFile = [this](const QString &folder) { return defaultChooser(this, folder); };
-    m_printTarget = [this] { return openPrintTarget(m_rt.ini.folder().root(), m_rt.clock.now()); };
+    m_printTarget = [this] { return openPrintTarget(m_rt.model.ini.folder().root(), m_rt.devices.clock.now()); };
 
     auto *recipes = new QGroupBox(QStringLiteral("Ricette del cambio stagione"), this);
     auto *grid = new QGridLayout(recipes);
@@ -215,9 +215,9 @@ void Stagione::refresh()
 {
     if (m_change->sending())
         return;
-    setWindowTitle(m_rt.mode.seasonCaption.isEmpty() ? QStringLiteral("Stagione") : m_rt.mode.seasonCaption);
-    m_summerFile->setText(ReadSeasonRecipe(m_rt.ini, Season::Estate));
-    m_winterFile->setText(ReadSeasonRecipe(m_rt.ini, Season::Inverno));
+    setWindowTitle(m_rt.model.mode.seasonCaption.isEmpty() ? QStringLiteral("Stagione") : m_rt.model.mode.seasonCaption);
+    m_summerFile->setText(ReadSeasonRecipe(m_rt.model.ini, Season::Estate));
+    m_winterFile->setText(ReadSeasonRecipe(m_rt.model.ini, Season::Inverno));
     showSeason();
     m_progressPanel->hide();
     m_change->loadSeasonRecipe(otherSeason(m_change->currentSeason()), SeasonChange::LoadNotice::Quiet);
@@ -235,7 +235,7 @@ void Stagione::showSeason()
 
 void Stagione::chooseRecipe(Season season)
 {
-    const QString folder = m_rt.ini.folder().filePath(RecipeFolder);
+    const QString folder = m_rt.model.ini.folder().filePath(RecipeFolder);
     const QString chosen = m_chooseFile(folder);
     if (chosen.isEmpty())
         return;
@@ -246,7 +246,7 @@ void Stagione::chooseRecipe(Season season)
                                               .arg(QDir::toNativeSeparators(folder)));
         return;
     }
-    WriteSeasonRecipe(m_rt.ini, season, file.fileName());
+    WriteSeasonRecipe(m_rt.model.ini, season, file.fileName());
     (season == Season::Estate ? m_summerFile : m_winterFile)->setText(file.fileName());
     if (season == otherSeason(m_change->currentSeason())) {
         m_change->loadSeasonRecipe(season);

@@ -24,9 +24,9 @@ struct Plant : RuntimeFixture
     explicit Plant(const QByteArray &stagione = "Attuale=0\r\nEstate=Estate.prg\r\nInverno=Inverno.prg\r\n")
     {
         writeFile(QStringLiteral("Telvane2.ini"), "[Stagione]\r\n" + stagione);
-        rt.plant.zones.resize(2);
-        setRow(rt.editor.tables.ZoneWriteTable, 0, {1});
-        setRow(rt.editor.tables.ZoneWriteTable, 1, {2});
+        rt.model.plant.zones.resize(2);
+        setRow(rt.model.editor.tables.ZoneWriteTable, 0, {1});
+        setRow(rt.model.editor.tables.ZoneWriteTable, 1, {2});
         slaves = {1, 2};
         writeRecipe(QStringLiteral("Inverno.prg"), "[Zona 01]\r\nLinee=1\r\n01=6,2,200;SP\r\n"
                                                    "[Zona 02]\r\nLinee=1\r\n01=6,2,180;SP\r\n");
@@ -38,7 +38,7 @@ struct Plant : RuntimeFixture
         writeFile(QStringLiteral("Ricetta/") + name, "[File]\r\nID=Telvane\r\n" + zones);
     }
 
-    QString attuale() const { return rt.ini.ReadIniKey(QStringLiteral("Stagione"), QStringLiteral("Attuale"), "?"); }
+    QString attuale() const { return rt.model.ini.ReadIniKey(QStringLiteral("Stagione"), QStringLiteral("Attuale"), "?"); }
 };
 
 Prompt box(Kind kind, const QString &text)
@@ -72,7 +72,7 @@ private slots:
     {
         Plant plant;
         plant.slaves.remove(2);
-        plant.rt.editor.comm.statusText = QStringLiteral("COM1:9600,N,8,1");
+        plant.rt.model.editor.comm.statusText = QStringLiteral("COM1:9600,N,8,1");
         plant.writeRecipe(QStringLiteral("Inverno.prg"), "[Zona 01]\r\nIntervallo=1500\r\nLinee=1\r\n01=6,2,200;SP\r\n"
                                                          "[Zona 02]\r\nLinee=2\r\n01=6,2,180;SP\r\n02=5,1,1;Remoto\r\n");
         SeasonChange change(plant.rt, plant.prompts);
@@ -163,7 +163,7 @@ private slots:
         plant.line.setDuringYield([&] {
             if (!during.isEmpty())
                 return;
-            lineHeld = plant.rt.lineHolds.held();
+            lineHeld = plant.rt.services.lineHolds.held();
             during.append(change.send(false));
             reloaded = change.loadSeasonRecipe(Season::Estate);
         });
