@@ -1,5 +1,6 @@
 #include "platform/qtprintersink.h"
 
+#include "base/prompts.h"
 #include "platform/platformlog.h"
 
 #include <QDateTime>
@@ -123,6 +124,19 @@ PrintTarget openPrintTarget(const QString &folder, const QDateTime &now)
         target.sink = QtPrinterSink::pdfFile(target.pdfPath);
     }
     return target;
+}
+
+void printTo(PrintTarget target, Prompts &prompts, const std::function<bool(PrinterSink &)> &job)
+{
+    if (!job(*target.sink) || target.pdfPath.isEmpty())
+        return;
+    if (target.sink->ok())
+        prompts.information(QStringLiteral("Stampa"),
+                            QStringLiteral("Nessuna stampante predefinita: la stampa è stata salvata nel file\n%1")
+                                .arg(target.pdfPath));
+    else
+        prompts.warning(QStringLiteral("Stampa"),
+                        QStringLiteral("Impossibile scrivere la stampa nel file\n%1").arg(target.pdfPath));
 }
 
 } // namespace telvane

@@ -5,11 +5,14 @@
 #include <QFont>
 #include <QPainter>
 
+#include <functional>
 #include <memory>
 
 class QPrinter;
 
 namespace telvane {
+
+class Prompts;
 
 // Prints on a QPrinter: a real printer or a PDF file. Text runs down the page from the
 // top margin; a line that no longer fits goes on a new page. A tab column is that many
@@ -53,5 +56,10 @@ struct PrintTarget
     QString pdfPath;
 };
 PrintTarget openPrintTarget(const QString &folder, const QDateTime &now);
+
+// Runs `job` (false: nothing was printed) on `target`. A printout that went to a PDF
+// file is announced with the file's path, or with a warning when it could not be written;
+// the user must learn where a printout without a printer went.
+void printTo(PrintTarget target, Prompts &prompts, const std::function<bool(PrinterSink &)> &job);
 
 } // namespace telvane

@@ -43,6 +43,11 @@ int sendRecipeHeadless(Runtime &rt, Prompts &prompts, QTextStream &out, const QS
     const bool loaded = season ? change.loadSeasonRecipe(*season)
                                : change.loadRecipeFile(trimmed, seasonOfFile(rt.model.ini, trimmed));
     const bool sent = loaded && change.send(false) == SeasonChange::SendOutcome::Succeeded;
+    if (!change.lastReport().isEmpty()) {
+        out << (change.lastReportPath().isEmpty() ? QStringLiteral("Resoconto non salvato: cartella Ricetta non scrivibile")
+                                                  : QStringLiteral("Resoconto: ") + change.lastReportPath())
+            << Qt::endl;
+    }
     out << "Stagione attuale: " << seasonName(change.currentSeason()) << Qt::endl;
     return sent ? 0 : 1;
 }

@@ -98,6 +98,12 @@ QString RowOutcome::text(const RecipeRow &row) const
         return where + QStringLiteral(": la zona non ha un indirizzo di strumento, nulla inviato");
     case Status::Cancelled:
         return where + QStringLiteral(": messaggio annullato dall'operatore");
+    case Status::NotSent:
+        if (row.kind == RecipeRow::Kind::Sleep)
+            return where + QStringLiteral(": attesa di %1 ms non eseguita").arg(row.value);
+        if (row.kind == RecipeRow::Kind::MsgBox)
+            return where + QStringLiteral(": messaggio non mostrato");
+        return where + write + QStringLiteral(": non inviato");
     }
     return where;
 }
@@ -118,6 +124,7 @@ ProcedureResult InviaProcedura(ModbusMaster &master, Pause &pause, Prompts &prom
 
         RowOutcome outcome;
         outcome.row = int(index);
+        outcome.startedAt = clock.now();
         outcome.startedMs = clock.monotonicMs();
         switch (row.kind) {
         case RecipeRow::Kind::WriteCoil:

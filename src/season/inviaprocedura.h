@@ -2,6 +2,7 @@
 
 #include "season/recipe.h"
 
+#include <QDateTime>
 #include <QList>
 #include <QString>
 
@@ -25,6 +26,7 @@ struct RowOutcome
         Mismatch,       // echoed, but read back as another value
         NoInstrument,   // the zone has no instrument address: nothing sent
         Cancelled,      // MSGBOX answered Cancel
+        NotSent,        // after the row that stopped the send (the report lists them)
     };
 
     int row = 0; // 0-based index in the recipe
@@ -32,6 +34,7 @@ struct RowOutcome
     qint32 echo = 0;     // the master's answer to the write (-99999: none)
     qint32 readBack = 0; // the value read back, when verifying
     QString reason;      // the line's failure description (" Time out" ...), if any
+    QDateTime startedAt;  // wall time, for the send report
     qint64 startedMs = 0; // monotonic
     qint64 elapsedMs = 0;
 

@@ -1,7 +1,9 @@
 #include "season/seasonchange.h"
 
+#include "base/clock.h"
 #include "base/prompts.h"
 #include "season/seasonlog.h"
+#include "season/sendreport.h"
 #include "supervisor/runtime.h"
 
 namespace telvane {
@@ -28,24 +30,26 @@ Season SeasonChange::currentSeason() const
     return ReadCurrentSeason(m_rt.model.ini);
 }
 
-bool SeasonChange::loadSeasonRecipe(Season target)
+bool SeasonChange::loadSeasonRecipe(Season target, LoadNotice notice)
 {
     if (m_sending)
         return false;
     const QString fileName = ReadSeasonRecipe(m_rt.model.ini, target);
     if (fileName.isEmpty()) {
         clearRecipe();
-        m_prompts.warning(RecipeBoxTitle, noRecipeMessage(target));
+        m_loadMessage = noRecipeMessage(target);
+        m_prompts.warning(RecipeBoxTitle, m_loadMessage);
         return false;
     }
-    return loadRecipeFile(fileName, target);
+    return loadRecipeFile(fileName, target, notice);
 }
 
-bool SeasonChange::loadRecipeFile(const QString &fileName, std::optional<Season> target)
+bool SeasonChange::loadRecipeFile(const QString &fileName, std::optional<Season> target, LoadNotice notice)
 {
     if (m_sending)
         return false;
     RecipeLoad load = LoadRecipe(m_rt.model.ini, fileName, m_rt.model.plant, m_rt.model.editor.tables.ZoneWriteTable);
+    m_loadMessage = load.message;
     if (!load.loaded()) {
         clearRecipe();
         m_prompts.warning(RecipeBoxTitle, load.message);
@@ -55,7 +59,8 @@ bool SeasonChange::loadRecipeFile(const QString &fileName, std::optional<Season>
     m_loaded = true;
     m_target = target;
     emit recipeChanged();
-    m_prompts.information(RecipeBoxTitle, load.message);
+    if (notice == LoadNotice::Box)
+        m_prompts.information(RecipeBoxTitle, load.message);
     return true;
 }
 
@@ -81,6 +86,13 @@ SeasonChange::SendOutcome SeasonChange::send(bool confirm)
         return SendOutcome::Declined;
 
     setSending(true);
+    SendRecord record;
+    record.recipeFile = m_recipe.fileName;
+    record.line = m_rt.services.master.communicate() ? m_rt.model.editor.comm.statusText : QStringLiteral("simulazione");
+    record.from = before;
+    record.to = m_target;
+    record.verifyReadBack = m_options.verifyReadBack;
+    record.started = m_rt.devices.clock.now();
     ProcedureObserver observer;
     observer.progress = [this](int percent, const QString &text) { emit progressChanged(percent, text); };
     observer.rowDone = [this](const RecipeRow &row, const RowOutcome &outcome) {
@@ -88,8 +100,17 @@ SeasonChange::SendOutcome SeasonChange::send(bool confirm)
     };
     // A copy: the lists must not change under the send, even if a handler reloads them.
     const Recipe recipe = m_recipe;
-    m_lastResult = InviaProcedura(m_rt.services.master, m_rt.devices.pause, m_prompts, m_rt.devices.clock, recipe, observer, m_options);
+    {
+        const LineHold hold(m_rt.services.lineHolds);
+        m_lastResult = InviaProcedura(m_rt.services.master, m_rt.devices.pause, m_prompts, m_rt.devices.clock, recipe, observer, m_options);
+    }
+    record.finished = m_rt.devices.clock.now();
+    record.rows = recipe.rows;
+    record.result = m_lastResult;
+    m_lastReport = sendReportLines(record);
+    m_lastReportPath = writeSendReport(m_rt.model.ini.folder(), record);
     setSending(false);
+    emit reportReady(m_lastReportPath);
 
     m_rt.services.journal.record(m_rt.services.user.levelName(), QStringLiteral("Invio ricetta"), recipe.fileName,
                         m_lastResult.ok ? QStringLiteral("completato") : QStringLiteral("non riuscito"));

@@ -2,6 +2,7 @@
 
 #include "base/clock.h"
 #include "base/productinfo.h"
+#include "season/seasonchange.h"
 #include "supervisor/runtime.h"
 #include "supervisor/supervisor.h"
 #include "ui/about.h"
@@ -83,6 +84,7 @@ MainForm::MainForm(Runtime &rt, Supervisor &supervisor, Prompts &prompts, Camera
 
     m_children->plug(m_entries.value(QStringLiteral("MenuStagione")), m_season);
     m_season->setSendGuard([this] { return m_supervisor.MenuStagione(); });
+    connect(&m_season->seasonChange(), &SeasonChange::sendingChanged, this, &MainForm::seasonSendingChanged);
     m_children->plug(m_entries.value(QStringLiteral("MenuGrafico")), m_trend);
     m_children->plug(m_entries.value(QStringLiteral("MenuStorico")), m_history);
     m_trend->live().loadLogged(m_rt.services.dailyLog, m_rt.devices.clock.now());
@@ -133,7 +135,7 @@ void MainForm::buildMenus()
     QAction *start = addEntry(acquisition, QStringLiteral("MenuStart"), QStringLiteral("&Start"),
                               QStringLiteral("acquisizione-attiva"));
     start->setShortcut(StartKey);
-    connect(start, &QAction::triggered, &m_supervisor, &Supervisor::MenuStart);
+    connect(start, &QAction::triggered, this, &MainForm::startAcquisition);
     QAction *stop = addEntry(acquisition, QStringLiteral("MenuStop"), QStringLiteral("S&top"),
                              QStringLiteral("acquisizione-standby"));
     stop->setShortcut(StopKey);
@@ -314,7 +316,31 @@ void MainForm::acquisitionButtonClicked()
     if (m_supervisor.AcquisitionRunning())
         MenuErroriCOM();
     else
-        m_supervisor.MenuStart();
+        startAcquisition();
+}
+
+namespace {
+
+const QString SendingRefusal = QStringLiteral("Invio ricetta in corso: acquisizione non avviata");
+
+} // namespace
+
+// A recipe send writes the instruments row by row; polls between its writes would
+// delay them and could read an instrument half set, so the operator waits for its end.
+void MainForm::startAcquisition()
+{
+    if (m_season->seasonChange().sending()) {
+        m_rt.display.statusBar.setPanel(StatusBar::MessagePanel, SendingRefusal);
+        return;
+    }
+    m_supervisor.MenuStart();
+}
+
+void MainForm::seasonSendingChanged(bool sending)
+{
+    m_entries.value(QStringLiteral("MenuStart"))->setEnabled(!sending);
+    if (!sending && m_rt.display.statusBar.panel(StatusBar::MessagePanel) == SendingRefusal)
+        m_rt.display.statusBar.setPanel(StatusBar::MessagePanel, QString());
 }
 
 // The entries are told apart by their text, whatever its case; any entry that is not a
@@ -323,7 +349,7 @@ void MainForm::acquisitionMenuTriggered(QAction *entry)
 {
     const QString command = entry->text().remove(QLatin1Char('&')).toUpper();
     if (command == QLatin1String("START"))
-        m_supervisor.MenuStart();
+        startAcquisition();
     else if (command == QLatin1String("STOP"))
         m_supervisor.MenuStop();
     else if (command == QLatin1String("RILEGGI"))

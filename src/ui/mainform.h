@@ -80,6 +80,8 @@ private:
 
     void acquisitionButtonClicked();
     void acquisitionMenuTriggered(QAction *entry);
+    void startAcquisition();
+    void seasonSendingChanged(bool sending);
     void showAcquisitionImage(int image);
     void userChanged();
 

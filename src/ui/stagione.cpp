@@ -2,6 +2,8 @@
 
 #include "base/prompts.h"
 #include "season/seasonchange.h"
+#include "season/sendreport.h"
+#include "base/clock.h"
 #include "supervisor/runtime.h"
 
 #include <QCheckBox>
@@ -66,6 +68,7 @@ Stagione::Stagione(Runtime &rt, Prompts &prompts, QWidget *parent)
     , m_winterChoose(new QPushButton(QStringLiteral("Sfoglia..."), this))
     , m_verify(new QCheckBox(QStringLiteral("Verifica: rileggere ogni registro scritto"), this))
     , m_send(new QPushButton(QStringLiteral("Invia agli strumenti"), this))
+    , m_print(new QPushButton(QStringLiteral("Stampa resoconto"), this))
     , m_progressPanel(new QFrame(this))
     , m_progress(new QProgressBar(m_progressPanel))
     , m_progressText(new QLabel(QStringLiteral("0%"), m_progressPanel))
@@ -74,6 +77,7 @@ Stagione::Stagione(Runtime &rt, Prompts &prompts, QWidget *parent)
     setObjectName(QStringLiteral("Stagione"));
     setWindowTitle(rt.model.mode.seasonCaption.isEmpty() ? QStringLiteral("Stagione") : rt.model.mode.seasonCaption);
     m_chooseFile = [this](const QString &folder) { return defaultChooser(this, folder); };
+    m_printTarget = [this] { return openPrintTarget(m_rt.model.ini.folder().root(), m_rt.devices.clock.now()); };
 
     auto *recipes = new QGroupBox(QStringLiteral("Ricette del cambio stagione"), this);
     auto *grid = new QGridLayout(recipes);
@@ -111,6 +115,10 @@ Stagione::Stagione(Runtime &rt, Prompts &prompts, QWidget *parent)
     m_send->setObjectName(QStringLiteral("Cmd_Invio_Stagione"));
     m_send->setDefault(true);
     connect(m_send, &QPushButton::clicked, this, &Stagione::Cmd_Invio_StagioneClick);
+    m_print->setObjectName(QStringLiteral("Cmd_Stampa"));
+    m_print->setToolTip(QStringLiteral("Stampa il resoconto dell'ultimo invio: righe inviate, esito e ora di ognuna."));
+    m_print->setEnabled(false);
+    connect(m_print, &QPushButton::clicked, this, &Stagione::printReport);
 
     m_progressPanel->setObjectName(QStringLiteral("Pic_Avanzamento"));
     m_progressPanel->setFrameStyle(QFrame::StyledPanel | QFrame::Sunken);
@@ -132,6 +140,7 @@ Stagione::Stagione(Runtime &rt, Prompts &prompts, QWidget *parent)
     auto *actions = new QHBoxLayout;
     actions->addWidget(m_verify);
     actions->addStretch(1);
+    actions->addWidget(m_print);
     actions->addWidget(m_send);
 
     auto *layout = new QVBoxLayout(this);
@@ -154,7 +163,7 @@ Stagione::Stagione(Runtime &rt, Prompts &prompts, QWidget *parent)
         m_outcome->setText(text);
     });
     connect(m_change, &SeasonChange::seasonStored, this, [this] { showSeason(); });
-    resize(900, 560);
+    connect(m_change, &SeasonChange::reportReady, this, &Stagione::reportReady);
 }
 
 Stagione::~Stagione() = default;
@@ -210,9 +219,9 @@ void Stagione::refresh()
     m_summerFile->setText(ReadSeasonRecipe(m_rt.model.ini, Season::Estate));
     m_winterFile->setText(ReadSeasonRecipe(m_rt.model.ini, Season::Inverno));
     showSeason();
-    m_outcome->clear();
     m_progressPanel->hide();
-    m_change->loadSeasonRecipe(otherSeason(m_change->currentSeason()));
+    m_change->loadSeasonRecipe(otherSeason(m_change->currentSeason()), SeasonChange::LoadNotice::Quiet);
+    m_outcome->setText(m_change->loadMessage());
     fillLists();
 }
 
@@ -239,8 +248,10 @@ void Stagione::chooseRecipe(Season season)
     }
     WriteSeasonRecipe(m_rt.model.ini, season, file.fileName());
     (season == Season::Estate ? m_summerFile : m_winterFile)->setText(file.fileName());
-    if (season == otherSeason(m_change->currentSeason()))
+    if (season == otherSeason(m_change->currentSeason())) {
         m_change->loadSeasonRecipe(season);
+        m_outcome->setText(m_change->loadMessage());
+    }
 }
 
 void Stagione::fillLists()
@@ -255,8 +266,11 @@ void Stagione::fillLists()
                                    row.target,
                                    row.valueText,
                                    row.name};
-        for (int column = 0; column < m_lists.size(); ++column)
-            m_lists.at(column)->addItem(cells.at(column));
+        for (int column = 0; column < m_lists.size(); ++column) {
+            auto *item = new QListWidgetItem(cells.at(column), m_lists.at(column));
+            // A MSGBOX text is often wider than its column.
+            item->setToolTip(cells.at(column));
+        }
     }
     m_send->setEnabled(m_change->hasRecipe() && !m_change->sending());
 }
@@ -279,6 +293,7 @@ void Stagione::sendingChanged(bool sending)
     m_summerChoose->setEnabled(!sending);
     m_winterChoose->setEnabled(!sending);
     m_verify->setEnabled(!sending);
+    m_print->setEnabled(!sending && !m_change->lastReport().isEmpty());
     if (sending) {
         m_progressPanel->show();
         for (QListWidget *list : std::as_const(m_lists)) {
@@ -296,6 +311,24 @@ void Stagione::Cmd_Invio_StagioneClick()
     if (m_sendAllowed && !m_sendAllowed())
         return;
     m_change->send();
+}
+
+void Stagione::reportReady(const QString &path)
+{
+    m_print->setEnabled(true);
+    const QString where = path.isEmpty()
+        ? QStringLiteral("Impossibile salvare il resoconto dell'invio nella cartella Ricetta.")
+        : QStringLiteral("Resoconto salvato in %1").arg(QDir::toNativeSeparators(path));
+    m_outcome->setText(m_outcome->text() + QLatin1Char('\n') + where);
+}
+
+void Stagione::printReport()
+{
+    const QStringList lines = m_change->lastReport();
+    printTo(m_printTarget(), m_prompts, [&lines](PrinterSink &printer) {
+        playPrintJob(sendReportPrintJob(lines), printer);
+        return true;
+    });
 }
 
 } // namespace telvane

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/qtprintersink.h"
 #include "season/seasons.h"
 
 #include <QList>
@@ -42,10 +43,19 @@ public:
     // Asked before every send; refuses it (and tells the operator) while acquiring.
     void setSendGuard(std::function<bool()> allowed) { m_sendAllowed = std::move(allowed); }
 
+    // Where "Stampa resoconto" prints; by default the system's printer, or a PDF in
+    // the program folder when there is none.
+    using PrintTargetOpener = std::function<PrintTarget()>;
+    void setPrintTargetOpener(PrintTargetOpener opener) { m_printTarget = std::move(opener); }
+
     SeasonChange &seasonChange() { return *m_change; }
 
-    // Re-reads the settings and loads the next change's recipe into the lists.
+    // Re-reads the settings and loads the next change's recipe into the lists, saying
+    // so in the window: a box on each opening would only be clicked away.
     void refresh();
+
+    // Room for a recipe of twenty rows without scrolling, on a 1280 x 800 screen.
+    QSize sizeHint() const override { return {1000, 640}; }
 
 protected:
     void showEvent(QShowEvent *event) override;
@@ -58,12 +68,15 @@ private:
     void showSeason();
     void sendingChanged(bool sending);
     void Cmd_Invio_StagioneClick();
+    void reportReady(const QString &path);
+    void printReport();
 
     Runtime &m_rt;
     Prompts &m_prompts;
     SeasonChange *m_change;
     FileChooser m_chooseFile;
     std::function<bool()> m_sendAllowed;
+    PrintTargetOpener m_printTarget;
 
     QLabel *m_current;
     QLabel *m_next;
@@ -74,6 +87,7 @@ private:
     QList<QListWidget *> m_lists; // Lst_nDev .. Lst_NomePar
     QCheckBox *m_verify;
     QPushButton *m_send;
+    QPushButton *m_print;
     QFrame *m_progressPanel;
     QProgressBar *m_progress;
     QLabel *m_progressText;

@@ -197,14 +197,6 @@ private slots:
         QCOMPARE(run.progress.last(), QStringLiteral("100%"));
     }
 
-    void emptyRecipeCompletes()
-    {
-        RuntimeFixture fx;
-        const Run run = send(fx, recipeOf({}));
-        QVERIFY(run.result.ok);
-        QCOMPARE(run.progress, (QStringList{"0%", "100%"}));
-    }
-
     // Read-back (an option): a register written and echoed must also read back as the
     // value written; coils are not read back.
     void readBack_data()
@@ -229,16 +221,6 @@ private slots:
         QCOMPARE(run.result.rows.last().status, ok ? S::Written : S::Mismatch);
         if (!ok)
             QCOMPARE(run.result.rows.last().readBack, held >= 0 ? held : ModbusMaster::InvalidValue);
-    }
-
-    // The simulation echoes every write, so a send completes without a line.
-    void simulation()
-    {
-        RuntimeFixture fx;
-        fx.rt.services.master.setCommunicate(false);
-        const Run run = send(fx, recipeOf({write(1, 1, 2, 260), write(1, 1, 1, 0xFF00, 5)}));
-        QVERIFY(run.result.ok);
-        QCOMPARE(fx.line.openCalls(), 0);
     }
 };
 

@@ -2,6 +2,7 @@
 
 #include "season/seasonchange.h"
 
+#include <QFile>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -13,8 +14,6 @@ using Kind = RecordingPrompts::Kind;
 using Prompt = RecordingPrompts::Prompt;
 
 const QString Title = QStringLiteral("Configurazione strumenti");
-const QString Confirmation = QStringLiteral("Modificare le impostazioni sugli strumenti ?");
-const QString Completed = QStringLiteral("Il cambio delle impostazioni è stato completato correttamente.");
 const QString Failure = QStringLiteral("Attenzione: Un errore occorso durante l'invio della procedura ha impedito il "
                                        "completamento del cambio di stagione.\nVerificare il file e la linea di "
                                        "trasmissione dati.");
@@ -64,68 +63,56 @@ class TestSeasonChange : public QObject
     Q_OBJECT
 
 private slots:
-    // From summer the change goes to winter: its recipe is sent and winter stored.
-    void completedChangeStoresTheSeason()
+    // No at the confirmation sends nothing, keeps "Attuale" and leaves no report.
+    void declinedChangeSendsNothing()
     {
         Plant plant;
-        SeasonChange change(plant.rt, plant.prompts);
-        QCOMPARE(change.currentSeason(), Season::Estate);
-        QVERIFY(change.loadSeasonRecipe(otherSeason(change.currentSeason())));
-        QSignalSpy stored(&change, &SeasonChange::seasonStored);
-        plant.prompts.scriptQuestion(true);
-        QCOMPARE(change.send(), SeasonChange::SendOutcome::Succeeded);
-        QCOMPARE(plant.takeRequests(), (QStringList{"01 06 0002 00c8", "02 06 0002 00b4"}));
-        QCOMPARE(plant.attuale(), QStringLiteral("1"));
-        QCOMPARE(stored.size(), 1);
-        QCOMPARE(plant.journalledSends(), QStringList{"Inverno.prg: completato"});
-        QCOMPARE(plant.prompts.asked(),
-                 (QList<Prompt>{box(Kind::Information, "Il file Inverno.prg è stato caricato correttamente."),
-                                box(Kind::Question, Confirmation), box(Kind::Information, Completed)}));
-    }
-
-    // Any way the send does not complete leaves "Attuale" as it was.
-    void unfinishedChangeKeepsTheSeason_data()
-    {
-        QTest::addColumn<bool>("confirmed");
-        QTest::addColumn<bool>("slave2Answers");
-        QTest::addColumn<QStringList>("requests");
-        QTest::addColumn<QString>("lastBox");
-        QTest::addColumn<QStringList>("journalled");
-        QTest::newRow("No at the confirmation") << false << true << QStringList{} << Confirmation << QStringList{};
-        QTest::newRow("slave 2 silent") << true << false << QStringList{"01 06 0002 00c8", "02 06 0002 00b4"}
-                                        << Failure << QStringList{"Inverno.prg: non riuscito"};
-    }
-    void unfinishedChangeKeepsTheSeason()
-    {
-        QFETCH(bool, confirmed);
-        QFETCH(bool, slave2Answers);
-        QFETCH(QStringList, requests);
-        QFETCH(QString, lastBox);
-        QFETCH(QStringList, journalled);
-        Plant plant;
-        if (!slave2Answers)
-            plant.slaves.remove(2);
         SeasonChange change(plant.rt, plant.prompts);
         QVERIFY(change.loadSeasonRecipe(Season::Inverno));
-        plant.prompts.scriptQuestion(confirmed);
-        QCOMPARE(change.send(), confirmed ? SeasonChange::SendOutcome::Failed : SeasonChange::SendOutcome::Declined);
-        QCOMPARE(plant.takeRequests(), requests);
+        plant.prompts.scriptQuestion(false);
+        QCOMPARE(change.send(), SeasonChange::SendOutcome::Declined);
+        QVERIFY(plant.line.requests().isEmpty());
         QCOMPARE(plant.attuale(), QStringLiteral("0"));
-        QCOMPARE(plant.prompts.asked().last().text, lastBox);
-        QCOMPARE(plant.journalledSends(), journalled);
+        QVERIFY(change.lastReport().isEmpty());
     }
 
-    void cancelInMsgBox()
+    // The report kept in "Ricetta": what was sent where, each row's time and outcome,
+    // and the rows the failure kept from the instruments.
+    void reportOfAStoppedSend()
     {
-        Plant plant("Attuale=1\r\nEstate=Estate.prg\r\n");
+        Plant plant;
+        plant.slaves.remove(2);
+        plant.rt.model.editor.comm.statusText = QStringLiteral("COM1:9600,N,8,1");
+        plant.writeRecipe(QStringLiteral("Inverno.prg"), "[Zona 01]\r\nIntervallo=1500\r\nLinee=1\r\n01=6,2,200;SP\r\n"
+                                                         "[Zona 02]\r\nLinee=2\r\n01=6,2,180;SP\r\n02=5,1,1;Remoto\r\n");
         SeasonChange change(plant.rt, plant.prompts);
-        QVERIFY(change.loadSeasonRecipe(otherSeason(change.currentSeason())));
+        QVERIFY(change.loadSeasonRecipe(Season::Inverno));
         plant.prompts.scriptQuestion(true);
-        plant.prompts.scriptAcknowledge(false);
         QCOMPARE(change.send(), SeasonChange::SendOutcome::Failed);
-        QVERIFY(plant.line.requests().isEmpty());
-        QCOMPARE(plant.attuale(), QStringLiteral("1"));
+        QCOMPARE(plant.attuale(), QStringLiteral("0"));
         QCOMPARE(plant.prompts.asked().last(), box(Kind::Warning, Failure));
+        QCOMPARE(plant.journalledSends(), QStringList{"Inverno.prg: non riuscito"});
+
+        const QString path = plant.dir.filePath(QStringLiteral("Ricetta/Resoconto Inverno 2026-11-14 22-20-09.txt"));
+        QCOMPARE(change.lastReportPath(), path);
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const QStringList expected{
+            "Resoconto dell'invio della ricetta Inverno.prg",
+            "Cambio: Estate -> Inverno",
+            "Linea: COM1:9600,N,8,1",
+            "Rilettura di verifica: no",
+            "Inizio: 14/11/2026 22:20:09",
+            "Fine: 14/11/2026 22:20:10",
+            "Esito: interrotto alla riga 2 di 3; la stagione non è cambiata",
+            "",
+            "22:20:09  Riga 1, zona 01, slave 1, registro 2 = 200 (SP): scritto",
+            "22:20:10  Riga 2, zona 02, slave 2, registro 2 = 180 (SP): nessuna risposta dallo strumento (Time out)",
+            "--:--:--  Riga 3, zona 02, slave 2, bobina 1 = 1 (Remoto): non inviato",
+            "",
+        };
+        QCOMPARE(QString::fromUtf8(file.readAll()).split(QStringLiteral("\r\n")), expected);
+        QCOMPARE(change.lastReport(), expected.mid(0, expected.size() - 1));
     }
 
     void noRecipeNamed_data()
@@ -183,9 +170,11 @@ private slots:
         QVERIFY(change.loadSeasonRecipe(Season::Inverno));
         QList<SeasonChange::SendOutcome> during;
         bool reloaded = true;
+        bool lineHeld = false;
         plant.line.setDuringYield([&] {
             if (!during.isEmpty())
                 return;
+            lineHeld = plant.rt.services.lineHolds.held();
             during.append(change.send(false));
             reloaded = change.loadSeasonRecipe(Season::Estate);
         });
@@ -193,6 +182,7 @@ private slots:
         QCOMPARE(change.send(false), SeasonChange::SendOutcome::Succeeded);
         QCOMPARE(during, QList<SeasonChange::SendOutcome>{SeasonChange::SendOutcome::Busy});
         QVERIFY(!reloaded);
+        QVERIFY2(lineHeld, "a monitoring tick could run between the writes");
         QCOMPARE(plant.takeRequests().size(), 2);
         QCOMPARE(sending.size(), 2);
         QVERIFY(!change.sending());

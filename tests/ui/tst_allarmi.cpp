@@ -1,6 +1,5 @@
 #include "windowrig.h"
 
-#include "support/datarows.h"
 #include "alarms/commerrortable.h"
 #include "base/datetimetext.h"
 #include "ui/allarmi.h"
@@ -74,10 +73,15 @@ private slots:
     }
 
     // Enter and Escape act as "Chiudi", the button drawn as the default.
-    void closingAcknowledges_data() { addRows({"Cmd_Chiudi", "frame", "Return", "Enter", "Escape"}); }
+    void closingAcknowledges_data()
+    {
+        QTest::addColumn<QString>("how");
+        for (const char *how : {"Cmd_Chiudi", "frame", "Return", "Enter", "Escape"})
+            QTest::newRow(how) << QString::fromLatin1(how);
+    }
     void closingAcknowledges()
     {
-        const QString how = rowCells()[0];
+        QFETCH(QString, how);
         const QHash<QString, Qt::Key> keys{{"Return", Qt::Key_Return}, {"Enter", Qt::Key_Enter}, {"Escape", Qt::Key_Escape}};
         WindowRig rig;
         startWithSilentSwitch(rig);

@@ -57,22 +57,6 @@ class TestGrafico : public QObject
 private slots:
     void initTestCase() { QLoggingCategory::setFilterRules(QStringLiteral("telvane.*.debug=false")); }
 
-    // Button "3" opens the chart, button "4" the history in its place.
-    void openedByItsButtonAndExclusive()
-    {
-        WindowRig rig;
-        startUpWithSettings(rig, TwoZones);
-        Grafico *trend = rig.window->trendWindow();
-        QVERIFY(rig.entry(QStringLiteral("MenuGrafico"))->isEnabled());
-        rig.clickButton(QStringLiteral("3"));
-        QVERIFY(trend->isVisible());
-        QVERIFY(rig.button(QStringLiteral("3"))->isChecked());
-        rig.clickButton(QStringLiteral("4"));
-        QVERIFY(!trend->isVisible());
-        QVERIFY(rig.window->historyWindow()->isVisible());
-        QVERIFY(!rig.button(QStringLiteral("3"))->isChecked());
-    }
-
     // No "Grafico" section: a white chart with a black grid from -50 to 50; zone 1 red,
     // a long name cut to 20 characters without its trailing blank, empty positions dashed.
     void withoutChartSettings()

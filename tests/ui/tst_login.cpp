@@ -1,6 +1,5 @@
 #include "windowrig.h"
 
-#include "support/datarows.h"
 #include "ui/allarmi.h"
 #include "ui/frmlogin.h"
 
@@ -40,19 +39,35 @@ private:
 private slots:
     void initTestCase() { QLoggingCategory::setFilterRules(QStringLiteral("telvane.*.debug=false")); }
 
-    // name|password|confirm|panel 1|technician|administrator|refused. Service was
-    // logged in before: every attempt logs out first, Annulla (or Escape) keeps him.
+    // Service was logged in before: every attempt logs out first, Annulla (or Escape)
+    // keeps him.
     void loginAsEachUser_data()
     {
-        addRows({"Tecnico|Qx7|cmdOK|Utente: Tecnico|1|0|0", "Service|7ubl4ko|cmdOK|Utente: Amministratore|0|1|0",
-                 "Admin|Wm4|Enter|Utente: Amministratore|0|1|0", "Tecnico|qx7|cmdOK|Utente: Anonimo|0|0|1",
-                 "admin|Wm4|cmdOK|Utente: Anonimo|0|0|1", "||cmdOK|Utente: Anonimo|0|0|0",
-                 "Tecnico|Qx7|cmdCancel|Utente: Amministratore|0|1|0", "Tecnico|Qx7|Escape|Utente: Amministratore|0|1|0"});
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QString>("password");
+        QTest::addColumn<QString>("confirm");
+        QTest::addColumn<QString>("panel1");
+        QTest::addColumn<bool>("technician");
+        QTest::addColumn<bool>("administrator");
+        QTest::addColumn<bool>("refused");
+        const QString admin = QStringLiteral("Utente: Amministratore");
+        const QString anonymous = QStringLiteral("Utente: Anonimo");
+        QTest::newRow("technician") << "Tecnico" << "Qx7" << "cmdOK" << "Utente: Tecnico" << true << false << false;
+        QTest::newRow("admin by Enter") << "Admin" << "Wm4" << "Enter" << admin << false << true << false;
+        QTest::newRow("password case") << "Tecnico" << "qx7" << "cmdOK" << anonymous << false << false << true;
+        QTest::newRow("empty") << "" << "" << "cmdOK" << anonymous << false << false << false;
+        QTest::newRow("Annulla") << "Tecnico" << "Qx7" << "cmdCancel" << admin << false << true << false;
+        QTest::newRow("Escape") << "Tecnico" << "Qx7" << "Escape" << admin << false << true << false;
     }
     void loginAsEachUser()
     {
-        const QStringList cells = rowCells();
-        const bool technician = cells[4] == "1", administrator = cells[5] == "1", refused = cells[6] == "1";
+        QFETCH(QString, name);
+        QFETCH(QString, password);
+        QFETCH(QString, confirm);
+        QFETCH(QString, panel1);
+        QFETCH(bool, technician);
+        QFETCH(bool, administrator);
+        QFETCH(bool, refused);
         WindowRig rig;
         rig.startUp();
         rig.chooseMenuEntry(QStringLiteral("MenuAcquisizione"), QStringLiteral("MenuErroriCOM"));
@@ -62,8 +77,8 @@ private slots:
         QVERIFY(details->isVisible());
         QCOMPARE(field(rig, "txtPassword")->echoMode(), QLineEdit::Password);
 
-        logIn(rig, cells[0], cells[1], cells[2]);
-        QCOMPARE(rig.panel(1), cells[3]);
+        logIn(rig, name, password, confirm);
+        QCOMPARE(rig.panel(1), panel1);
         QCOMPARE(rig.plant.rt.services.user.IsTechnician, technician);
         QCOMPARE(rig.plant.rt.services.user.IsAdministrator, administrator);
         const QList<RecordingPrompts::Prompt> refusal{

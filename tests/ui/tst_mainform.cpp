@@ -1,10 +1,11 @@
 #include "windowrig.h"
 
-#include "support/datarows.h"
 #include "ui/about.h"
 #include "ui/allarmi.h"
 #include "ui/childwindows.h"
 #include "ui/frmlogin.h"
+#include "ui/stagione.h"
+#include "ui/trends/grafico.h"
 #include "ui/synoptic/sinottico.h"
 
 #include <QAction>
@@ -44,24 +45,36 @@ class TestMainForm : public QObject
 private slots:
     void initTestCase() { QLoggingCategory::setFilterRules(QStringLiteral("telvane.*.debug=false")); }
 
-    void opensStandingBy_data() { addRows({"1|Stagione", "0|Ricette"}); } // Modo|button 5's caption
+    void opensStandingBy_data()
+    {
+        QTest::addColumn<QString>("modo");
+        QTest::addColumn<QString>("button5");
+        QTest::newRow("civil") << "1" << "Stagione";
+        QTest::newRow("industrial") << "0" << "Ricette";
+    }
     void opensStandingBy()
     {
-        const QStringList cells = rowCells();
+        QFETCH(QString, modo);
+        QFETCH(QString, button5);
         WindowRig rig;
-        QVERIFY(rig.plant.rt.model.ini.WriteModeKey(QStringLiteral("Generale"), QStringLiteral("Modo"), cells[0]));
+        QVERIFY(rig.plant.rt.model.ini.WriteModeKey(QStringLiteral("Generale"), QStringLiteral("Modo"), modo));
         rig.startUp();
         QCOMPARE(rig.panel(1), QStringLiteral("COM1:9600,N,8,1"));
         QCOMPARE(rig.panel(2), Standby);
         QCOMPARE(rig.acquisitionImage(), AcquisitionState::StandbyImage);
-        QCOMPARE(rig.button(QStringLiteral("5"))->text(), cells[1]);
+        QCOMPARE(rig.button(QStringLiteral("5"))->text(), button5);
     }
 
     // The menu bar and button "8"'s drop-down give the same commands.
-    void startStopAndReload_data() { addRows({"menu bar", "drop-down"}); }
+    void startStopAndReload_data()
+    {
+        QTest::addColumn<bool>("dropDown");
+        QTest::newRow("menu bar") << false;
+        QTest::newRow("drop-down") << true;
+    }
     void startStopAndReload()
     {
-        const bool dropDown = rowCells()[0] == QLatin1String("drop-down");
+        QFETCH(bool, dropDown);
         WindowRig rig;
         rig.startUp();
         addAnsweringSwitch(rig.plant);
@@ -98,30 +111,41 @@ private slots:
     }
 
     // Without a port only simulation starts; neither way says anything.
-    void startWithoutPort_data() { addRows({"communicate|Standby", "simulate|Acquisizione"}); }
+    void startWithoutPort_data()
+    {
+        QTest::addColumn<bool>("communicate");
+        QTest::addColumn<QString>("state");
+        QTest::newRow("communicate") << true << Standby;
+        QTest::newRow("simulate") << false << Acquiring;
+    }
     void startWithoutPort()
     {
-        const QStringList cells = rowCells();
-        const bool communicate = cells[0] == QLatin1String("communicate");
+        QFETCH(bool, communicate);
+        QFETCH(QString, state);
         WindowRig rig;
         rig.plant.line.setOpenRefused(true);
         rig.supervisor.setCommunicateWithInstruments(communicate);
         rig.startUp();
         QCOMPARE(rig.panel(1), QStringLiteral("Nessuna COM"));
         const QStringList messages = rig.messagesDuring([&] { rig.clickButton(QStringLiteral("8")); });
-        QCOMPARE(rig.panel(2), cells[1]);
+        QCOMPARE(rig.panel(2), state);
         QVERIFY(!messages.contains(Refused));
         QVERIFY(rig.prompts.asked().isEmpty());
     }
 
-    void refusedWhileAcquiring_data() { addRows({"close", "MenuAbout", "MenuStagione"}); }
+    void refusedWhileAcquiring_data()
+    {
+        QTest::addColumn<QString>("command");
+        QTest::newRow("close") << "close";
+        QTest::newRow("MenuAbout") << "MenuAbout";
+        QTest::newRow("MenuStagione") << "MenuStagione";
+    }
     void refusedWhileAcquiring()
     {
-        const QString command = rowCells()[0];
+        QFETCH(QString, command);
         WindowRig rig;
         rig.startUp();
-        QWidget season; // a later version's window, plugged in as any child window
-        rig.window->childWindows().plug(rig.entry(QStringLiteral("MenuStagione")), &season);
+        const QWidget *season = rig.window->seasonWindow();
         const auto give = [&] {
             if (command == QLatin1String("close"))
                 rig.window->close();
@@ -134,7 +158,7 @@ private slots:
             return command == QLatin1String("close") ? !rig.window->isVisible()
                    : command == QLatin1String("MenuAbout")
                        ? rig.window->aboutWindow() && rig.window->aboutWindow()->isVisible()
-                       : season.isVisible() && rig.entry(QStringLiteral("MenuStagione"))->isChecked();
+                       : season->isVisible() && rig.entry(QStringLiteral("MenuStagione"))->isChecked();
         };
 
         rig.clickButton(QStringLiteral("8"));
@@ -154,8 +178,7 @@ private slots:
         WindowRig rig;
         rig.startUp();
         QWidget *synoptic = rig.window->synopticWindow();
-        QWidget trend;
-        rig.window->childWindows().plug(rig.entry(QStringLiteral("MenuGrafico")), &trend);
+        QWidget &trend = *rig.window->trendWindow();
         QWidget *login = rig.window->loginWindow();
         // Shown, ticked and (for the first two) held down, as "login synoptic trend" flags.
         const auto state = [&] {
@@ -184,30 +207,6 @@ private slots:
         rig.clickButton(QStringLiteral("1"));
         login->parentWidget()->close(); // by its own frame
         QCOMPARE(state(), expected("000"));
-    }
-
-    void blinkWhileTheAutomaticStartIsPending()
-    {
-        WindowRig rig;
-        QVERIFY(rig.plant.rt.model.ini.WriteIniKey(QStringLiteral("Generale"), QStringLiteral("AutoAvvio"), QStringLiteral("1")));
-        rig.startUp();
-        Supervisor &supervisor = rig.supervisor;
-        QCOMPARE(rig.panel(4), QStringLiteral("Avvio in corso..."));
-        QCOMPARE(supervisor.TimerAutoStart().interval(), 10000);
-        QCOMPARE(supervisor.alarmIndication().Timer_Lampeggio().interval(), 350);
-        QVERIFY(supervisor.alarmIndication().Timer_Lampeggio().isActive());
-        QList<int> images;
-        for (int tick = 0; tick < 4; ++tick) {
-            supervisor.alarmIndication().Timer_LampeggioTick();
-            images.append(rig.acquisitionImage());
-        }
-        QCOMPARE(images, (QList<int>{3, 4, 3, 4}));
-
-        supervisor.TimerAutoStartTick();
-        QCOMPARE(rig.panel(2), Acquiring);
-        QCOMPARE(rig.panel(4), QString());
-        QCOMPARE(rig.acquisitionImage(), AcquisitionState::AcquiringImage);
-        QCOMPARE(supervisor.alarmIndication().Timer_Lampeggio().interval(), 700); // an alarm's pace from now on
     }
 
     // The blink of an alarm alternates the red alarm picture with the acquiring one.
@@ -270,8 +269,6 @@ private slots:
         QCOMPARE(rig.panel(2), Standby);
         QTest::keyClick(rig.window.get(), Qt::Key_L, Qt::ControlModifier);
         QVERIFY(rig.window->loginWindow()->isVisible());
-        // The toolbar's buttons take the focus from the keyboard.
-        QCOMPARE(rig.button(QStringLiteral("2"))->focusPolicy(), Qt::TabFocus);
     }
 
     // Beside the content, never over the menus and the toolbar; fifteen rows and every

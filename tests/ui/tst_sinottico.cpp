@@ -1,5 +1,6 @@
 #include "windowrig.h"
 
+#include "commands/plantcommands.h"
 #include "storage/inistore.h"
 #include "supervisor/measurementacquisition.h"
 #include "supervisor/runtime.h"
@@ -8,6 +9,7 @@
 #include "ui/synoptic/panelitem.h"
 #include "ui/synoptic/sinottico.h"
 #include "ui/synoptic/switchitem.h"
+#include "ui/synoptic/synopticcommands.h"
 #include "ui/synoptic/webcampanel.h"
 #include "ui/synoptic/zonemarkeritem.h"
 
@@ -114,12 +116,8 @@ private slots:
     {
         QCOMPARE(synoptic->planRect(), QRectF(0, 0, PlanWidthTwips, PlanHeightTwips));
         QCOMPARE(synoptic->zoneMarker(0)->pos(), QPointF(1500, 900));
-        QCOMPARE(synoptic->zoneMarker(1)->pos(), QPointF(4500, 3000));
-        QCOMPARE(synoptic->switchItem(1)->pos(), QPointF(6000, 1500));
-        QCOMPARE(synoptic->ledItem(0)->pos(), QPointF(7500, 600));
         QCOMPARE(synoptic->ledItem(0)->colour(), 4);
-        QCOMPARE(synoptic->doorButton()->pos(), QPointF(600, 4500));
-        QCOMPARE(synoptic->webcamButton()->pos(), QPointF(3000, 4500));
+        // The other items' positions are checked by the drags that move them.
         QVERIFY(!synoptic->zoneMarker(2));
         // 15 twips a pixel on the screen: the two markers lie 200 pixels apart across.
         QCOMPARE(centreOf(synoptic->zoneMarker(1)).x() - centreOf(synoptic->zoneMarker(0)).x(), 200);
@@ -190,38 +188,99 @@ private slots:
         QVERIFY(!synoptic->ledItem(0)->isLit());
     }
 
-    // Until the commands are wired, the clicks are what leaves the window.
-    void clicksGiveTheOperatorsCommands()
+    // The window's clicks through the same wiring as the program, onto the plant's
+    // commands: switch 1 on slave 4 (shown on), switch 2 on slave 5 (shown off), the
+    // door on slave 9.
+    std::unique_ptr<PlantCommands> wireCommands()
     {
-        QSignalSpy on(synoptic, &Sinottico::switchOnImageClicked);
-        QSignalSpy off(synoptic, &Sinottico::switchOffImageClicked);
-        QSignalSpy door(synoptic, &Sinottico::doorOpenerClicked);
-        QSignalSpy value(synoptic, &Sinottico::zoneValueDoubleClicked);
+        auto commands = std::make_unique<PlantCommands>(rt(), rig->prompts, rig->supervisor);
+        connectSynopticCommands(*synoptic, *commands);
+        RegisterTables &t = rt().model.editor.tables;
+        setRow(t.SwitchWriteTable, 0, {4, 0, -1, -1, 5, 0x30, 5, 0x31, 1, 0});
+        setRow(t.SwitchWriteTable, 1, {5, 0, -1, -1, 5, 0x30, 5, 0x31, 1, 0});
+        setRow(t.DoorWriteTable, 0, {9, 0, -1, -1, 5, 0x40, 5, 0x41, -1, 1, 0});
+        rig->plant.slaves.unite({4, 5, 9});
         rt().services.items.switches[0] = SwitchState::On;
         rt().services.items.switches[1] = SwitchState::Off;
         emit rt().display.synoptic.switchStatesChanged();
+        rig->plant.takeRequests();
+        return commands;
+    }
 
+    // Standing by, Img_on does nothing, Img_off switches on and the door opens at once.
+    void clicksStandingByActAtOnce()
+    {
+        rig->plant.login(true, false);
+        const auto commands = wireCommands();
         click(centreOf(synoptic->switchItem(0)));
+        QCOMPARE(rig->plant.takeRequests(), QStringList());
         click(centreOf(synoptic->switchItem(1)));
-        rt().services.items.switches[0] = SwitchState::Undetermined;
-        emit rt().display.synoptic.switchStatesChanged();
-        click(centreOf(synoptic->switchItem(0)));
-        QCOMPARE(on.count(), 1);
-        QCOMPARE(on.at(0).at(0).toInt(), 0);
-        QCOMPARE(off.count(), 1);
-        QCOMPARE(off.at(0).at(0).toInt(), 1);
-
+        QCOMPARE(rig->plant.takeRequests(), QStringList{"05 05 0030 ff00"});
         click(centreOf(synoptic->doorButton()));
-        QCOMPARE(door.count(), 1);
+        QCOMPARE(rig->plant.takeRequests(), (QStringList{"09 05 0040 ff00", "09 05 0041 0000"}));
+        QCOMPARE(commands->queue().PendingSwitchOn, CommandQueue::NoSwitch);
+        QVERIFY(!commands->queue().PendingDoorOpen);
+    }
 
+    // Acquiring, Img_off, the door and a set value wait in the queue for the next tick.
+    void clicksWhileAcquiringAreQueued()
+    {
+        rig->plant.setValue(1, 3, 1, 215);
+        rig->plant.setValue(1, 3, 2, 200);
+        rig->plant.login(true, false);
+        rig->supervisor.MenuStart();
+        const auto commands = wireCommands();
+        click(centreOf(synoptic->switchItem(1)));
+        click(centreOf(synoptic->doorButton()));
+        QCOMPARE(rig->plant.takeRequests(), QStringList());
+        QCOMPARE(commands->queue().PendingSwitchOn, 1);
+        QVERIFY(commands->queue().PendingDoorOpen);
+
+        rig->prompts.scriptTextInput(QStringLiteral(" 21.5 "));
         ZoneMarkerItem *living = synoptic->zoneMarker(0);
         doubleClick(at(living, living->labTempRect().center()));
-        QCOMPARE(value.count(), 1);
-        QCOMPARE(value.at(0).at(0).toInt(), 0);
-        QCOMPARE(value.at(0).at(1).toString(), QStringLiteral("--.-"));
-        // The second label sets nothing.
-        doubleClick(at(living, living->labTemp1Rect().center()));
-        QCOMPARE(value.count(), 1);
+        QCOMPARE(rig->prompts.asked(), (QList<RecordingPrompts::Prompt>{{RecordingPrompts::Kind::TextInput,
+                                                                        "Modifica parametro...",
+                                                                        "Inserire il valore da impostare:"}}));
+        QVERIFY(commands->queue().PendingSetValue);
+        QCOMPARE(commands->queue().PendingSetValueZone, 0);
+        QCOMPARE(commands->queue().PendingSetValueText, QStringLiteral("21.5"));
+        QCOMPARE(rig->plant.takeRequests(), QStringList());
+    }
+
+    // A double-click that sets nothing also drops the value still waiting.
+    void setValueThatSendsNothing_data()
+    {
+        QTest::addColumn<int>("zone");
+        QTest::addColumn<bool>("acquiring");
+        QTest::addColumn<bool>("cancel");
+        QTest::addColumn<QString>("answer");
+        QTest::addColumn<int>("boxes");
+        QTest::newRow("empty answer") << 0 << true << false << "  " << 1;
+        QTest::newRow("Cancel") << 0 << true << true << "" << 1;
+        QTest::newRow("--.- opens no box") << 1 << true << false << "22" << 0;
+        QTest::newRow("standing by") << 0 << false << false << "22" << 0;
+    }
+    void setValueThatSendsNothing()
+    {
+        QFETCH(int, zone);
+        QFETCH(bool, acquiring);
+        QFETCH(bool, cancel);
+        QFETCH(QString, answer);
+        QFETCH(int, boxes);
+        rig->plant.setValue(1, 3, 1, 215);
+        rig->plant.setValue(1, 3, 2, 200); // zone 2 stays silent: "--.-"
+        rig->plant.login(true, false);
+        if (acquiring)
+            rig->supervisor.MenuStart();
+        const auto commands = wireCommands();
+        commands->queueSetValue(zone, QStringLiteral("19"));
+        rig->prompts.scriptTextInput(cancel ? std::nullopt : std::optional<QString>(answer));
+        ZoneMarkerItem *marker = synoptic->zoneMarker(zone);
+        doubleClick(at(marker, marker->labTempRect().center()));
+        QCOMPARE(rig->prompts.asked().size(), boxes);
+        QVERIFY(!commands->queue().PendingSetValue);
+        QCOMPARE(rig->plant.takeRequests(), QStringList());
     }
 
     void rightDragPlacesForServiceUsersOnly_data()

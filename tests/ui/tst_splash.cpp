@@ -1,4 +1,3 @@
-#include "support/datarows.h"
 #include "ui/about.h"
 #include "ui/splash.h"
 
@@ -13,21 +12,31 @@ class TestSplash : public QObject
     Q_OBJECT
 
 private slots:
-    // answer|communicate: only "No" simulates.
-    void onlyNoSimulates_data() { addRows({"cmdSi|1", "cmdNo|0", "Enter|1", "Esc|1", "close|1"}); }
+    // Only "No" simulates.
+    void onlyNoSimulates_data()
+    {
+        QTest::addColumn<QString>("answer");
+        QTest::addColumn<bool>("communicate");
+        QTest::newRow("cmdSi") << "cmdSi" << true;
+        QTest::newRow("cmdNo") << "cmdNo" << false;
+        QTest::newRow("Enter") << "Enter" << true;
+        QTest::newRow("Esc") << "Esc" << true;
+        QTest::newRow("close") << "close" << true;
+    }
     void onlyNoSimulates()
     {
-        const QStringList cells = rowCells();
+        QFETCH(QString, answer);
+        QFETCH(bool, communicate);
         Splash splash;
         splash.show();
-        if (cells[0] == QLatin1String("Enter") || cells[0] == QLatin1String("Esc"))
-            QTest::keyClick(&splash, cells[0] == QLatin1String("Enter") ? Qt::Key_Return : Qt::Key_Escape);
-        else if (cells[0] == QLatin1String("close"))
+        if (answer == QLatin1String("Enter") || answer == QLatin1String("Esc"))
+            QTest::keyClick(&splash, answer == QLatin1String("Enter") ? Qt::Key_Return : Qt::Key_Escape);
+        else if (answer == QLatin1String("close"))
             splash.close();
         else
-            QTest::mouseClick(splash.findChild<QPushButton *>(cells[0]), Qt::LeftButton);
+            QTest::mouseClick(splash.findChild<QPushButton *>(answer), Qt::LeftButton);
         QVERIFY(!splash.isVisible());
-        QCOMPARE(splash.communicate(), cells[1] == QLatin1String("1"));
+        QCOMPARE(splash.communicate(), communicate);
     }
 
     void bothWindowsNameTheProduct()

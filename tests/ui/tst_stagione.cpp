@@ -4,6 +4,7 @@
 #include "ui/stagione.h"
 
 #include <QCheckBox>
+#include <QFileInfo>
 #include <QFrame>
 #include <QLabel>
 #include <QLineEdit>
@@ -76,8 +77,9 @@ private slots:
         QCOMPARE(window->windowTitle(), QStringLiteral("Ricette"));
         QCOMPARE(child<QLabel>(rig, "Lab_Attuale")->text(), QStringLiteral("Stagione attuale: Estate"));
         QCOMPARE(child<QLineEdit>(rig, "Txt_Inverno")->text(), QStringLiteral("Inverno.prg"));
-        QCOMPARE(rig.prompts.asked(),
-                 (QList<Prompt>{{Kind::Information, Title, "Il file Inverno.prg è stato caricato correttamente."}}));
+        // Opening tells in the window, not in a box, that the recipe loaded.
+        QVERIFY(rig.prompts.asked().isEmpty());
+        QCOMPARE(child<QLabel>(rig, "Lab_Esito")->text(), QStringLiteral("Il file Inverno.prg è stato caricato correttamente."));
 
         // Seven lists of 31 rows, side by side, scrolled as one.
         QStringList lastRow;
@@ -95,11 +97,18 @@ private slots:
         for (const QString &name : ListNames)
             QCOMPARE(child<QListWidget>(rig, name)->verticalScrollBar()->value(), names->verticalScrollBar()->value());
 
-        // During the send the window is live but the button refuses a second start.
+        // During the send the window is live but the button refuses a second start, and
+        // the main window refuses to start acquiring.
         auto *send = child<QPushButton>(rig, "Cmd_Invio_Stagione");
         QList<bool> enabledDuring;
         QStringList progressDuring;
+        bool startEnabledDuring = true;
         rig.plant.line.setDuringYield([&] {
+            if (enabledDuring.isEmpty()) {
+                startEnabledDuring = rig.entry(QStringLiteral("MenuStart"))->isEnabled();
+                rig.clickButton(QStringLiteral("8"));
+                QVERIFY2(!rig.supervisor.AcquisitionRunning(), "acquisition started during a send");
+            }
             enabledDuring.append(send->isEnabled());
             progressDuring.append(child<QLabel>(rig, "Lab_Avanzamento")->text());
             QTest::mouseClick(send, Qt::LeftButton);
@@ -111,6 +120,11 @@ private slots:
 
         QCOMPARE(rig.plant.takeRequests().size(), 31);
         QCOMPARE(enabledDuring, QList<bool>(31, false));
+        QVERIFY(!startEnabledDuring);
+        QVERIFY(rig.plant.panelTexts[StatusBar::MessagePanel].contains(
+            QStringLiteral("Invio ricetta in corso: acquisizione non avviata")));
+        QVERIFY(rig.entry(QStringLiteral("MenuStart"))->isEnabled());
+        QCOMPARE(rig.panel(4), QString());
         QCOMPARE(progressDuring.first(), QStringLiteral("0%"));
         QCOMPARE(progressDuring.last(), QStringLiteral("96%"));
         QVERIFY(child<QFrame>(rig, "Pic_Avanzamento")->isVisible());
@@ -122,11 +136,30 @@ private slots:
                                  "Il cambio delle impostazioni è stato completato correttamente."}}));
         QCOMPARE(rig.plant.rt.model.ini.ReadIniKey("Stagione", "Attuale", "?"), QStringLiteral("1"));
         QCOMPARE(child<QLabel>(rig, "Lab_Attuale")->text(), QStringLiteral("Stagione attuale: Inverno"));
+
+        // The report is kept beside the recipe and prints from the window.
+        const QString report = rig.plant.dir.filePath(QStringLiteral("Ricetta/Resoconto Inverno 2026-11-14 22-20-09.txt"));
+        QVERIFY(QFileInfo::exists(report));
+        QVERIFY(child<QLabel>(rig, "Lab_Esito")->text().endsWith(QStringLiteral("Resoconto salvato in ") + report));
+        const QString pdf = rig.plant.dir.filePath(QStringLiteral("resoconto.pdf"));
+        window->setPrintTargetOpener([&pdf] { return PrintTarget{QtPrinterSink::pdfFile(pdf), pdf}; });
+        QTest::mouseClick(child<QPushButton>(rig, "Cmd_Stampa"), Qt::LeftButton);
+        QVERIFY(QFileInfo(pdf).size() > 0);
+        QCOMPARE(rig.prompts.asked().last().kind, Kind::Information);
+        QVERIFY(rig.prompts.asked().last().text.endsWith(pdf));
+
+        // Closed and opened again: the summer recipe is next, still without a box.
+        rig.prompts.clear();
+        rig.clickButton(QStringLiteral("5"));
+        rig.clickButton(QStringLiteral("5"));
+        QVERIFY(window->isVisible());
+        QVERIFY(rig.prompts.asked().isEmpty());
+        QCOMPARE(child<QLabel>(rig, "Lab_Esito")->text(), QStringLiteral("Il file Estate.prg è stato caricato correttamente."));
     }
 
-    // No at the confirmation sends nothing; a recipe chosen outside "Ricetta" is refused,
-    // one inside it is named for its change and, being the next, loaded.
-    void declineAndChoose()
+    // A recipe chosen outside "Ricetta" is refused; one inside it is named for its
+    // change and, being the next, loaded.
+    void chooseRecipe()
     {
         WindowRig rig;
         writePlant(rig);
@@ -134,11 +167,6 @@ private slots:
                             "[File]\r\nID=Telvane\r\n[Zona 02]\r\nLinee=1\r\n01=6,4,7;Uno\r\n");
         rig.startUp();
         rig.clickButton(QStringLiteral("5"));
-        rig.prompts.clear();
-        QTest::mouseClick(child<QPushButton>(rig, "Cmd_Invio_Stagione"), Qt::LeftButton);
-        QVERIFY(rig.plant.line.requests().isEmpty());
-        QCOMPARE(rig.prompts.asked().size(), 1);
-
         QString offered;
         QString answer = rig.plant.dir.filePath(QStringLiteral("Inverno2.prg"));
         rig.window->seasonWindow()->setFileChooser([&](const QString &folder) {
@@ -153,6 +181,7 @@ private slots:
         answer = rig.plant.dir.filePath(QStringLiteral("Ricetta/Inverno2.prg"));
         QTest::mouseClick(child<QPushButton>(rig, "Cmd_Inverno"), Qt::LeftButton);
         QCOMPARE(child<QLineEdit>(rig, "Txt_Inverno")->text(), QStringLiteral("Inverno2.prg"));
+        QCOMPARE(rig.prompts.asked().last(), (Prompt{Kind::Information, Title, "Il file Inverno2.prg è stato caricato correttamente."}));
         QCOMPARE(rig.plant.rt.model.ini.ReadIniKey("Stagione", "Inverno", "?"), QStringLiteral("Inverno2.prg"));
         QCOMPARE(child<QListWidget>(rig, "Lst_NomePar")->count(), 1);
         QCOMPARE(child<QListWidget>(rig, "Lst_Sadd")->item(0)->text(), QStringLiteral("2"));

@@ -363,16 +363,7 @@ void Comunicazioni::writeRecipeTemplate()
 
 void Comunicazioni::print(const std::function<bool(PrinterSink &)> &job)
 {
-    PrintTarget target = m_printTarget();
-    if (!job(*target.sink) || target.pdfPath.isEmpty())
-        return;
-    if (target.sink->ok())
-        m_prompts.information(QStringLiteral("Stampa"),
-                              QStringLiteral("Nessuna stampante predefinita: la stampa è stata salvata nel file\n%1")
-                                  .arg(target.pdfPath));
-    else
-        m_prompts.warning(QStringLiteral("Stampa"),
-                          QStringLiteral("Impossibile scrivere la stampa nel file\n%1").arg(target.pdfPath));
+    printTo(m_printTarget(), m_prompts, job);
 }
 
 void Comunicazioni::PrintCommLists()

@@ -4,16 +4,39 @@
 #include "ui/synoptic/plancolours.h"
 
 #include <QCursor>
+#include <QFontMetricsF>
 #include <QPainter>
 
+#include <algorithm>
+
 namespace telvane {
+
+namespace {
+
+QFont captionFont()
+{
+    QFont font;
+    font.setBold(true);
+    return font;
+}
+
+// Wide enough for the plant's own name of the door or the camera ("Porta ingresso"),
+// which an elided caption would hide; never narrower than the usual button.
+double widthFor(const QString &caption)
+{
+    QFont font = captionFont();
+    font.setPixelSize(12);
+    return std::clamp(QFontMetricsF(font).horizontalAdvance(caption) + 20, 104.0, 260.0);
+}
+
+} // namespace
 
 ButtonItem::ButtonItem(PlanItemKind kind, const QString &objectName, const QString &caption,
                        const PlanUnits &units, const PlacementRules &rules)
     : PlanItem(kind, 0, rules)
     , m_caption(caption)
     , m_pixel(units.twipsPerPixel())
-    , m_body(0, 0, units.toTwips(104), units.toTwips(28))
+    , m_body(0, 0, units.toTwips(widthFor(caption)), units.toTwips(28))
 {
     setObjectName(objectName);
     setCursor(Qt::PointingHandCursor);
@@ -31,9 +54,8 @@ void ButtonItem::paint(QPainter *painter, const QStyleOptionGraphicsItem *, QWid
     painter->setPen(QPen(PlanColours::frame(), m_pixel));
     painter->setBrush(QColor(0xf4, 0xf6, 0xf8));
     painter->drawRoundedRect(body, 4 * m_pixel, 4 * m_pixel);
-    QFont font = painter->font();
+    QFont font = captionFont();
     font.setPixelSize(int(12 * m_pixel));
-    font.setBold(true);
     painter->setFont(font);
     painter->setPen(PlanColours::frame());
     painter->drawText(body, Qt::AlignCenter,

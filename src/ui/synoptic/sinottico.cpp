@@ -30,6 +30,7 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QMdiArea>
+#include <QStyle>
 #include <QMdiSubWindow>
 #include <QScreen>
 #include <QVBoxLayout>
@@ -510,8 +511,15 @@ void Sinottico::fitFrameToWorkspace()
     // The frame's title and borders, and the bar above the plan.
     const QSize chrome = (m_frame->size() - size()).expandedTo(QSize(0, 0))
                          + QSize(0, m_fitBox->sizeHint().height() + 4);
-    const QSize wanted = (plan + chrome + QSize(4, 4)).boundedTo(area).expandedTo(m_frame->minimumSize());
-    m_frame->resize(wanted);
+    QSize wanted = plan + chrome + QSize(4, 4);
+    // A plan taller than the workspace scrolls; room for the scroll bar spares it a
+    // second one across when its width would fit.
+    const int bar = style()->pixelMetric(QStyle::PM_ScrollBarExtent);
+    if (wanted.height() > area.height())
+        wanted.rwidth() += bar;
+    if (wanted.width() > area.width())
+        wanted.rheight() += bar;
+    m_frame->resize(wanted.boundedTo(area).expandedTo(m_frame->minimumSize()));
     centreInWorkspace();
 }
 
