@@ -54,7 +54,7 @@ Comunicazioni::Comunicazioni(Runtime &rt, Supervisor &supervisor, Prompts &promp
     , m_supervisor(supervisor)
     , m_prompts(prompts)
     , m_reload(std::move(reload))
-    , m_printTarget([this] { return openPrintTarget(m_rt.ini.folder().root(), m_rt.clock.now()); })
+    , m_printTarget([this] { return openPrintTarget(printoutPdfPath(m_rt.ini.folder().root(), m_rt.clock.now())); })
     , m_frame(new QFrame(this))
     , m_stack(new QStackedWidget(this))
     , m_listsPage(new QWidget(m_stack))
@@ -352,15 +352,8 @@ void Comunicazioni::writeRecipeTemplate()
 void Comunicazioni::print(const std::function<bool(PrinterSink &)> &job)
 {
     PrintTarget target = m_printTarget();
-    if (!job(*target.sink) || target.pdfPath.isEmpty())
-        return;
-    if (target.sink->ok())
-        m_prompts.information(QStringLiteral("Stampa"),
-                              QStringLiteral("Nessuna stampante predefinita: la stampa è stata salvata nel file\n%1")
-                                  .arg(target.pdfPath));
-    else
-        m_prompts.warning(QStringLiteral("Stampa"),
-                          QStringLiteral("Impossibile scrivere la stampa nel file\n%1").arg(target.pdfPath));
+    if (job(*target.sink))
+        reportPrintout(target, m_prompts);
 }
 
 void Comunicazioni::PrintCommLists()
