@@ -33,8 +33,8 @@ private slots:
         // Saturday's set points: 21.5 for zone 1, 22.5 for zone 2, ...
         for (int slot = 0; slot < ChronoSchedule::Slots; ++slot)
             for (int zone = 0; zone < ChronoSchedule::Zones; ++zone)
-                fx.rt.chrono(slot, zone, 5) = 21.5f + float(zone);
-        ChronoThermostat chrono(fx.rt);
+                fx.rt.model.chrono(slot, zone, 5) = 21.5f + float(zone);
+        ChronoThermostat chrono(fx.rt.model, fx.rt.services.master, fx.clock);
         PlantCommands commands(fx.rt, fx.prompts, supervisor);
         fx.rt.cycleTasks = {&commands, &chrono};
         fx.login(true, false);
