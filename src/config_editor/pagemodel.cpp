@@ -49,8 +49,13 @@ QString PageModel::itemSection(int group, int item) const
 
 void PageModel::load(const IniStore &ini)
 {
-    for (Field &field : m_fields)
-        field.text = ini.ReadIniKey(field.definition.section, field.definition.key, field.definition.defaultValue);
+    // No value can hold a line break, so this default tells an absent key.
+    const QString absent = QStringLiteral("\n");
+    for (Field &field : m_fields) {
+        const QString read = ini.ReadIniKey(field.definition.section, field.definition.key, absent);
+        field.inFile = read != absent;
+        field.text = field.inFile ? read : field.definition.defaultValue;
+    }
     for (Group &group : m_groups) {
         if (group.countField < 0)
             group.loadedCount = leadingInteger(ini.ReadIniKey(group.countSection, group.countKey, QString()), 0);
@@ -148,6 +153,10 @@ QList<IniKeyValue> PageModel::keysToSave() const
         const Field &field = m_fields[i];
         // Blanks typed around a value never mean anything to the readers.
         const QString value = field.definition.kind == FieldKind::Text ? field.text : field.text.trimmed();
+        // A key the file never had and the page left empty stays out of the file, as
+        // the technician left it.
+        if (value.isEmpty() && !field.inFile)
+            continue;
         keys.append({field.definition.section, field.definition.key, value});
     }
     return keys;

@@ -38,6 +38,7 @@ public:
         int group = -1; // -1: a key of the page itself
         int item = -1;  // 0-based within its group
         QString text;
+        bool inFile = false; // the key stood in the file when the page was loaded
     };
 
     PageModel(QString name, QString title);

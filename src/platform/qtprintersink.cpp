@@ -114,29 +114,57 @@ void QtPrinterSink::endDocument()
         m_painter.end();
 }
 
-PrintTarget openPrintTarget(const QString &folder, const QDateTime &now)
+void QtPrinterSink::printPicture(const std::function<void(QPainter &, const QRectF &)> &paint, qreal aspect)
+{
+    if (!begin())
+        return;
+    const QRectF page = m_printer->pageLayout().paintRectPixels(m_printer->resolution());
+    const qreal width = page.width();
+    const qreal height = aspect > 0 ? width / aspect : page.height();
+    // Less than half the picture's height left: better on a page of its own.
+    if (m_y > 0 && m_y + std::min(height, page.height()) / 2 > page.height())
+        newPage();
+    const qreal room = page.height() - m_y;
+    const QRectF area(0, m_y, height > room ? room * aspect : width, std::min(height, room));
+    m_painter.save();
+    paint(m_painter, area);
+    m_painter.restore();
+    m_y += area.height();
+}
+
+PrintTarget openPrintTarget(const QString &pdfPath)
 {
     PrintTarget target;
     target.sink = QtPrinterSink::defaultPrinter();
     if (!target.sink) {
-        target.pdfPath = QDir(folder).filePath(
-            QStringLiteral("Stampa %1.pdf").arg(now.toString(QStringLiteral("yyyy-MM-dd HH-mm-ss"))));
+        target.pdfPath = pdfPath;
         target.sink = QtPrinterSink::pdfFile(target.pdfPath);
     }
     return target;
 }
 
-void printTo(PrintTarget target, Prompts &prompts, const std::function<bool(PrinterSink &)> &job)
+QString printoutPdfPath(const QString &folder, const QDateTime &now)
 {
-    if (!job(*target.sink) || target.pdfPath.isEmpty())
+    return QDir(folder).filePath(QStringLiteral("Stampa %1.pdf").arg(now.toString(QStringLiteral("yyyy-MM-dd HH-mm-ss"))));
+}
+
+void reportPrintout(const PrintTarget &target, Prompts &prompts)
+{
+    if (target.pdfPath.isEmpty())
         return;
     if (target.sink->ok())
         prompts.information(QStringLiteral("Stampa"),
                             QStringLiteral("Nessuna stampante predefinita: la stampa è stata salvata nel file\n%1")
-                                .arg(target.pdfPath));
+                                .arg(QDir::toNativeSeparators(target.pdfPath)));
     else
-        prompts.warning(QStringLiteral("Stampa"),
-                        QStringLiteral("Impossibile scrivere la stampa nel file\n%1").arg(target.pdfPath));
+        prompts.warning(QStringLiteral("Stampa"), QStringLiteral("Impossibile scrivere la stampa nel file\n%1")
+                                                                     .arg(QDir::toNativeSeparators(target.pdfPath)));
+}
+
+void printTo(PrintTarget target, Prompts &prompts, const std::function<bool(PrinterSink &)> &job)
+{
+    if (job(*target.sink))
+        reportPrintout(target, prompts);
 }
 
 } // namespace telvane

@@ -11,6 +11,10 @@
 class QPrinter;
 
 namespace telvane {
+class Prompts;
+}
+
+namespace telvane {
 
 class Prompts;
 
@@ -34,6 +38,9 @@ public:
     void printLine(const QList<PrintTab> &texts) override;
     void newPage() override;
     void endDocument() override;
+    // A picture `aspect` times as wide as high, as wide as the page allows, below the
+    // lines printed so far (on a new page when it no longer fits well).
+    void printPicture(const std::function<void(QPainter &, const QRectF &)> &paint, qreal aspect);
 
     // False when the printer could not be opened or a page could not be added.
     bool ok() const { return m_ok; }
@@ -48,14 +55,19 @@ private:
     bool m_ok = true;
 };
 
-// Where a printout goes: the default printer, or when the system has none a PDF file in
-// `folder` named after `now`; `pdfPath` is then that file's path, for telling the user.
+// Where a printout goes: the default printer, or when the system has none the PDF file
+// `pdfPath`, which is then kept for telling the user.
 struct PrintTarget
 {
     std::unique_ptr<QtPrinterSink> sink;
     QString pdfPath;
 };
-PrintTarget openPrintTarget(const QString &folder, const QDateTime &now);
+PrintTarget openPrintTarget(const QString &pdfPath);
+// A printout's PDF in `folder`, named after `now`.
+QString printoutPdfPath(const QString &folder, const QDateTime &now);
+// Tells the user where a printout went when it went to a file, or that the file could
+// not be written.
+void reportPrintout(const PrintTarget &target, Prompts &prompts);
 
 // Runs `job` (false: nothing was printed) on `target`. A printout that went to a PDF
 // file is announced with the file's path, or with a warning when it could not be written;

@@ -33,9 +33,8 @@ bool writeTraceColor(IniStore &store, int zoneIndex, quint32 color)
 
 bool writeValueLimits(IniStore &store, double min, double max)
 {
-    const bool wroteMin = store.WriteIniKey(ChartSection, QStringLiteral("T_Min"), numberText(min));
-    const bool wroteMax = store.WriteIniKey(ChartSection, QStringLiteral("T_Max"), numberText(max));
-    return wroteMin && wroteMax;
+    return store.WriteIniKeys({{ChartSection, QStringLiteral("T_Min"), numberText(min)},
+                               {ChartSection, QStringLiteral("T_Max"), numberText(max)}});
 }
 
 InfoPosition readInfoPosition(const IniStore &store)
@@ -46,9 +45,8 @@ InfoPosition readInfoPosition(const IniStore &store)
 
 bool writeInfoPosition(IniStore &store, const InfoPosition &position)
 {
-    const bool wroteX = store.WriteIniKey(ChartSection, QStringLiteral("Info_X"), QString::number(position.x));
-    const bool wroteY = store.WriteIniKey(ChartSection, QStringLiteral("Info_Y"), QString::number(position.y));
-    return wroteX && wroteY;
+    return store.WriteIniKeys({{ChartSection, QStringLiteral("Info_X"), QString::number(position.x)},
+                               {ChartSection, QStringLiteral("Info_Y"), QString::number(position.y)}});
 }
 
 ValueRange clampedValueRange(ValueRange wanted, ValueRange absolute)

@@ -104,7 +104,7 @@ private slots:
     }
 
     // Only the zones within the count (as typed on the page) are checked and saved; the
-    // first zone has no slave flag.
+    // first zone has no slave flag; keys the file lacks and the page left empty stay out.
     void zonePageSavesTheCountedZones()
     {
         SettingsFolder dir;
@@ -124,6 +124,7 @@ private slots:
         QCOMPARE(ini.ReadIniKey("Zona 02", "PV_r", ""), QStringLiteral("3,40001"));
         QCOMPARE(ini.ReadIniKey("Zona 03", "Indirizzo", ""), QStringLiteral("0"));
         QCOMPARE(ini.ReadIniKey("Zona 03", "Nome", "absent"), QStringLiteral("absent"));
+        QCOMPARE(ini.ReadIniKey("Zona 02", "PV_w", "absent"), QStringLiteral("absent"));
     }
 
     // A value goes into the register it is written to: with the item's decimals, or

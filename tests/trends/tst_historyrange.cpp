@@ -1,7 +1,13 @@
 #include "trends/historyrange.h"
 
 #include "base/clock.h"
+#include "storage/numbertext.h"
 #include "support/settingsfixture.h"
+
+#include <QScopeGuard>
+
+#include <cstring>
+#include <ctime>
 
 using namespace telvane;
 
@@ -48,6 +54,69 @@ private slots:
         QCOMPARE(zone2[0].value, 18.0f);
         QVERIFY(zone2[1].isGap());
         QCOMPARE(set.usedTraces(), 2);
+    }
+
+    // Every shape of number a day file may hold reads as the general number parser reads it.
+    void valuesReadAsTheNumberParser()
+    {
+        const QStringList fields = {"21.5", "-0,25", "+3", "7.", ".5", "-0.0", "123456789012.345",
+                                    "1234567890123456.5", " 4.5", "0.1", "99.99"};
+        QByteArray line = "14/11/2026 10:00:00;";
+        for (const QString &field : fields)
+            line += field.toLatin1() + ';';
+        SettingsFolder dir;
+        dir.write("Dati/2026_11_14.csv", line + "\r\n");
+        ManualClock clock(QDateTime(Day1, QTime(12, 0)));
+        TrendSet set;
+        QCOMPARE(readDays(DailyLog(dir.folder(), clock), Day1, Day1, set).value(0).outcome, DayOutcome::Read);
+        for (int i = 0; i < fields.size(); ++i) {
+            const auto points = set.trace(i + 1).points();
+            QVERIFY2(points.size() == 1, qPrintable(fields[i]));
+            const float expected = parseSingle(fields[i]).value_or(0);
+            QVERIFY2(std::memcmp(&points[0].value, &expected, sizeof(float)) == 0,
+                     qPrintable(fields[i] + QStringLiteral(" read as ") + QString::number(points[0].value, 'g', 9)));
+        }
+    }
+
+    // Each line's time is the instant the local rules give, also on the days the clock
+    // changes (the plant's own zone, whatever the machine running the tests).
+    void timesAcrossClockChanges_data()
+    {
+        QTest::addColumn<QDate>("day");
+        QTest::addColumn<QStringList>("times");
+        QTest::newRow("back in autumn") << QDate(2026, 10, 25)
+                                        << QStringList{"00:59:59", "01:59:00", "02:00:00", "02:30:00", "03:00:00",
+                                                       "03:30:00", "23:59:59"};
+        QTest::newRow("forward in spring") << QDate(2026, 3, 29)
+                                           << QStringList{"01:59:59", "03:00:00", "03:00:05", "12:00:00"};
+    }
+
+    void timesAcrossClockChanges()
+    {
+        QFETCH(QDate, day);
+        QFETCH(QStringList, times);
+        const QByteArray zone = qgetenv("TZ");
+        const bool hadZone = qEnvironmentVariableIsSet("TZ");
+        qputenv("TZ", "Europe/Rome");
+        tzset();
+        const auto restore = qScopeGuard([&] {
+            hadZone ? qputenv("TZ", zone) : qunsetenv("TZ");
+            tzset();
+        });
+        SettingsFolder dir;
+        QByteArray text;
+        for (const QString &time : times)
+            text += day.toString("dd/MM/yyyy ").toLatin1() + time.toLatin1() + ";1;\r\n";
+        dir.write("Dati/" + DailyLogFileName(day), text);
+        ManualClock clock(QDateTime(day, QTime(12, 0)));
+        TrendSet set;
+        readDays(DailyLog(dir.folder(), clock), day, day, set);
+        const auto points = set.trace(1).points();
+        QCOMPARE(points.size(), size_t(times.size()));
+        for (int i = 0; i < times.size(); ++i) {
+            QCOMPARE(QDateTime::fromMSecsSinceEpoch(points[i].ms),
+                     QDateTime(day, QTime::fromString(times[i], "HH:mm:ss")));
+        }
     }
 
     // The calendar marks the days that have a file; other files in the folder are not days.

@@ -8,7 +8,7 @@
 #include "ui/trends/trendpanel.h"
 
 #include <QColorDialog>
-#include <QLineSeries>
+#include <QLabel>
 #include <QLoggingCategory>
 #include <QTimer>
 #include <QToolButton>
@@ -30,16 +30,14 @@ QValueAxis *valueAxis(TrendChart &chart)
     return qobject_cast<QValueAxis *>(chart.chart()->axes(Qt::Vertical).value(0));
 }
 
-// The drawn stretches of `color`'s line, in the order they were made.
-QList<QLineSeries *> drawnStretches(TrendChart &chart, const QColor &color)
+// The drawn stretches of `color`'s line, in time order.
+QList<QPolygonF> drawnStretches(TrendChart &chart, const QColor &color)
 {
-    QList<QLineSeries *> stretches;
-    for (QAbstractSeries *series : chart.chart()->series()) {
-        auto *line = qobject_cast<QLineSeries *>(series);
-        if (line && line->isVisible() && line->count() > 0 && line->pen().color() == color)
-            stretches.append(line);
+    for (const TracesItem::Trace &trace : chart.drawnTraces()) {
+        if (trace.color == color)
+            return trace.stretches;
     }
-    return stretches;
+    return {};
 }
 
 QByteArray settingsFile(WindowRig &rig)
@@ -85,10 +83,20 @@ private slots:
         rig.plant.rt.display.chart->roundFinished();
         chart.redrawNow();
         QCOMPARE(drawnStretches(chart, QColor(255, 0, 0)).size(), 1);
+        // The time axis has its labels: dark text on the white frame under the plot.
+        const QImage image = chart.grab().toImage();
+        const QRect plot = chart.chart()->plotArea().toRect();
+        int dark = 0;
+        for (int y = plot.bottom() + 4; y < image.height(); ++y) {
+            for (int x = plot.left(); x < plot.right(); ++x)
+                dark += qGray(image.pixel(x, y)) < 128;
+        }
+        QVERIFY2(dark > 20, "no labels under the time axis");
     }
 
     // Points come from the rounds through the acquisition's chart; a zone that did not
-    // answer breaks its line instead of plunging to the invalid marker.
+    // answer breaks its line instead of plunging to the invalid marker, and a reading
+    // between two failures still shows.
     void liveRoundsWithAFailedReading()
     {
         WindowRig rig;
@@ -98,19 +106,25 @@ private slots:
         const double zone1[] = {20, 21, InvalidValue, InvalidValue, 23, 24};
         for (int i = 0; i < 6; ++i) {
             rig.plant.rt.display.chart->addPoint(1, Morning.addSecs(60 * i), zone1[i]);
-            rig.plant.rt.display.chart->addPoint(2, Morning.addSecs(60 * i), 18);
+            rig.plant.rt.display.chart->addPoint(2, Morning.addSecs(60 * i), i % 2 ? InvalidValue : 18);
             rig.plant.rt.display.chart->roundFinished();
         }
         chart.redrawNow();
 
-        const QList<QLineSeries *> stretches = drawnStretches(chart, QColor(255, 0, 0));
+        const QList<QPolygonF> stretches = drawnStretches(chart, QColor(255, 0, 0));
         QCOMPARE(stretches.size(), 2);
-        for (QLineSeries *stretch : stretches) {
-            for (const QPointF &point : stretch->points())
-                QVERIFY2(point.y() > 0, qPrintable(QString::number(point.y())));
+        const QRectF plot = chart.chart()->plotArea();
+        for (const QPolygonF &stretch : stretches) {
+            for (const QPointF &point : stretch)
+                QVERIFY2(plot.contains(point), qPrintable(QStringLiteral("%1 outside the plot").arg(point.y())));
         }
-        QCOMPARE(stretches[1]->at(0).y(), 23.0);
-        QCOMPARE(chart.drawnPointCount(), 4 + 6);
+        QCOMPARE(stretches[0].size(), 2);
+        QVERIFY2(stretches[1].front().y() < stretches[0].back().y(), "the line resumes at 23, above 21");
+        const QList<QPolygonF> alternate = drawnStretches(chart, drawnColor(rig.plant.rt.model.plant.chart.traceColors[1], chart.palette()));
+        QCOMPARE(alternate.size(), 3);
+        for (const QPolygonF &dot : alternate)
+            QCOMPARE(dot.size(), 1);
+        QCOMPARE(chart.drawnPointCount(), 4 + 3);
         // The information box: minimum, maximum and mean of the shown range.
         QVERIFY2(chart.infoText().contains(">&nbsp;20,0<") || chart.infoText().contains(">&nbsp;20.0<"),
                  qPrintable(chart.infoText()));
@@ -133,6 +147,39 @@ private slots:
         QVERIFY2(info.contains("14/11/2026 08:00:30"), qPrintable(info));
         QVERIFY2(info.contains(QLocale().toString(20.5, 'f', 1) + "</td>"), qPrintable(info));
         QVERIFY2(info.contains("Cucina&nbsp;</td><td align=right>--.-</td>"), qPrintable(info));
+    }
+
+    // The information box goes where it is dropped, stays inside the chart, and its place is saved.
+    void infoBoxDragged()
+    {
+        WindowRig rig;
+        startUpWithSettings(rig, TwoZones);
+        rig.clickButton(QStringLiteral("3"));
+        TrendChart &chart = rig.window->trendWindow()->panel().chart();
+        rig.plant.rt.display.chart->addPoint(1, Morning, 20.5);
+        rig.plant.rt.display.chart->roundFinished();
+        chart.redrawNow();
+        auto *info = chart.findChild<QLabel *>(QStringLiteral("InfoBox"));
+        QVERIFY(info && info->isVisible());
+        const QPoint start = info->pos();
+        QTest::mousePress(info, Qt::LeftButton, {}, QPoint(5, 5));
+        QMouseEvent move(QEvent::MouseMove, QPointF(45, 25), info->mapToGlobal(QPointF(45, 25)), Qt::NoButton,
+                         Qt::LeftButton, {});
+        QApplication::sendEvent(info, &move);
+        QTest::mouseRelease(info, Qt::LeftButton, {}, QPoint(45, 25));
+        QCOMPARE(info->pos(), start + QPoint(40, 20));
+        QVERIFY2(settingsFile(rig).contains(QStringLiteral("Info_X=%1\r\nInfo_Y=%2\r\n")
+                                                .arg(info->x() * 15)
+                                                .arg(info->y() * 15)
+                                                .toLatin1()),
+                 settingsFile(rig).constData());
+
+        QTest::mousePress(info, Qt::LeftButton, {}, QPoint(5, 5));
+        QMouseEvent far(QEvent::MouseMove, QPointF(-5000, -5000), info->mapToGlobal(QPointF(-5000, -5000)),
+                        Qt::NoButton, Qt::LeftButton, {});
+        QApplication::sendEvent(info, &far);
+        QTest::mouseRelease(info, Qt::LeftButton, {}, QPoint(5, 5));
+        QCOMPARE(info->pos(), QPoint(0, 0));
     }
 
     // A double-click on a label asks for the colour and writes it back in blue-green-red order.

@@ -54,7 +54,7 @@ Comunicazioni::Comunicazioni(Runtime &rt, Supervisor &supervisor, Prompts &promp
     , m_supervisor(supervisor)
     , m_prompts(prompts)
     , m_reload(std::move(reload))
-    , m_printTarget([this] { return openPrintTarget(m_rt.model.ini.folder().root(), m_rt.devices.clock.now()); })
+    , m_printTarget([this] { return openPrintTarget(printoutPdfPath(m_rt.model.ini.folder().root(), m_rt.devices.clock.now())); })
     , m_frame(new QFrame(this))
     , m_stack(new QStackedWidget(this))
     , m_listsPage(new QWidget(m_stack))

@@ -1,5 +1,7 @@
 #include "ui/editor/fieldpage.h"
 
+#include "ui/synoptic/plancolours.h"
+
 #include <QCheckBox>
 #include <QComboBox>
 #include <QFormLayout>
@@ -20,13 +22,11 @@ namespace telvane {
 
 namespace {
 
+// The swatch beside each lamp colour is the lamp as the synoptic lights it.
 QIcon lampIcon(int colour)
 {
-    static const QColor lamps[] = {QColor(0xe0, 0x20, 0x20), QColor(0x20, 0xc0, 0x30), QColor(0xf0, 0xc0, 0x10),
-                                   QColor(0x20, 0x70, 0xe0), QColor(0xf0, 0x80, 0x10), QColor(0xf8, 0xf8, 0xf0),
-                                   QColor(0xa0, 0x40, 0xd0)};
     QPixmap swatch(14, 14);
-    swatch.fill(lamps[colour]);
+    swatch.fill(PlanColours::lamp(colour));
     return QIcon(swatch);
 }
 

@@ -13,8 +13,6 @@
 #include <QFormLayout>
 #include <QLabel>
 #include <QPainter>
-#include <QPrinter>
-#include <QPrinterInfo>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QTextCharFormat>
@@ -58,6 +56,7 @@ Storico::Storico(const DailyLog &log, IniStore &ini, PlantConfig &plant, Prompts
     , m_print(button(QStringLiteral("Cmd_Stampa"), QStringLiteral("Stampa")))
     , m_progressBar(new QProgressBar)
     , m_status(new QLabel)
+    , m_printTarget([this] { return openPrintTarget(suggestedName(QStringLiteral(".pdf"))); })
     , m_progressTimer(new QTimer(this))
 {
     setObjectName(QStringLiteral("Storico"));
@@ -288,44 +287,23 @@ QString Storico::print()
 {
     if (!m_shown)
         return QString();
-    const QPrinterInfo printerInfo = QPrinterInfo::defaultPrinter();
-    const bool toPdf = printerInfo.isNull();
-    QPrinter printer = toPdf ? QPrinter(QPrinter::HighResolution) : QPrinter(printerInfo, QPrinter::HighResolution);
-    QString pdfPath;
-    if (toPdf) {
-        pdfPath = suggestedName(QStringLiteral(".pdf"));
-        printer.setOutputFormat(QPrinter::PdfFormat);
-        printer.setOutputFileName(pdfPath);
-    }
-    printer.setPageOrientation(QPageLayout::Landscape);
-    printer.setDocName(Title + QLatin1Char(' ') + rangeText());
-
-    QPainter painter;
-    if (!painter.begin(&printer)) {
-        m_prompts.warning(Title, toPdf ? QStringLiteral("Impossibile scrivere il file ") + QDir::toNativeSeparators(pdfPath) + '.'
-                                       : QStringLiteral("Impossibile stampare sulla stampante ") + printerInfo.printerName() + '.');
-        return QString();
-    }
-    const QRect page = painter.viewport();
-    QFont font = painter.font();
-    font.setPointSize(12);
-    font.setBold(true);
-    painter.setFont(font);
-    const QString heading = QStringLiteral("Storico ") + rangeText();
-    const int headingHeight = painter.fontMetrics().height() * 2;
-    painter.drawText(QRect(page.left(), page.top(), page.width(), headingHeight), Qt::AlignLeft | Qt::AlignTop, heading);
-    m_panel->chart().render(&painter, QRectF(page.left(), page.top() + headingHeight, page.width(),
-                                             page.height() - headingHeight));
-    painter.end();
-
-    if (toPdf) {
-        m_prompts.information(Title, QStringLiteral("Nessuna stampante predefinita: il grafico è stato salvato in ")
-                                         + QDir::toNativeSeparators(pdfPath));
-        m_status->setText(QStringLiteral("Stampa salvata in ") + QDir::toNativeSeparators(pdfPath));
-    } else {
-        m_status->setText(QStringLiteral("Grafico inviato alla stampante ") + printerInfo.printerName());
-    }
-    return pdfPath;
+    PrintTarget target = m_printTarget();
+    QtPrinterSink &printer = *target.sink;
+    printer.setFontName(QStringLiteral("Arial"));
+    printer.setFontSize(12);
+    printer.setBold(true);
+    printer.printLine({{0, Title + QLatin1Char(' ') + rangeText()}});
+    printer.printLine({});
+    TrendChart &chart = m_panel->chart();
+    printer.printPicture([&chart](QPainter &painter, const QRectF &area) { chart.render(&painter, area); },
+                         qreal(chart.width()) / std::max(1, chart.height()));
+    printer.endDocument();
+    reportPrintout(target, m_prompts);
+    if (target.pdfPath.isEmpty())
+        m_status->setText(QStringLiteral("Grafico inviato alla stampante"));
+    else if (printer.ok())
+        m_status->setText(QStringLiteral("Stampa salvata in ") + QDir::toNativeSeparators(target.pdfPath));
+    return printer.ok() ? target.pdfPath : QString();
 }
 
 } // namespace telvane

@@ -1,11 +1,13 @@
 #pragma once
 
+#include "platform/qtprintersink.h"
 #include "trends/historyrange.h"
 
 #include <QDate>
 #include <QWidget>
 
 #include <atomic>
+#include <functional>
 #include <optional>
 #include <utility>
 #include <memory>
@@ -48,6 +50,9 @@ public:
     // To the default printer; without one to a PDF in the plant folder, whose path is
     // returned (empty when printed or nothing was shown).
     QString print();
+    using PrintTargetOpener = std::function<PrintTarget()>;
+    // Where printouts go; by default the system's printer, or a PDF in the plant folder.
+    void setPrintTargetOpener(PrintTargetOpener opener) { m_printTarget = std::move(opener); }
 
     TrendPanel &panel() { return *m_panel; }
     QCalendarWidget &calendar() { return *m_calendar; }
@@ -82,6 +87,7 @@ private:
     QPushButton *m_print;
     QProgressBar *m_progressBar;
     QLabel *m_status;
+    PrintTargetOpener m_printTarget;
     QTimer *m_progressTimer;
 
     QDate m_from;

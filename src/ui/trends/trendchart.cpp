@@ -3,12 +3,12 @@
 #include "base/datetimetext.h"
 #include "trends/drawnsegments.h"
 #include "trends/tracecolors.h"
+#include "ui/trends/tracesitem.h"
 
 #include <QDateTime>
 #include <QDateTimeAxis>
 #include <QGraphicsLineItem>
 #include <QLabel>
-#include <QLineSeries>
 #include <QMouseEvent>
 #include <QTimer>
 #include <QValueAxis>
@@ -49,6 +49,7 @@ TrendChart::TrendChart(QWidget *parent)
     , m_chart(new QChart)
     , m_timeAxis(new QDateTimeAxis)
     , m_valueAxis(new QValueAxis)
+    , m_traces(new TracesItem(m_chart))
     , m_cursorLine(new QGraphicsLineItem)
     , m_info(new QLabel(viewport()))
 {
@@ -62,6 +63,11 @@ TrendChart::TrendChart(QWidget *parent)
     m_timeAxis->setTickCount(7);
     m_valueAxis->setTickCount(11);
     m_valueAxis->setLabelFormat(QStringLiteral("%.1f"));
+    // A date-time axis that joins a chart shown in a view while still at its empty
+    // default range is never laid out again: no labels and no grid, whatever range
+    // it gets later. So it gets a real range first.
+    const QDateTime now = QDateTime::currentDateTime();
+    m_timeAxis->setRange(now.addSecs(-3600), now);
     m_chart->addAxis(m_timeAxis, Qt::AlignBottom);
     m_chart->addAxis(m_valueAxis, Qt::AlignLeft);
     setChart(m_chart);
@@ -69,16 +75,24 @@ TrendChart::TrendChart(QWidget *parent)
     setMouseTracking(true);
     setRubberBand(QChartView::NoRubberBand);
 
+    // Above the grid, where the chart's own series would stand.
+    m_traces->setZValue(5);
+    connect(m_chart, &QChart::plotAreaChanged, this, [this] {
+        placeCursor();
+        scheduleRedraw();
+    });
+
     m_cursorLine->setZValue(10);
     m_cursorLine->hide();
     scene()->addItem(m_cursorLine);
 
     m_info->setObjectName(QStringLiteral("InfoBox"));
     m_info->setTextFormat(Qt::RichText);
-    m_info->setAttribute(Qt::WA_TransparentForMouseEvents);
+    m_info->setToolTip(QStringLiteral("Trascinare per spostare il riquadro"));
+    m_info->setCursor(Qt::SizeAllCursor);
+    m_info->installEventFilter(this);
     m_info->hide();
 
-    const QDateTime now = QDateTime::currentDateTime();
     setTimeRange(now.addSecs(-3600).toMSecsSinceEpoch(), now.toMSecsSinceEpoch());
     m_followAll = true;
     applyValueRange(m_valueRange, false);
@@ -107,13 +121,8 @@ void TrendChart::applySettings(const ChartSettings &settings, int traceCount, co
     m_cursorLine->setPen(QPen(cursor, 1));
     m_info->setStyleSheet(QStringLiteral("QLabel { background: %1; border: 1px solid %2; padding: 3px; color: black; }")
                               .arg(drawnColor(settings.off2, palette()).name(), cursor.name()));
-    m_info->move(std::max(0, info.x / TwipsPerPixel), std::max(0, info.y / TwipsPerPixel));
-
-    for (int trace = 1; trace <= TrendSet::Traces; ++trace) {
-        QPen pen(traceColor(trace), 1.5);
-        for (QLineSeries *series : std::as_const(m_segments[trace - 1]))
-            series->setPen(pen);
-    }
+    m_infoAt = QPoint(info.x / TwipsPerPixel, info.y / TwipsPerPixel);
+    moveInfoTo(m_infoAt);
     applyValueRange({settings.displayMin, settings.displayMax}, false);
     scheduleRedraw();
 }
@@ -193,55 +202,52 @@ void TrendChart::redrawNow()
     redraw();
 }
 
-QLineSeries *TrendChart::segmentSeries(int trace, int index)
+QPointF TrendChart::positionOf(qint64 ms, double value) const
 {
-    QList<QLineSeries *> &pool = m_segments[trace - 1];
-    while (pool.size() <= index) {
-        auto *series = new QLineSeries;
-        series->setPen(QPen(traceColor(trace), 1.5));
-        m_chart->addSeries(series);
-        series->attachAxis(m_timeAxis);
-        series->attachAxis(m_valueAxis);
-        pool.append(series);
-    }
-    return pool[index];
+    const QRectF plot = m_chart->plotArea();
+    const double span = double(std::max<qint64>(1, m_to - m_from));
+    const double height = std::max(1e-9, m_valueRange.max - m_valueRange.min);
+    return {plot.left() + double(ms - m_from) * plot.width() / span,
+            plot.bottom() - (value - m_valueRange.min) * plot.height() / height};
 }
 
-// Each unbroken stretch of a trace is a series of its own, so gaps stay gaps; the
-// series are kept and refilled, never made again for every drawing.
+// The chart's own series would need one series per unbroken stretch to show gaps;
+// the traces are drawn by one item instead, in pixels, after the reduction to what
+// the plot's columns can show.
 void TrendChart::redraw()
 {
     m_redrawPending = false;
-    const int columns = std::max(200, int(m_chart->plotArea().width()));
+    const QRectF plot = m_chart->plotArea();
+    const int columns = std::max(200, int(plot.width()));
     m_drawnPoints = 0;
-    QList<QPointF> buffer;
+    QList<TracesItem::Trace> traces;
     for (int trace = 1; trace <= TrendSet::Traces; ++trace) {
-        std::vector<std::vector<TrendPoint>> segments;
-        if (m_points && trace <= m_traceCount && m_visible[trace - 1])
-            segments = drawnSegments(m_points->trace(trace).points(), m_from, m_to, columns);
-        for (int i = 0; i < int(segments.size()); ++i) {
-            buffer.clear();
-            buffer.reserve(qsizetype(segments[i].size()));
-            for (const TrendPoint &point : segments[i])
-                buffer.append(QPointF(qreal(point.ms), point.value));
-            QLineSeries *series = segmentSeries(trace, i);
-            series->replace(buffer);
-            series->setVisible(true);
-            m_drawnPoints += buffer.size();
+        if (!m_points || trace > m_traceCount || !m_visible[trace - 1])
+            continue;
+        TracesItem::Trace drawn{traceColor(trace), {}};
+        for (const std::vector<TrendPoint> &segment :
+             drawnSegments(m_points->trace(trace).points(), m_from, m_to, columns)) {
+            QPolygonF line;
+            line.reserve(qsizetype(segment.size()));
+            for (const TrendPoint &point : segment)
+                line.append(positionOf(point.ms, point.value));
+            m_drawnPoints += line.size();
+            drawn.stretches.append(std::move(line));
         }
-        QList<QLineSeries *> &pool = m_segments[trace - 1];
-        for (qsizetype i = qsizetype(segments.size()); i < pool.size(); ++i) {
-            if (pool[i]->count() > 0)
-                pool[i]->clear();
-            pool[i]->setVisible(false);
-        }
+        traces.append(std::move(drawn));
     }
+    m_traces->setTraces(std::move(traces), plot);
     updateInfo();
 }
 
 QColor TrendChart::traceColor(int trace) const
 {
     return drawnColor(m_settings.traceColors[trace - 1], palette());
+}
+
+const QList<TracesItem::Trace> &TrendChart::drawnTraces() const
+{
+    return m_traces->traces();
 }
 
 QString TrendChart::infoText() const
@@ -302,15 +308,60 @@ void TrendChart::placeCursor()
         m_cursorLine->hide();
         return;
     }
-    const QPointF top = m_chart->mapToPosition(QPointF(qreal(m_cursorMs), m_valueRange.max));
-    const QPointF bottom = m_chart->mapToPosition(QPointF(qreal(m_cursorMs), m_valueRange.min));
+    const QPointF top = positionOf(m_cursorMs, m_valueRange.max);
+    const QPointF bottom = positionOf(m_cursorMs, m_valueRange.min);
     m_cursorLine->setLine(QLineF(m_chart->mapToScene(top), m_chart->mapToScene(bottom)));
     m_cursorLine->show();
 }
 
 QPointF TrendChart::valueAt(const QPoint &viewPos) const
 {
-    return m_chart->mapToValue(m_chart->mapFromScene(mapToScene(viewPos)));
+    const QPointF at = m_chart->mapFromScene(mapToScene(viewPos));
+    const QRectF plot = m_chart->plotArea();
+    if (plot.width() <= 0 || plot.height() <= 0)
+        return {};
+    return {double(m_from) + (at.x() - plot.left()) * double(m_to - m_from) / plot.width(),
+            m_valueRange.min + (plot.bottom() - at.y()) * (m_valueRange.max - m_valueRange.min) / plot.height()};
+}
+
+bool TrendChart::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched != m_info)
+        return QChartView::eventFilter(watched, event);
+    switch (event->type()) {
+    case QEvent::MouseButtonPress: {
+        auto *press = static_cast<QMouseEvent *>(event);
+        if (press->button() != Qt::LeftButton)
+            return false;
+        m_infoGrab = press->position().toPoint();
+        m_movingInfo = true;
+        return true;
+    }
+    case QEvent::MouseMove:
+        if (m_movingInfo) {
+            moveInfoTo(m_info->mapToParent(static_cast<QMouseEvent *>(event)->position().toPoint()) - m_infoGrab);
+            return true;
+        }
+        return false;
+    case QEvent::MouseButtonRelease:
+        if (m_movingInfo && static_cast<QMouseEvent *>(event)->button() == Qt::LeftButton) {
+            m_movingInfo = false;
+            m_infoAt = m_info->pos();
+            emit infoMoved({m_info->x() * TwipsPerPixel, m_info->y() * TwipsPerPixel});
+            return true;
+        }
+        return false;
+    default:
+        return false;
+    }
+}
+
+// Kept whole inside the chart, so it can always be grabbed again.
+void TrendChart::moveInfoTo(QPoint topLeft)
+{
+    const QSize room = viewport()->size() - m_info->size();
+    m_info->move(std::clamp(topLeft.x(), 0, std::max(0, room.width())),
+                 std::clamp(topLeft.y(), 0, std::max(0, room.height())));
 }
 
 void TrendChart::wheelEvent(QWheelEvent *event)
@@ -381,6 +432,7 @@ void TrendChart::mouseReleaseEvent(QMouseEvent *event)
 void TrendChart::resizeEvent(QResizeEvent *event)
 {
     QChartView::resizeEvent(event);
+    moveInfoTo(m_infoAt);
     placeCursor();
     scheduleRedraw();
 }

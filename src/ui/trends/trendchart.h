@@ -3,6 +3,7 @@
 #include "storage/chartsettings.h"
 #include "trends/chartkeys.h"
 #include "trends/trendset.h"
+#include "ui/trends/tracesitem.h"
 
 #include <QChartView>
 #include <QList>
@@ -12,7 +13,6 @@
 class QDateTimeAxis;
 class QGraphicsLineItem;
 class QLabel;
-class QLineSeries;
 class QValueAxis;
 
 namespace telvane {
@@ -61,12 +61,16 @@ public:
     QString infoText() const;
     // Points handed to the chart in its last drawing, all traces together.
     qsizetype drawnPointCount() const { return m_drawnPoints; }
+    // The traces as last drawn, in the chart's coordinates.
+    const QList<TracesItem::Trace> &drawnTraces() const;
     // Draws now rather than at the next turn of the event loop.
     void redrawNow();
 
 signals:
     // The operator zoomed or scrolled the value axis.
     void valueRangeChangedByUser(double min, double max);
+    // The operator dragged the information box to a new place.
+    void infoMoved(InfoPosition position);
 
 protected:
     void wheelEvent(QWheelEvent *event) override;
@@ -75,6 +79,7 @@ protected:
     void mouseReleaseEvent(QMouseEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
     void leaveEvent(QEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
     void scheduleRedraw();
@@ -84,11 +89,13 @@ private:
     void applyValueRange(ValueRange range, bool byUser);
     QPointF valueAt(const QPoint &viewPos) const;
     QColor traceColor(int trace) const;
-    QLineSeries *segmentSeries(int trace, int index);
+    QPointF positionOf(qint64 ms, double value) const;
+    void moveInfoTo(QPoint topLeft);
 
     QChart *m_chart;
     QDateTimeAxis *m_timeAxis;
     QValueAxis *m_valueAxis;
+    TracesItem *m_traces;
     QGraphicsLineItem *m_cursorLine;
     QLabel *m_info;
 
@@ -97,7 +104,6 @@ private:
     QStringList m_names;
     int m_traceCount = 0;
     std::array<bool, TrendSet::Traces> m_visible;
-    std::array<QList<QLineSeries *>, TrendSet::Traces> m_segments;
 
     bool m_followAll = true;
     qint64 m_from = 0;
@@ -112,6 +118,9 @@ private:
     qint64 m_dragTo = 0;
     ValueRange m_dragValues{0, 0};
     bool m_dragging = false;
+    QPoint m_infoAt;
+    QPoint m_infoGrab;
+    bool m_movingInfo = false;
 };
 
 // How a stored colour is drawn, the palette standing in for the system's colours.

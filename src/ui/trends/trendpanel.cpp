@@ -88,6 +88,7 @@ TrendPanel::TrendPanel(IniStore &ini, PlantConfig &plant, QWidget *parent)
     m_saveRange->setInterval(SaveRangeDelayMs);
     connect(m_saveRange, &QTimer::timeout, this, &TrendPanel::saveValueRange);
     connect(m_chart, &TrendChart::valueRangeChangedByUser, this, [this] { m_saveRange->start(); });
+    connect(m_chart, &TrendChart::infoMoved, this, [this](InfoPosition at) { writeInfoPosition(m_ini, at); });
     connect(m_labels, &TraceLabelList::traceToggled, m_chart, &TrendChart::setTraceVisible);
     connect(m_labels, &TraceLabelList::colourRequested, this, &TrendPanel::chooseTraceColour);
 
