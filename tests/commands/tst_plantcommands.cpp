@@ -88,8 +88,6 @@ private slots:
                                            << QStringList{SwitchOnWrite};
         QTest::newRow("Img_on, switches not commanded") << Click::SwitchOnImage << true << 0 << QStringList{}
                                                         << QStringList{};
-        QTest::newRow("Img_off, switches not commanded") << Click::SwitchOffImage << false << 2 << QStringList{}
-                                                         << QStringList{};
         // The door does not look at the switches' mode.
         QTest::newRow("door standing by") << Click::DoorOpener << false << 0 << DoorPulse << QStringList{};
         QTest::newRow("door acquiring") << Click::DoorOpener << true << 0 << QStringList{} << DoorPulse;
@@ -147,8 +145,6 @@ private slots:
         const UserLevel technician{true, false};
         QTest::newRow("technician") << true << technician << "21,5 °C" << std::optional<QString>(" 22,5 ") << true
                                     << QStringList{"0c 06 0050 00e1"};
-        QTest::newRow("administrator") << true << UserLevel{false, true} << "21,5 °C"
-                                       << std::optional<QString>("22.5") << true << QStringList{"0c 06 0050 00e1"};
         // Refusals for the user's level are silent here: no box, no panel text.
         QTest::newRow("anonymous") << true << UserLevel{} << "21,5 °C" << std::optional<QString>("22,5") << false
                                    << QStringList{};
@@ -192,10 +188,8 @@ private slots:
     {
         QTest::addColumn<Click>("click");
         QTest::addColumn<bool>("acquiring");
-        QTest::newRow("switch at once") << Click::SwitchOffImage << false;
         QTest::newRow("switch from the queue") << Click::SwitchOffImage << true;
         QTest::newRow("door at once") << Click::DoorOpener << false;
-        QTest::newRow("door from the queue") << Click::DoorOpener << true;
     }
     void rightsRefusalSendsNothing()
     {
