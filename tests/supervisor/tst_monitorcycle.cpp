@@ -254,57 +254,6 @@ private slots:
         QVERIFY(fx.supervisor.Timer_Monitor().isActive());
     }
 
-    // The real interval of a tick may be shortened; the periods stay counted in ticks.
-    void tickInterval()
-    {
-        CycleFixture fx(0, 2, 0);
-        fx.supervisor.setMonitorIntervalMs(50);
-        fx.supervisor.load();
-        fx.supervisor.SetAcquisitionState(true);
-        fx.supervisor.MonitorCycle();
-        QVERIFY(fx.takeRequests().isEmpty());
-        fx.supervisor.MonitorCycle();
-        QCOMPARE(fx.takeRequests().value(0), MeasurementRead);
-        QCOMPARE(fx.supervisor.Timer_Monitor().interval(), 50);
-    }
-
-    void pollAnswersDriveTheCounts_data()
-    {
-        QTest::addColumn<bool>("remote");
-        QTest::addColumn<bool>("answers");
-        QTest::addColumn<QList<int>>("counts"); // zone, switch, LED; each 3 before the tick
-        QTest::addColumn<RemoteState>("zoneState");
-        // A LED's answer is not looked at: only its failure counts.
-        QTest::newRow("remote, answering") << true << true << QList<int>{0, 0, 3} << RemoteState::Remote;
-        QTest::newRow("remote, silent") << true << false << QList<int>{4, 4, 4} << RemoteState::Unknown;
-        QTest::newRow("local, echoed") << false << true << QList<int>{0, 0, 3} << RemoteState::Local;
-        QTest::newRow("local, silent") << false << false << QList<int>{4, 4, 4} << RemoteState::Unknown;
-    }
-    void pollAnswersDriveTheCounts()
-    {
-        QFETCH(bool, remote);
-        QFETCH(bool, answers);
-        QFETCH(QList<int>, counts);
-        QFETCH(RemoteState, zoneState);
-        CycleFixture fx(1, 0, 0);
-        fx.rt.editor.comm.remoteEnabled = remote;
-        if (!answers)
-            fx.slaves.clear();
-        for (int i = 0; i < 3; ++i) {
-            fx.rt.alarms.ReportZoneFailure(0);
-            fx.rt.alarms.ReportSwitchFailure(0);
-            fx.rt.alarms.ReportLedFailure(0);
-        }
-        fx.rt.items.zoneRemote[0] = RemoteState::Local;
-        fx.supervisor.SetAcquisitionState(true);
-
-        fx.supervisor.MonitorCycle();
-        const AlarmBook &alarms = fx.rt.alarms;
-        QCOMPARE((QList<int>{alarms.FailCount(AlarmItemKind::Zone, 0), alarms.FailCount(AlarmItemKind::Switch, 0),
-                             alarms.FailCount(AlarmItemKind::Led, 0)}),
-                 counts);
-        QCOMPARE(fx.rt.items.zoneRemote[0], zoneState);
-    }
 };
 
 QTEST_GUILESS_MAIN(TestMonitorCycle)

@@ -61,10 +61,6 @@ private slots:
         QCOMPARE(supervisor.acquisitionButtonImage(), Supervisor::StandbyImage);
         QVERIFY(!supervisor.AcquisitionRunning() && supervisor.AutoStartPending());
         QCOMPARE(fx.rt.alarms.FailCount(AlarmItemKind::Switch, 0), 0);
-        QCOMPARE(supervisor.Timer_Monitor().interval(), 1000);
-        QCOMPARE(supervisor.Timer_Lampeggio().interval(), 700);
-        QCOMPARE(supervisor.TimerAutoStart().interval(), 10000);
-        QVERIFY(supervisor.TimerAutoStart().isSingleShot());
         QVERIFY(!supervisor.Timer_Monitor().isActive() && !supervisor.TimerAutoStart().isActive());
         for (const char *folder : {"Dati", "Crono", "Ricetta"})
             QVERIFY2(QDir(fx.dir.filePath(QLatin1String(folder))).exists(), folder);
@@ -269,7 +265,6 @@ private slots:
         fx.rt.master.setCommunicate(false);
         supervisor.armAutoStart(true);
         QVERIFY(supervisor.TimerAutoStart().isActive());
-        QCOMPARE(supervisor.Timer_Lampeggio().interval(), 350);
         QCOMPARE(fx.rt.statusBar.panel(StatusBar::MessagePanel), QStringLiteral("Avvio in corso..."));
         QCOMPARE(blinkImages(supervisor, 4), (QList<int>{3, 4, 3, 4}));
         QVERIFY(supervisor.Timer_Lampeggio().isActive());
@@ -278,7 +273,6 @@ private slots:
         QVERIFY(!supervisor.AutoStartPending());
         QVERIFY(supervisor.AcquisitionRunning());
         QVERIFY(!supervisor.AlarmBlinkActive());
-        QCOMPARE(supervisor.Timer_Lampeggio().interval(), 700);
         QCOMPARE(supervisor.acquisitionButtonImage(), Supervisor::AcquiringImage);
         QCOMPARE(fx.rt.statusBar.panel(StatusBar::MessagePanel), QString());
     }
@@ -323,34 +317,6 @@ private slots:
         QVERIFY(!supervisor.Timer_Lampeggio().isActive());
     }
 
-    // The demo plant simulated for ten minutes: the start's round and one a minute reach
-    // the day's file, each with a field per zone.
-    void demoPlantInSimulation()
-    {
-        RuntimeFixture fx;
-        const QDir demo(QStringLiteral(TELVANE_SOURCE_DIR "/demo/plant"));
-        for (const QString &name : demo.entryList({QStringLiteral("*.ini")}, QDir::Files))
-            QVERIFY(QFile::copy(demo.filePath(name), fx.dir.filePath(name)));
-        Supervisor supervisor(fx.rt);
-        supervisor.setCommunicateWithInstruments(false);
-        supervisor.startUp();
-        const int zones = fx.rt.plant.zoneCount();
-        QVERIFY(zones > 0);
-
-        supervisor.MenuStart();
-        for (int tick = 0; tick < 600; ++tick) {
-            fx.clock.advance(1000);
-            supervisor.MonitorCycle();
-        }
-        QVERIFY(fx.line.requests().isEmpty());
-        QCOMPARE(fx.pause.pauses(), QList<int>(11, 250));
-        QFile log(fx.dir.filePath(QStringLiteral("Dati/2026_11_14.csv")));
-        QVERIFY(log.open(QIODevice::ReadOnly));
-        const QList<QByteArray> lines = log.readAll().split('\n');
-        QCOMPARE(lines.size(), 11 + 1);
-        for (int i = 0; i < 11; ++i)
-            QVERIFY(lines[i].endsWith(";\r") && lines[i].count(';') == 1 + zones);
-    }
 };
 
 QTEST_GUILESS_MAIN(TestSupervisor)
