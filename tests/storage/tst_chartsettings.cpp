@@ -56,24 +56,6 @@ private slots:
         QCOMPARE(LoadChartSettings(store, {"A"}).traceColors[4], builtIn.traceColors[4]);
     }
 
-    void traceLabels_data()
-    {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<QString>("label");
-        QTest::newRow("25 characters, blank at the cut") << "Laboratorio analisi  Nord" << "Laboratorio analisi";
-        QTest::newRow("accents count as one") << QString::fromUtf8("Àtrio è più lungo di venti")
-                                              << QString::fromUtf8("Àtrio è più lungo di");
-    }
-    void traceLabels()
-    {
-        QFETCH(QString, name);
-        QFETCH(QString, label);
-        const ChartSettings chart = LoadChartSettings(m_dir.store(""), {"Primo", name});
-        QCOMPARE(chart.traceLabels[1], label);
-        QCOMPARE(chart.traceToolTips[1], "Doppio click per modificare il colore della traccia <" + name + ">");
-        QCOMPARE(chart.traceLabels[2], QStringLiteral("--------"));
-        QVERIFY(chart.traceToolTips[2].isEmpty());
-    }
 };
 
 QTEST_GUILESS_MAIN(TestChartSettings)

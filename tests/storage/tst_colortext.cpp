@@ -17,20 +17,13 @@ private slots:
         QTest::addColumn<OptionalColour>("colour");
         const auto row = [](const QString &text, OptionalColour colour) { QTest::addRow("%s", qPrintable(text)) << text << colour; };
         row("&h80ff", 0x80FF);
-        row("&H800000&", 0x800000);
         row("&H0000000000FF", 0xFF);
-        row("  &HC0C0C0 ", 0xC0C0C0);
         row("16777215", 0xFFFFFF);
         row("-32513", 0xFFFF80FF);
-        row("4294967295", 0xFFFFFFFF);
         row("&H1FFFFFFFF", std::nullopt);
         row("4294967296", std::nullopt);
-        row("-2147483649", std::nullopt);
-        row("&H", std::nullopt);
         row("&HGG00", std::nullopt);
         row("&H-FF", std::nullopt);
-        row("12.5", std::nullopt);
-        row("", std::nullopt);
     }
     void parse()
     {

