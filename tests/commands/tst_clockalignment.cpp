@@ -61,7 +61,6 @@ private slots:
         const auto setTo = [](const char *time, bool aligns = false) { return ClockStep{Move::SetTo, QTime::fromString(time), aligns}; };
         QTest::newRow("at the first tick, then at the next hour")
             << ClockSteps{runTo("10:20:00", true), runTo("10:20:01"), runTo("10:59:59"), runTo("11:00:00", true), runTo("11:00:01")};
-        QTest::newRow("midnight") << ClockSteps{runTo("23:59:59", true), runTo("00:00:00", true)};
         QTest::newRow("PC clock set back") << ClockSteps{runTo("10:20:00", true), setTo("10:15:00", true), runTo("10:15:01")};
         QTest::newRow("PC clock corrected by thirty seconds") << ClockSteps{runTo("10:20:00", true), setTo("10:20:30")};
         QTest::newRow("acquisition restarted")

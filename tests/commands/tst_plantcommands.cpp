@@ -148,12 +148,8 @@ private slots:
         // Refusals for the user's level are silent here: no box, no panel text.
         QTest::newRow("anonymous") << true << UserLevel{} << "21,5 °C" << std::optional<QString>("22,5") << false
                                    << QStringList{};
-        QTest::newRow("standing by") << false << technician << "21,5 °C" << std::optional<QString>("22,5") << false
-                                     << QStringList{};
         QTest::newRow("no valid reading") << true << technician << "--.-" << std::optional<QString>("22,5") << false
                                           << QStringList{};
-        QTest::newRow("empty answer") << true << technician << "21,5 °C" << std::optional<QString>("  ") << true
-                                      << QStringList{};
         QTest::newRow("cancel") << true << technician << "21,5 °C" << std::optional<QString>() << true
                                 << QStringList{};
     }
