@@ -131,7 +131,6 @@ private slots:
     {
         QTest::addColumn<QString>("port");
         QTest::addColumn<QString>("named");
-        QTest::newRow("not a terminal") << "/etc/hostname" << "/etc/hostname";
         QTest::newRow("numbered port beyond the machine") << "255" << "/dev/ttyS254";
     }
     void portThatCannotBeOpened()
