@@ -16,8 +16,6 @@ private slots:
         QTest::addColumn<int>("exitCode");
         QTest::addColumn<QString>("named"); // in the help on standard output, or the message on standard error
         QTest::newRow("help") << "--help" << 0 << "--repeat";
-        QTest::newRow("no slave") << "--port 1 --fc 3 --address 1" << 2 << "--slave";
-        QTest::newRow("bad stop bits") << "--port 1 --slave 1 --fc 3 --address 1 --format 9600,N,8,3" << 2 << "bit di stop";
         QTest::newRow("port naming no device") << "--port ?? --slave 1 --fc 3 --address 1" << 2 << "??";
     }
     void commandLine()

@@ -66,17 +66,6 @@ private slots:
             QVERIFY2(QDir(plant).exists(QLatin1String(name)), name);
     }
 
-    void bothModesAreRefused()
-    {
-        QProcess telvane;
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
-        telvane.setProcessEnvironment(environment);
-        telvane.start(QStringLiteral(TELVANE_PROGRAM), {"--simulate", "--communicate"});
-        QVERIFY(telvane.waitForFinished(60000));
-        QCOMPARE(telvane.exitCode(), 2);
-        QVERIFY(telvane.readAllStandardError().contains("--simulate e --communicate"));
-    }
 };
 
 QTEST_GUILESS_MAIN(TestWindowStart)
