@@ -88,6 +88,8 @@ private slots:
                                            << QStringList{SwitchOnWrite};
         QTest::newRow("Img_on, switches not commanded") << Click::SwitchOnImage << true << 0 << QStringList{}
                                                         << QStringList{};
+        QTest::newRow("Img_off, switches not commanded") << Click::SwitchOffImage << false << 2 << QStringList{}
+                                                         << QStringList{};
         // The door does not look at the switches' mode.
         QTest::newRow("door standing by") << Click::DoorOpener << false << 0 << DoorPulse << QStringList{};
         QTest::newRow("door acquiring") << Click::DoorOpener << true << 0 << QStringList{} << DoorPulse;

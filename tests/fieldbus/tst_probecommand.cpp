@@ -32,6 +32,8 @@ private slots:
                                     << ProbeCommand{.port = "2", .slave = 1, .functionCode = 5, .value = 65280};
         QTest::newRow("broadcast, lowest value") << "--port 2 --slave 0 --fc 6 --address 7 --value -32768"
                                                  << ProbeCommand{.port = "2", .functionCode = 6, .address = 7, .value = -32768};
+        QTest::newRow("diagnostics write") << "--port 2 --slave 1 --fc 8 --address 0 --value 4660"
+                                           << ProbeCommand{.port = "2", .slave = 1, .functionCode = 8, .value = 4660};
         QTest::newRow("options with =") << "--port=/dev/pts/3 --slave=9 --fc=1 --address=12"
                                         << ProbeCommand{.port = "/dev/pts/3", .slave = 9, .functionCode = 1, .address = 12};
     }

@@ -94,6 +94,7 @@ private slots:
         QTest::addColumn<QString>("expected");
         QTest::newRow("same size, same time") << false << QByteArray("[A]\r\nk=2\r\n") << "2";
         QTest::newRow("same size, same time, after our write") << true << QByteArray("[A]\r\nk=2\r\n") << "2";
+        QTest::newRow("key removed") << false << QByteArray("[A]\r\n") << "default";
         QTest::newRow("file deleted") << true << QByteArray() << "default";
     }
     void editByAnotherProgramIsSeen()
@@ -118,6 +119,20 @@ private slots:
                 setModified(path, before);
         }
         QCOMPARE(store.ReadIniKey("A", "k", "default"), expected);
+    }
+
+    void aTrustedEntryStillSeesNewStamps()
+    {
+        SettingsFolder dir;
+        dir.write("x.ini", "[A]\r\nk=1\r\n");
+        const QString path = dir.path("x.ini");
+        IniFileCache cache(-1);
+        QCOMPARE(cache.load(path)->value("A", "k"), QStringLiteral("1"));
+        QCOMPARE(cache.load(path)->value("A", "k"), QStringLiteral("1"));
+        const QDateTime time = modified(path);
+        dir.write("x.ini", "[A]\r\nk=2\r\n");
+        setModified(path, time.addSecs(5));
+        QCOMPARE(cache.load(path)->value("A", "k"), QStringLiteral("2"));
     }
 
     void writeFailureKeepsTheOldFile_data()
@@ -210,6 +225,27 @@ private slots:
         QVERIFY2(WIFSIGNALED(status) && WTERMSIG(status) == SIGXFSZ, "the writer was not killed mid-write");
         QCOMPARE(dir.read(SettingsFolder::Industrial), old);
         QCOMPARE(store.ReadIniKey("Zona 01", "Nome", ""), QStringLiteral("Sala"));
+    }
+
+    void unchangedValueIsNotRewritten()
+    {
+        SettingsFolder dir;
+        IniStore store = dir.store("[A]\r\nk=1\r\n");
+        const QString path = dir.path(SettingsFolder::Industrial);
+        const QDateTime old(QDate(2020, 3, 1), QTime(12, 0));
+        setModified(path, old);
+        QVERIFY(store.WriteIniKey("a", "K", "1"));
+        QCOMPARE(modified(path), old);
+    }
+
+    void readIniKeyFromNamedFiles()
+    {
+        SettingsFolder dir;
+        dir.write("Ricetta/Estate.prg", "[Zona 01]\r\nSP=\"22.5\"\r\n");
+        const IniStore store(dir.folder());
+        QCOMPARE(store.ReadIniKeyFrom("Zona 01", "SP", "", "Ricetta/Estate.prg"), QStringLiteral("22.5"));
+        QCOMPARE(store.ReadIniKeyFrom("zona 01", "sp", "", dir.path("Ricetta/Estate.prg")), QStringLiteral("22.5"));
+        QCOMPARE(store.ReadIniKeyFrom("Zona 01", "SP", "none", "Ricetta/Inverno.prg"), QStringLiteral("none"));
     }
 
     // What a save killed half-way leaves beside the settings, chrono and recipe files is

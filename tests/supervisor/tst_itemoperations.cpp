@@ -144,6 +144,16 @@ private slots:
         QCOMPARE(fx.takeRequests(), QStringList{RuntimeFixture::request(1, 3, 0, 1)});
     }
 
+    void indexOutsideThePlant()
+    {
+        RuntimeFixture fx;
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression("No zone with index 30"));
+        QVERIFY(!ZoneRemoteRead(fx.rt, 30));
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression("No LED with index 10"));
+        QVERIFY(!LedRemoteRead(fx.rt, 10));
+        QVERIFY(fx.line.requests().isEmpty());
+    }
+
     void switchStateRule_data()
     {
         QTest::addColumn<bool>("onUsed");

@@ -254,6 +254,42 @@ private slots:
         QVERIFY(fx.supervisor.Timer_Monitor().isActive());
     }
 
+    void pollAnswersDriveTheCounts_data()
+    {
+        QTest::addColumn<bool>("remote");
+        QTest::addColumn<bool>("answers");
+        QTest::addColumn<QList<int>>("counts"); // zone, switch, LED; each 3 before the tick
+        QTest::addColumn<RemoteState>("zoneState");
+        // A LED's answer is not looked at: only its failure counts.
+        QTest::newRow("remote, answering") << true << true << QList<int>{0, 0, 3} << RemoteState::Remote;
+        QTest::newRow("local, silent") << false << false << QList<int>{4, 4, 4} << RemoteState::Unknown;
+    }
+
+    void pollAnswersDriveTheCounts()
+    {
+        QFETCH(bool, remote);
+        QFETCH(bool, answers);
+        QFETCH(QList<int>, counts);
+        QFETCH(RemoteState, zoneState);
+        CycleFixture fx(1, 0, 0);
+        fx.rt.editor.comm.remoteEnabled = remote;
+        if (!answers)
+            fx.slaves.clear();
+        for (int i = 0; i < 3; ++i) {
+            fx.rt.alarms.ReportZoneFailure(0);
+            fx.rt.alarms.ReportSwitchFailure(0);
+            fx.rt.alarms.ReportLedFailure(0);
+        }
+        fx.rt.items.zoneRemote[0] = RemoteState::Local;
+        fx.supervisor.SetAcquisitionState(true);
+
+        fx.supervisor.MonitorCycle();
+        const AlarmBook &alarms = fx.rt.alarms;
+        QCOMPARE((QList<int>{alarms.FailCount(AlarmItemKind::Zone, 0), alarms.FailCount(AlarmItemKind::Switch, 0),
+                             alarms.FailCount(AlarmItemKind::Led, 0)}),
+                 counts);
+        QCOMPARE(fx.rt.items.zoneRemote[0], zoneState);
+    }
 };
 
 QTEST_GUILESS_MAIN(TestMonitorCycle)
