@@ -41,7 +41,7 @@ int main(int argc, char **argv)
     supervisor.setCommunicateWithInstruments(false);
     supervisor.startUp();
     supervisor.setMonitorIntervalMs(50);
-    rt.user.IsAdministrator = true;
+    rt.services.user.IsAdministrator = true;
     RecordingCamera camera;
     Sinottico synoptic(synopticSources(rt), supervisor, camera);
     synoptic.resize(1280, 860);

@@ -39,16 +39,16 @@ void BM_SynopticRefresh(benchmark::State &state)
     for (auto _ : state) {
         ++round;
         for (int zone = 0; zone < 30; ++zone) {
-            rt.values.zoneValue(zone, ZoneQuantity::PV) = 18.0f + float((zone + round) % 50) / 10.0f;
-            rt.values.zoneValue(zone, ZoneQuantity::SP) = 20.0f + float(round % 2) / 2.0f;
+            rt.model.values.zoneValue(zone, ZoneQuantity::PV) = 18.0f + float((zone + round) % 50) / 10.0f;
+            rt.model.values.zoneValue(zone, ZoneQuantity::SP) = 20.0f + float(round % 2) / 2.0f;
         }
         for (int i = 0; i < 10; ++i) {
-            rt.items.switches[i] = round % 2 ? SwitchState::On : SwitchState::Off;
-            rt.items.leds[i].lit = round % 2;
+            rt.services.items.switches[i] = round % 2 ? SwitchState::On : SwitchState::Off;
+            rt.services.items.leds[i].lit = round % 2;
         }
-        emit rt.synoptic.zoneTextsChanged();
-        emit rt.synoptic.switchStatesChanged();
-        emit rt.synoptic.ledLampsChanged();
+        emit rt.display.synoptic.zoneTextsChanged();
+        emit rt.display.synoptic.switchStatesChanged();
+        emit rt.display.synoptic.ledLampsChanged();
         if (repaint)
             synoptic.view()->viewport()->repaint();
     }

@@ -6,7 +6,8 @@
 #include "storage/chronoslots.h"
 #include "storage/numbertext.h"
 #include "storage/valueconversion.h"
-#include "supervisor/runtime.h"
+#include "fieldbus/modbusmaster.h"
+#include "supervisor/plantmodel.h"
 
 #include <algorithm>
 
@@ -18,19 +19,21 @@ constexpr int Sunday = ChronoSchedule::Days - 1;
 
 } // namespace
 
-ChronoThermostat::ChronoThermostat(Runtime &rt)
-    : m_rt(rt)
+ChronoThermostat::ChronoThermostat(const PlantModel &model, ModbusMaster &master, const Clock &clock)
+    : m_model(model)
+    , m_master(master)
+    , m_clock(clock)
 {
 }
 
 bool ChronoThermostat::runTick()
 {
-    if (!m_rt.editor.chronoThermostat) {
+    if (!m_model.editor.chronoThermostat) {
         // Switching the option on later sends the slot of that moment at once.
         restart();
         return false;
     }
-    const QDateTime now = m_rt.clock.now();
+    const QDateTime now = m_clock.now();
     const int slot = chronoSlotAt(now.time());
     if (slot < 0)
         return false;
@@ -44,14 +47,14 @@ bool ChronoThermostat::runTick()
 
 bool ChronoThermostat::sendSlot(const QDate &date, int slot)
 {
-    const int day = m_rt.holidays.containsDate(date) ? Sunday : date.dayOfWeek() - 1;
-    const int quantity = m_rt.plant.zoneDisplay.chronoQuantity;
-    const ZoneTable &table = m_rt.editor.tables.ZoneWriteTable;
-    const int zones = std::clamp(m_rt.plant.zoneCount(), 0, ChronoSchedule::Zones);
+    const int day = m_model.holidays.containsDate(date) ? Sunday : date.dayOfWeek() - 1;
+    const int quantity = m_model.plant.zoneDisplay.chronoQuantity;
+    const ZoneTable &table = m_model.editor.tables.ZoneWriteTable;
+    const int zones = std::clamp(m_model.plant.zoneCount(), 0, ChronoSchedule::Zones);
     int sent = 0;
 
     for (int zone = 0; zone < zones; ++zone) {
-        if (!m_rt.editor.chronoZoneEnabled[zone])
+        if (!m_model.editor.chronoZoneEnabled[zone])
             continue;
         const std::optional<ZoneWriteRegister> target = zoneWriteRegister(table, zone, quantity);
         if (!target) {
@@ -60,7 +63,7 @@ bool ChronoThermostat::sendSlot(const QDate &date, int slot)
             continue;
         }
 
-        const float setPoint = m_rt.chrono(slot, zone, day);
+        const float setPoint = m_model.chrono(slot, zone, day);
         // Scaled as an operator's value would be: extra decimals are cut, never rounded.
         const QString text = formatFixed(setPoint, 3);
         const std::optional<qint16> raw = registerFromText(text, target->decimals);
@@ -69,7 +72,7 @@ bool ChronoThermostat::sendSlot(const QDate &date, int slot)
                                   << "does not fit a register with" << target->decimals << "decimals";
             continue;
         }
-        const qint32 echo = m_rt.master.WriteRegister(target->functionCode, target->registerNumber, *raw, target->slave);
+        const qint32 echo = m_master.WriteRegister(target->functionCode, target->registerNumber, *raw, target->slave);
         ++sent;
         if (echo != *raw)
             qCWarning(lcCommands, "Chrono-thermostat: zone %d slot %s: the instrument echoed %d for %d", zone + 1,

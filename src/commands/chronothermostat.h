@@ -6,7 +6,9 @@
 
 namespace telvane {
 
-struct Runtime;
+class Clock;
+class ModbusMaster;
+struct PlantModel;
 
 // Runs the weekly chrono-thermostat: at each quarter-hour of the PC clock, every zone
 // that follows it gets the set point of the current slot and weekday, written to the
@@ -21,7 +23,7 @@ struct Runtime;
 class ChronoThermostat final : public CycleTask
 {
 public:
-    explicit ChronoThermostat(Runtime &rt);
+    ChronoThermostat(const PlantModel &model, ModbusMaster &master, const Clock &clock);
 
     bool runTick() override;
     void acquisitionStarted() override { restart(); }
@@ -34,7 +36,9 @@ private:
     // True when something was written.
     bool sendSlot(const QDate &date, int slot);
 
-    Runtime &m_rt;
+    const PlantModel &m_model;
+    ModbusMaster &m_master;
+    const Clock &m_clock;
     // When the slot last sent began; invalid when nothing was sent since a restart.
     QDateTime m_lastSlotStart;
 };

@@ -5,7 +5,8 @@
 #include "storage/numberkeys.h"
 #include "storage/registerkey.h"
 #include "storage/sectionnames.h"
-#include "supervisor/runtime.h"
+#include "fieldbus/modbusmaster.h"
+#include "supervisor/plantmodel.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -25,16 +26,18 @@ bool isRegisterWrite(int functionCode)
 
 } // namespace
 
-ClockAlignment::ClockAlignment(Runtime &rt)
-    : m_rt(rt)
+ClockAlignment::ClockAlignment(const PlantModel &model, ModbusMaster &master, const Clock &clock)
+    : m_model(model)
+    , m_master(master)
+    , m_clock(clock)
 {
 }
 
 bool ClockAlignment::runTick()
 {
-    if (m_rt.mode.CivilMode)
+    if (m_model.mode.CivilMode)
         return false;
-    if (!due(m_rt.clock.now(), m_rt.clock.monotonicMs()))
+    if (!due(m_clock.now(), m_clock.monotonicMs()))
         return false;
     return alignNow().sent > 0;
 }
@@ -56,13 +59,13 @@ ClockAlignment::Result ClockAlignment::alignNow()
 {
     // One reading of the clock for every instrument, so that none gets the hour before a
     // change and the minute after it.
-    const QDateTime now = m_rt.clock.now();
+    const QDateTime now = m_clock.now();
     m_aligned = true;
     m_alignedAt = now;
-    m_alignedAtMonotonicMs = m_rt.clock.monotonicMs();
+    m_alignedAtMonotonicMs = m_clock.monotonicMs();
 
     Result result;
-    const int zones = std::clamp(m_rt.plant.zoneCount(), 0, MaxZones);
+    const int zones = std::clamp(m_model.plant.zoneCount(), 0, MaxZones);
     for (int zone = 0; zone < zones; ++zone)
         alignZone(zone, now, result);
     if (result.failed > 0)
@@ -72,7 +75,7 @@ ClockAlignment::Result ClockAlignment::alignNow()
 
 void ClockAlignment::alignZone(int zone, const QDateTime &now, Result &result)
 {
-    const int slave = m_rt.editor.tables.ZoneWriteTable.at(zone, ZoneSlot::Address);
+    const int slave = m_model.editor.tables.ZoneWriteTable.at(zone, ZoneSlot::Address);
     if (slave < 1 || slave > 255)
         return;
     writeClockValue(zone, slave, HourKey, now.time().hour(), result);
@@ -83,7 +86,7 @@ void ClockAlignment::alignZone(int zone, const QDateTime &now, Result &result)
 void ClockAlignment::writeClockValue(int zone, int slave, const QString &key, int value, Result &result)
 {
     const QString section = zoneSection(zone);
-    const QString text = m_rt.ini.ReadIniKey(section, key, QString());
+    const QString text = m_model.ini.ReadIniKey(section, key, QString());
     RegisterKeyProblem problem = RegisterKeyProblem::None;
     const std::optional<RegisterKey> reg = parseRegisterKey(text, &problem);
     if (!reg) {
@@ -96,7 +99,7 @@ void ClockAlignment::writeClockValue(int zone, int slave, const QString &key, in
         return;
     }
     ++result.sent;
-    const qint32 echo = m_rt.master.WriteRegister(reg->functionCode, reg->registerNumber, value, slave);
+    const qint32 echo = m_master.WriteRegister(reg->functionCode, reg->registerNumber, value, slave);
     if (echo != value) {
         ++result.failed;
         qCWarning(lcCommands, "Clock alignment: zone %d %s: the instrument echoed %d for %d", zone + 1,

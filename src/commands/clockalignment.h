@@ -7,7 +7,9 @@
 
 namespace telvane {
 
-struct Runtime;
+class Clock;
+class ModbusMaster;
+struct PlantModel;
 
 // Keeps the clocks of the instruments on the PC's time in industrial mode
 // ("Impostazioni orologio"). Each zone whose section holds the keys `Ora_w`,
@@ -30,7 +32,7 @@ public:
 
     static constexpr qint64 ClockSetThresholdMs = 60 * 1000;
 
-    explicit ClockAlignment(Runtime &rt);
+    ClockAlignment(const PlantModel &model, ModbusMaster &master, const Clock &clock);
 
     // Industrial mode only; in civil mode the chrono-thermostat keeps the time.
     bool runTick() override;
@@ -44,7 +46,9 @@ private:
     void alignZone(int zone, const QDateTime &now, Result &result);
     void writeClockValue(int zone, int slave, const QString &key, int value, Result &result);
 
-    Runtime &m_rt;
+    const PlantModel &m_model;
+    ModbusMaster &m_master;
+    const Clock &m_clock;
     bool m_aligned = false;
     QDateTime m_alignedAt;
     qint64 m_alignedAtMonotonicMs = 0;

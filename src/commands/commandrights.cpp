@@ -14,12 +14,12 @@ constexpr int RefusalMs = 1000;
 
 bool checkCommandRights(Runtime &rt)
 {
-    if (rt.user.hasCommandRights())
+    if (rt.services.user.hasCommandRights())
         return true;
     qCInfo(lcCommands, "Command refused: no user with rights is logged in");
-    rt.statusBar.setPanel(StatusBar::MessagePanel, QStringLiteral("Privilegi insufficienti"));
-    rt.pause.pause(RefusalMs);
-    rt.statusBar.setPanel(StatusBar::MessagePanel, QString());
+    rt.display.statusBar.setPanel(StatusBar::MessagePanel, QStringLiteral("Privilegi insufficienti"));
+    rt.devices.pause.pause(RefusalMs);
+    rt.display.statusBar.setPanel(StatusBar::MessagePanel, QString());
     return false;
 }
 

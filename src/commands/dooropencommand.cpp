@@ -38,7 +38,7 @@ bool configured(const DoorTable &table)
 
 bool send(Runtime &rt, int slave, const DoorWrite &write, const char *what)
 {
-    const qint32 echo = rt.master.WriteRegister(write.functionCode, write.registerNumber, write.value, slave);
+    const qint32 echo = rt.services.master.WriteRegister(write.functionCode, write.registerNumber, write.value, slave);
     if (switchEchoConfirms(write.functionCode, write.value, echo))
         return true;
     qCWarning(lcCommands, "Door %s: the instrument echoed %d for %d", what, echo, write.value);
@@ -52,24 +52,24 @@ CommandOutcome DoorOpenCommand(Runtime &rt, Prompts &prompts)
     if (!checkCommandRights(rt))
         return CommandOutcome::Refused;
 
-    const DoorTable &table = rt.editor.tables.DoorWriteTable;
+    const DoorTable &table = rt.model.editor.tables.DoorWriteTable;
     if (!configured(table)) {
         qCInfo(lcCommands, "The door opener has no On_w or Off_w: nothing sent");
         return CommandOutcome::NotConfigured;
     }
 
-    rt.statusBar.setPanel(StatusBar::MessagePanel, QStringLiteral("Apertura porta..."));
+    rt.display.statusBar.setPanel(StatusBar::MessagePanel, QStringLiteral("Apertura porta..."));
     const int slave = table.at(0, DoorSlot::Address);
     const bool opened = send(rt, slave, doorWrite(table, DoorSlot::OnFunction, DoorSlot::OnRegister, DoorSlot::ValOn),
                              "opening");
-    rt.pause.pause(std::max(rt.editor.doorPulseMs, 0));
+    rt.devices.pause.pause(std::max(rt.model.editor.doorPulseMs, 0));
     const bool released = send(
         rt, slave, doorWrite(table, DoorSlot::OffFunction, DoorSlot::OffRegister, DoorSlot::ValOff), "release");
 
-    const QString sound = rt.plant.synoptic.doorSound;
+    const QString sound = rt.model.plant.synoptic.doorSound;
     if (!sound.isEmpty())
-        rt.sound.play(rt.ini.folder().filePath(sound));
-    rt.statusBar.setPanel(StatusBar::MessagePanel, QString());
+        rt.devices.sound.play(rt.model.ini.folder().filePath(sound));
+    rt.display.statusBar.setPanel(StatusBar::MessagePanel, QString());
 
     if (opened && released)
         return CommandOutcome::Confirmed;

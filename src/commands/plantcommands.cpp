@@ -33,7 +33,7 @@ bool PlantCommands::acquiring() const
 
 void PlantCommands::switchOnImageClicked(int sw)
 {
-    if (m_rt.plant.SwitchControlMode != 1 || !acquiring())
+    if (m_rt.model.plant.SwitchControlMode != 1 || !acquiring())
         return;
     m_queue.PendingSwitchOff = sw;
     runNow([&] { return SwitchCommand(m_rt, m_prompts, sw, false); });
@@ -41,7 +41,7 @@ void PlantCommands::switchOnImageClicked(int sw)
 
 void PlantCommands::switchOffImageClicked(int sw)
 {
-    if (m_rt.plant.SwitchControlMode != 1)
+    if (m_rt.model.plant.SwitchControlMode != 1)
         return;
     if (acquiring() || !runNow([&] { return SwitchCommand(m_rt, m_prompts, sw, true); }))
         m_queue.PendingSwitchOn = sw;
@@ -56,7 +56,7 @@ void PlantCommands::doorOpenerClicked()
 void PlantCommands::zoneValueDoubleClicked(int zone, const QString &shownText)
 {
     m_queue.PendingSetValue = false;
-    if (!acquiring() || !m_rt.user.hasCommandRights())
+    if (!acquiring() || !m_rt.services.user.hasCommandRights())
         return;
     if (shownText.trimmed() == NoReading)
         return;
@@ -87,11 +87,11 @@ void PlantCommands::queueSetValue(int zone, const QString &valueText)
 
 bool PlantCommands::runNow(const std::function<CommandOutcome()> &command)
 {
-    if (m_rt.lineHolds.held() || m_rt.master.busy()) {
+    if (m_rt.services.lineHolds.held() || m_rt.services.master.busy()) {
         qCInfo(lcCommands, "The line is in use: the command waits for the next tick");
         return false;
     }
-    const LineHold hold(m_rt.lineHolds);
+    const LineHold hold(m_rt.services.lineHolds);
     told(command());
     return true;
 }

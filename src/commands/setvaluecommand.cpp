@@ -24,8 +24,8 @@ CommandOutcome SetValueCommand(Runtime &rt, Prompts &prompts, int zone, const QS
     if (!itemIndexValid("zone", zone, MaxZones))
         return CommandOutcome::NotConfigured;
 
-    const int quantity = rt.plant.zoneDisplay.textQuantity;
-    const std::optional<ZoneWriteRegister> target = zoneWriteRegister(rt.editor.tables.ZoneWriteTable, zone, quantity);
+    const int quantity = rt.model.plant.zoneDisplay.textQuantity;
+    const std::optional<ZoneWriteRegister> target = zoneWriteRegister(rt.model.editor.tables.ZoneWriteTable, zone, quantity);
     if (!target) {
         qCWarning(lcCommands, "Zone %d has no write register for quantity %d: value not sent", zone + 1, quantity);
         prompts.warning(BoxTitle, QStringLiteral("La zona non ha un registro di scrittura per questo valore: "
@@ -43,17 +43,17 @@ CommandOutcome SetValueCommand(Runtime &rt, Prompts &prompts, int zone, const QS
         return CommandOutcome::Refused;
     }
 
-    rt.statusBar.setPanel(StatusBar::MessagePanel, QStringLiteral("Impostazione..."));
-    const qint32 echo = rt.master.WriteRegister(target->functionCode, target->registerNumber, *raw, target->slave);
-    rt.statusBar.setPanel(StatusBar::MessagePanel, QString());
+    rt.display.statusBar.setPanel(StatusBar::MessagePanel, QStringLiteral("Impostazione..."));
+    const qint32 echo = rt.services.master.WriteRegister(target->functionCode, target->registerNumber, *raw, target->slave);
+    rt.display.statusBar.setPanel(StatusBar::MessagePanel, QString());
     if (echo != *raw) {
         qCWarning(lcCommands, "Zone %d: the instrument echoed %d for %d", zone + 1, echo, int(*raw));
         prompts.warning(BoxTitle, QStringLiteral("Attenzione: Il valore potrebbe non essere stato impostato a causa "
                                                  "di un errore di comunicazione."));
         return CommandOutcome::Doubtful;
     }
-    rt.values.ZoneValues[zone][quantity] = float(registerToValue(*raw, target->decimals));
-    emit rt.synoptic.zoneTextsChanged();
+    rt.model.values.ZoneValues[zone][quantity] = float(registerToValue(*raw, target->decimals));
+    emit rt.display.synoptic.zoneTextsChanged();
     return CommandOutcome::Confirmed;
 }
 

@@ -44,7 +44,7 @@ std::optional<SwitchWrite> switchWrite(const SwitchTable &table, int sw, bool on
 void countExchange(Runtime &rt, int sw, const BusOutcome &outcome)
 {
     if (countFailure(rt, AlarmItemKind::Switch, sw, outcome))
-        rt.alarms.clearFailCount(AlarmItemKind::Switch, sw);
+        rt.services.alarms.clearFailCount(AlarmItemKind::Switch, sw);
 }
 
 } // namespace
@@ -56,28 +56,28 @@ CommandOutcome SwitchCommand(Runtime &rt, Prompts &prompts, int sw, bool on)
     if (!itemIndexValid("switch", sw, MaxSwitches))
         return CommandOutcome::NotConfigured;
 
-    rt.statusBar.setPanel(StatusBar::MessagePanel,
+    rt.display.statusBar.setPanel(StatusBar::MessagePanel,
                           on ? QStringLiteral("Accensione...") : QStringLiteral("Spegnimento..."));
-    const std::optional<SwitchWrite> write = switchWrite(rt.editor.tables.SwitchWriteTable, sw, on);
+    const std::optional<SwitchWrite> write = switchWrite(rt.model.editor.tables.SwitchWriteTable, sw, on);
     if (!write) {
         qCInfo(lcCommands, "Switch %d has no On_w or Off_w: nothing sent", sw + 1);
-        rt.statusBar.setPanel(StatusBar::MessagePanel, QString());
+        rt.display.statusBar.setPanel(StatusBar::MessagePanel, QString());
         return CommandOutcome::NotConfigured;
     }
 
-    countExchange(rt, sw, remoteRead(rt, rt.editor.tables.SwitchReadTable, sw, rt.items.switchRemote[sw]));
-    const BusOutcome written = rt.master.write(write->functionCode, write->registerNumber, write->value, write->slave);
-    countExchange(rt, sw, localWrite(rt, rt.editor.tables.SwitchWriteTable, sw, 0));
+    countExchange(rt, sw, remoteRead(rt, rt.model.editor.tables.SwitchReadTable, sw, rt.services.items.switchRemote[sw]));
+    const BusOutcome written = rt.services.master.write(write->functionCode, write->registerNumber, write->value, write->slave);
+    countExchange(rt, sw, localWrite(rt, rt.model.editor.tables.SwitchWriteTable, sw, 0));
 
     const qint32 echo = written.value;
     const bool confirmed = switchEchoConfirms(write->functionCode, write->value, echo);
     if (confirmed)
-        rt.alarms.clearFailCount(AlarmItemKind::Switch, sw);
+        rt.services.alarms.clearFailCount(AlarmItemKind::Switch, sw);
     else if (written.answered())
-        rt.alarms.ReportSwitchFailure(sw, QStringLiteral("Eco non valida: %1 per %2").arg(echo).arg(write->value));
+        rt.services.alarms.ReportSwitchFailure(sw, QStringLiteral("Eco non valida: %1 per %2").arg(echo).arg(write->value));
     else if (written.instrumentFailed())
-        rt.alarms.ReportSwitchFailure(sw, written.reason());
-    rt.statusBar.setPanel(StatusBar::MessagePanel, QString());
+        rt.services.alarms.ReportSwitchFailure(sw, written.reason());
+    rt.display.statusBar.setPanel(StatusBar::MessagePanel, QString());
 
     if (!confirmed) {
         qCWarning(lcCommands, "Switch %d %s: the instrument echoed %d for %d", sw + 1, on ? "on" : "off", echo,
@@ -89,8 +89,8 @@ CommandOutcome SwitchCommand(Runtime &rt, Prompts &prompts, int sw, bool on)
                                             "un errore di comunicazione."));
         return CommandOutcome::Doubtful;
     }
-    rt.items.switches[sw] = on ? SwitchState::On : SwitchState::Off;
-    emit rt.synoptic.switchStatesChanged();
+    rt.services.items.switches[sw] = on ? SwitchState::On : SwitchState::Off;
+    emit rt.display.synoptic.switchStatesChanged();
     return CommandOutcome::Confirmed;
 }
 

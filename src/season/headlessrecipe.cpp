@@ -21,10 +21,10 @@ std::optional<Season> seasonNamed(const QString &name)
 }
 
 // The season whose recipe `fileName` is, if any.
-std::optional<Season> seasonOfFile(const Runtime &rt, const QString &fileName)
+std::optional<Season> seasonOfFile(const IniStore &ini, const QString &fileName)
 {
     for (Season season : {Season::Estate, Season::Inverno}) {
-        if (fileName.compare(ReadSeasonRecipe(rt.ini, season), Qt::CaseInsensitive) == 0)
+        if (fileName.compare(ReadSeasonRecipe(ini, season), Qt::CaseInsensitive) == 0)
             return season;
     }
     return std::nullopt;
@@ -41,7 +41,7 @@ int SendRecipeHeadless(Runtime &rt, Prompts &prompts, QTextStream &out, const QS
     const QString trimmed = name.trimmed();
     const std::optional<Season> season = seasonNamed(trimmed);
     const bool loaded = season ? change.loadSeasonRecipe(*season)
-                               : change.loadRecipeFile(trimmed, seasonOfFile(rt, trimmed));
+                               : change.loadRecipeFile(trimmed, seasonOfFile(rt.model.ini, trimmed));
     const bool sent = loaded && change.send(false) == SeasonChange::SendOutcome::Succeeded;
     out << "Stagione attuale: " << seasonName(change.currentSeason()) << Qt::endl;
     return sent ? 0 : 1;

@@ -25,14 +25,14 @@ SeasonChange::SeasonChange(Runtime &rt, Prompts &prompts, QObject *parent)
 
 Season SeasonChange::currentSeason() const
 {
-    return ReadCurrentSeason(m_rt.ini);
+    return ReadCurrentSeason(m_rt.model.ini);
 }
 
 bool SeasonChange::loadSeasonRecipe(Season target)
 {
     if (m_sending)
         return false;
-    const QString fileName = ReadSeasonRecipe(m_rt.ini, target);
+    const QString fileName = ReadSeasonRecipe(m_rt.model.ini, target);
     if (fileName.isEmpty()) {
         clearRecipe();
         m_prompts.warning(RecipeBoxTitle, noRecipeMessage(target));
@@ -45,7 +45,7 @@ bool SeasonChange::loadRecipeFile(const QString &fileName, std::optional<Season>
 {
     if (m_sending)
         return false;
-    RecipeLoad load = LoadRecipe(m_rt.ini, fileName, m_rt.plant, m_rt.editor.tables.ZoneWriteTable);
+    RecipeLoad load = LoadRecipe(m_rt.model.ini, fileName, m_rt.model.plant, m_rt.model.editor.tables.ZoneWriteTable);
     if (!load.loaded()) {
         clearRecipe();
         m_prompts.warning(RecipeBoxTitle, load.message);
@@ -88,7 +88,7 @@ SeasonChange::SendOutcome SeasonChange::send(bool confirm)
     };
     // A copy: the lists must not change under the send, even if a handler reloads them.
     const Recipe recipe = m_recipe;
-    m_lastResult = InviaProcedura(m_rt.master, m_rt.pause, m_prompts, m_rt.clock, recipe, observer, m_options);
+    m_lastResult = InviaProcedura(m_rt.services.master, m_rt.devices.pause, m_prompts, m_rt.devices.clock, recipe, observer, m_options);
     setSending(false);
 
     if (!m_lastResult.ok) {
@@ -96,7 +96,7 @@ SeasonChange::SendOutcome SeasonChange::send(bool confirm)
         return SendOutcome::Failed;
     }
     if (m_target) {
-        WriteCurrentSeason(m_rt.ini, *m_target);
+        WriteCurrentSeason(m_rt.model.ini, *m_target);
         qCInfo(lcSeason).noquote() << "Season changed from" << seasonName(before) << "to" << seasonName(*m_target)
                                    << "with" << recipe.fileName;
         emit seasonStored(*m_target);

@@ -39,8 +39,8 @@ HeadlessRunner::HeadlessRunner(Runtime &rt, Supervisor &supervisor, PlantSession
     , m_out(out)
     , m_options(std::move(options))
 {
-    connect(&m_rt.statusBar, &StatusBar::panelChanged, this, &HeadlessRunner::printPanel);
-    connect(&m_rt.alarms, &AlarmBook::entryAdded, this,
+    connect(&m_rt.display.statusBar, &StatusBar::panelChanged, this, &HeadlessRunner::printPanel);
+    connect(&m_rt.services.alarms, &AlarmBook::entryAdded, this,
             [this](AlarmItemKind, int, const QString &text) { printAlarm(text); });
     connect(&m_supervisor, &Supervisor::tickFinished, this, &HeadlessRunner::tickFinished);
     m_session.commands().setOutcomeListener([this](CommandOutcome outcome) { printOutcome(outcome); });
@@ -69,7 +69,7 @@ void HeadlessRunner::start()
         return;
     }
     if (m_options.login)
-        Login(m_options.login->name, m_options.login->password, m_rt.user, m_rt.statusBar, m_prompts);
+        Login(m_options.login->name, m_options.login->password, m_rt.services.user, m_rt.display.statusBar, m_prompts);
     if (!m_options.recipe.isEmpty()) {
         m_supervisor.cancelAutoStart();
         m_starting = false;
@@ -139,8 +139,8 @@ void HeadlessRunner::finish(int exitCode)
     m_finished = true;
     if (m_supervisor.AcquisitionRunning())
         m_supervisor.MenuStop();
-    if (m_rt.line.isOpen())
-        m_rt.master.ClosePort();
+    if (m_rt.devices.line.isOpen())
+        m_rt.services.master.ClosePort();
     emit finished(exitCode);
 }
 

@@ -9,8 +9,8 @@ namespace telvane {
 PlantSession::PlantSession(Runtime &rt, Supervisor &supervisor, Prompts &prompts)
     : m_rt(rt)
     , m_supervisor(supervisor)
-    , m_chrono(rt)
-    , m_clockAlignment(rt)
+    , m_chrono(rt.model, rt.services.master, rt.devices.clock)
+    , m_clockAlignment(rt.model, rt.services.master, rt.devices.clock)
     , m_commands(rt, prompts, supervisor)
 {
     // The commands first: the operator's click goes out before the tick's own work.
@@ -42,7 +42,7 @@ void PlantSession::reload()
 void PlantSession::loadChronoFiles()
 {
     // A file that cannot be read is logged by the loader; the schedule then keeps 20.0.
-    LoadChronoFiles(m_rt.ini.folder(), m_rt.chrono, m_rt.holidays);
+    LoadChronoFiles(m_rt.model.ini.folder(), m_rt.model.chrono, m_rt.model.holidays);
 }
 
 } // namespace telvane

@@ -6,15 +6,15 @@ namespace telvane {
 
 bool DoorRemoteRead(Runtime &rt)
 {
-    if (remoteRead(rt, rt.editor.tables.DoorReadTable, 0, rt.items.doorRemote).answered())
+    if (remoteRead(rt, rt.model.editor.tables.DoorReadTable, 0, rt.services.items.doorRemote).answered())
         return true;
-    forgetRemoteState(rt, rt.items.doorRemote);
+    forgetRemoteState(rt, rt.services.items.doorRemote);
     return false;
 }
 
 bool DoorLocalWrite(Runtime &rt, int supervisorState)
 {
-    return localWrite(rt, rt.editor.tables.DoorWriteTable, 0, supervisorState).answered();
+    return localWrite(rt, rt.model.editor.tables.DoorWriteTable, 0, supervisorState).answered();
 }
 
 } // namespace telvane

@@ -23,13 +23,13 @@ inline bool itemIndexValid(const char *kind, int index, int count)
 template <typename Slot, int Rows>
 BusOutcome remoteRead(Runtime &rt, const RegisterTable<Slot, Rows> &readTable, int row, RemoteState &state)
 {
-    const BusOutcome reading = readRemoteRegister(rt.master, remoteRegister(readTable, row));
+    const BusOutcome reading = readRemoteRegister(rt.services.master, remoteRegister(readTable, row));
     if (!reading.answered())
         return reading;
     const RemoteState now = remoteStateFrom(reading.value);
     if (state != now) {
         state = now;
-        emit rt.synoptic.remoteStatesChanged();
+        emit rt.display.synoptic.remoteStatesChanged();
     }
     return reading;
 }
@@ -38,7 +38,7 @@ BusOutcome remoteRead(Runtime &rt, const RegisterTable<Slot, Rows> &readTable, i
 template <typename Slot, int Rows>
 BusOutcome localWrite(Runtime &rt, const RegisterTable<Slot, Rows> &writeTable, int row, int supervisorState)
 {
-    return writeRemoteRegister(rt.master, remoteRegister(writeTable, row), supervisorState);
+    return writeRemoteRegister(rt.services.master, remoteRegister(writeTable, row), supervisorState);
 }
 
 // Counts a failed exchange toward the item's alarm, with its reason; a refusal for a
@@ -47,7 +47,7 @@ BusOutcome localWrite(Runtime &rt, const RegisterTable<Slot, Rows> &writeTable, 
 inline bool countFailure(Runtime &rt, AlarmItemKind kind, int index, const BusOutcome &outcome)
 {
     if (outcome.instrumentFailed())
-        rt.alarms.reportFailure(kind, index, outcome.reason());
+        rt.services.alarms.reportFailure(kind, index, outcome.reason());
     return outcome.answered();
 }
 
@@ -56,7 +56,7 @@ inline void forgetRemoteState(Runtime &rt, RemoteState &state)
     if (state == RemoteState::Unknown)
         return;
     state = RemoteState::Unknown;
-    emit rt.synoptic.remoteStatesChanged();
+    emit rt.display.synoptic.remoteStatesChanged();
 }
 
 } // namespace telvane

@@ -15,19 +15,19 @@ bool ledValid(int led)
 
 void readLamp(Runtime &rt, int led)
 {
-    const LedTable &table = rt.editor.tables.LedReadTable;
+    const LedTable &table = rt.model.editor.tables.LedReadTable;
     LedLamp lamp;
     const int functionCode = table.at(led, LedSlot::P1Function);
-    const ScaledReading reading = readScaledRegister(rt.master, table.at(led, LedSlot::Address), functionCode,
+    const ScaledReading reading = readScaledRegister(rt.services.master, table.at(led, LedSlot::Address), functionCode,
                                                      table.at(led, LedSlot::P1Register),
                                                      table.at(led, LedSlot::Decimals));
     if (countFailure(rt, AlarmItemKind::Led, led, reading.bus)) {
-        rt.alarms.clearFailCount(AlarmItemKind::Led, led);
+        rt.services.alarms.clearFailCount(AlarmItemKind::Led, led);
         lamp.value = reading.value;
         lamp.lit = LedConditionHolds(table.at(led, LedSlot::Condition), reading.bus.value,
                                      table.at(led, LedSlot::Threshold));
     }
-    rt.items.leds[led] = lamp;
+    rt.services.items.leds[led] = lamp;
 }
 
 } // namespace
@@ -37,9 +37,9 @@ bool LedRemoteRead(Runtime &rt, int led)
     if (!ledValid(led))
         return false;
     if (countFailure(rt, AlarmItemKind::Led, led,
-                     remoteRead(rt, rt.editor.tables.LedReadTable, led, rt.items.ledRemote[led])))
+                     remoteRead(rt, rt.model.editor.tables.LedReadTable, led, rt.services.items.ledRemote[led])))
         return true;
-    forgetRemoteState(rt, rt.items.ledRemote[led]);
+    forgetRemoteState(rt, rt.services.items.ledRemote[led]);
     return false;
 }
 
@@ -47,7 +47,7 @@ bool LedLocalWrite(Runtime &rt, int led, int supervisorState)
 {
     return ledValid(led)
            && countFailure(rt, AlarmItemKind::Led, led,
-                           localWrite(rt, rt.editor.tables.LedWriteTable, led, supervisorState));
+                           localWrite(rt, rt.model.editor.tables.LedWriteTable, led, supervisorState));
 }
 
 bool LedConditionHolds(int condition, qint32 reading, qint32 threshold)
@@ -70,10 +70,10 @@ bool LedConditionHolds(int condition, qint32 reading, qint32 threshold)
 
 void ReadAllLedLamps(Runtime &rt)
 {
-    const int leds = std::clamp(rt.plant.ledCount(), 0, MaxLeds);
+    const int leds = std::clamp(rt.model.plant.ledCount(), 0, MaxLeds);
     for (int led = 0; led < leds; ++led)
         readLamp(rt, led);
-    emit rt.synoptic.ledLampsChanged();
+    emit rt.display.synoptic.ledLampsChanged();
 }
 
 } // namespace telvane

@@ -31,40 +31,40 @@ bool hasDecimalFormat(int decimals)
 // alarm. The order matters: it decides at which read a zone reaches its sixth failure.
 void readQuantity(Runtime &rt, int zone, int k)
 {
-    const ZoneTable &table = rt.editor.tables.ZoneReadTable;
+    const ZoneTable &table = rt.model.editor.tables.ZoneReadTable;
 
     const ScaledReading reading =
-        readScaledRegister(rt.master, table.at(zone, ZoneSlot::Address), table.at(zone, zoneQuantityFunctionSlot(k)),
+        readScaledRegister(rt.services.master, table.at(zone, ZoneSlot::Address), table.at(zone, zoneQuantityFunctionSlot(k)),
                            table.at(zone, zoneQuantityRegisterSlot(k)), table.at(zone, ZoneSlot::Decimals));
     const bool configured = reading.bus.result != BusResult::NotConfigured;
     if (!configured && k >= int(ZoneQuantity::AL1)) {
         // An alarm quantity that is not read counts against the zone here and again
         // below; plants are set up knowing that a zone without its alarm registers is
         // listed after its first round.
-        rt.alarms.ReportZoneFailure(zone, reading.bus.reason());
+        rt.services.alarms.ReportZoneFailure(zone, reading.bus.reason());
     }
-    rt.values.ZoneValues[zone][k] = reading.value;
+    rt.model.values.ZoneValues[zone][k] = reading.value;
 
     // Unlike every other exchange, a quantity not in use counts as a failed read here.
     if (reading.bus.answered())
-        rt.alarms.clearFailCount(AlarmItemKind::Zone, zone);
+        rt.services.alarms.clearFailCount(AlarmItemKind::Zone, zone);
     else if (reading.bus.instrumentFailed() || !configured)
-        rt.alarms.ReportZoneFailure(zone, reading.bus.reason());
+        rt.services.alarms.ReportZoneFailure(zone, reading.bus.reason());
 }
 
 } // namespace
 
 void ReadAllMeasurements(Runtime &rt)
 {
-    rt.statusBar.setPanel(StatusBar::ActivityPanel, QStringLiteral("Lettura..."));
+    rt.display.statusBar.setPanel(StatusBar::ActivityPanel, QStringLiteral("Lettura..."));
 
-    const QDateTime lineTime = rt.clock.now();
+    const QDateTime lineTime = rt.devices.clock.now();
     QVarLengthArray<LoggedValue, MaxZones> logged;
 
-    const int zones = std::clamp(rt.plant.zoneCount(), 0, MaxZones);
-    const int chartQuantity = rt.plant.zoneDisplay.chartQuantity;
+    const int zones = std::clamp(rt.model.plant.zoneCount(), 0, MaxZones);
+    const int chartQuantity = rt.model.plant.zoneDisplay.chartQuantity;
     const bool chartQuantityKnown = chartQuantity >= 0 && chartQuantity < ValueTables::Quantities;
-    if (rt.ChartLoggingOption && !chartQuantityKnown)
+    if (rt.display.ChartLoggingOption && !chartQuantityKnown)
         qCWarning(lcSupervisor, "\"Zone Grafico\" is %d, not a zone quantity (0..4): nothing charted or logged",
                   chartQuantity);
 
@@ -72,27 +72,27 @@ void ReadAllMeasurements(Runtime &rt)
         for (int k = 0; k < ValueTables::Quantities; ++k)
             readQuantity(rt, zone, k);
 
-        if (rt.ChartLoggingOption && chartQuantityKnown) {
-            const float value = rt.values.ZoneValues[zone][chartQuantity];
-            if (rt.chart)
-                rt.chart->addPoint(zone + 1, rt.clock.now(), value);
-            const int decimals = rt.editor.tables.ZoneReadTable.at(zone, ZoneSlot::Decimals);
+        if (rt.display.ChartLoggingOption && chartQuantityKnown) {
+            const float value = rt.model.values.ZoneValues[zone][chartQuantity];
+            if (rt.display.chart)
+                rt.display.chart->addPoint(zone + 1, rt.devices.clock.now(), value);
+            const int decimals = rt.model.editor.tables.ZoneReadTable.at(zone, ZoneSlot::Decimals);
             if (hasDecimalFormat(decimals))
                 logged.append({value, decimals});
         }
     }
 
-    if (rt.chart)
-        rt.chart->roundFinished();
-    emit rt.synoptic.zoneTextsChanged();
+    if (rt.display.chart)
+        rt.display.chart->roundFinished();
+    emit rt.display.synoptic.zoneTextsChanged();
 
-    if (rt.ChartLoggingOption)
-        rt.dailyLog.AppendDailyLogLine(dailyLogLine(lineTime, logged));
+    if (rt.display.ChartLoggingOption)
+        rt.services.dailyLog.AppendDailyLogLine(dailyLogLine(lineTime, logged));
 
-    if (!rt.master.communicate())
-        rt.pause.pause(SimulatedRoundMs);
+    if (!rt.services.master.communicate())
+        rt.devices.pause.pause(SimulatedRoundMs);
 
-    rt.statusBar.setPanel(StatusBar::ActivityPanel, QString());
+    rt.display.statusBar.setPanel(StatusBar::ActivityPanel, QString());
 }
 
 } // namespace telvane

@@ -22,7 +22,7 @@ void Supervisor::MonitorCycle()
     // may fire in one of their reply waits; that tick is skipped, the next one comes.
     if (lineInUse())
         return;
-    std::optional<LineHold> hold(std::in_place, m_rt.lineHolds);
+    std::optional<LineHold> hold(std::in_place, m_rt.services.lineHolds);
     m_inTick = true;
 
     m_monitorTimer.stop();
@@ -32,23 +32,23 @@ void Supervisor::MonitorCycle()
     for (CycleTask *task : std::as_const(m_rt.cycleTasks))
         busy = task->runTick() || busy;
 
-    if (isDue(m_rt.editor.comm.remotePeriod)) {
+    if (isDue(m_rt.model.editor.comm.remotePeriod)) {
         pollInstruments();
         busy = true;
     }
-    if (isDue(m_rt.editor.comm.measurementPeriod)) {
+    if (isDue(m_rt.model.editor.comm.measurementPeriod)) {
         busy = true;
         ReadAllMeasurements(m_rt);
         ReadAllSwitchStates(m_rt);
     }
-    if (isDue(m_rt.editor.comm.ledPeriod)) {
+    if (isDue(m_rt.model.editor.comm.ledPeriod)) {
         ReadAllLedLamps(m_rt);
         busy = true;
     }
-    if (!busy && m_rt.editor.comm.lineActivity) {
-        m_rt.statusBar.setPanel(StatusBar::ActivityPanel, QStringLiteral("Attivita..."));
+    if (!busy && m_rt.model.editor.comm.lineActivity) {
+        m_rt.display.statusBar.setPanel(StatusBar::ActivityPanel, QStringLiteral("Attivita..."));
         ActivityPoll(m_rt);
-        m_rt.statusBar.setPanel(StatusBar::ActivityPanel, QString());
+        m_rt.display.statusBar.setPanel(StatusBar::ActivityPanel, QString());
     }
 
     if (m_cycleCounter >= CycleWrap)
@@ -72,35 +72,35 @@ bool Supervisor::isDue(int period) const
 // register is read, otherwise the supervisor's state is written to it.
 void Supervisor::pollInstruments()
 {
-    const bool remote = m_rt.editor.comm.remoteEnabled;
+    const bool remote = m_rt.model.editor.comm.remoteEnabled;
     const int supervisorState = m_acquisitionRunning ? 1 : 0;
-    m_rt.statusBar.setPanel(StatusBar::ActivityPanel,
+    m_rt.display.statusBar.setPanel(StatusBar::ActivityPanel,
                             remote ? QStringLiteral("Remoto...") : QStringLiteral("Locale..."));
 
-    const int zones = std::clamp(m_rt.plant.zoneCount(), 0, MaxZones);
+    const int zones = std::clamp(m_rt.model.plant.zoneCount(), 0, MaxZones);
     for (int zone = 0; zone < zones; ++zone) {
         if (remote ? ZoneRemoteRead(m_rt, zone) : ZoneLocalWrite(m_rt, zone, supervisorState))
-            m_rt.alarms.clearFailCount(AlarmItemKind::Zone, zone);
+            m_rt.services.alarms.clearFailCount(AlarmItemKind::Zone, zone);
         else
             ZoneStatusText(m_rt, zone);
     }
 
-    const int switches = std::clamp(m_rt.plant.switchCount(), 0, MaxSwitches);
+    const int switches = std::clamp(m_rt.model.plant.switchCount(), 0, MaxSwitches);
     for (int sw = 0; sw < switches; ++sw) {
         if (remote ? SwitchRemoteRead(m_rt, sw) : SwitchLocalWrite(m_rt, sw, supervisorState))
-            m_rt.alarms.clearFailCount(AlarmItemKind::Switch, sw);
+            m_rt.services.alarms.clearFailCount(AlarmItemKind::Switch, sw);
         else
             SwitchStatusText(m_rt, sw);
     }
 
-    if (m_rt.plant.apriporta.present) {
+    if (m_rt.model.plant.apriporta.present) {
         if (remote)
             DoorRemoteRead(m_rt);
         else
             DoorLocalWrite(m_rt, supervisorState);
     }
 
-    const int leds = std::clamp(m_rt.plant.ledCount(), 0, MaxLeds);
+    const int leds = std::clamp(m_rt.model.plant.ledCount(), 0, MaxLeds);
     for (int led = 0; led < leds; ++led) {
         if (remote)
             LedRemoteRead(m_rt, led);
@@ -108,7 +108,7 @@ void Supervisor::pollInstruments()
             LedLocalWrite(m_rt, led, supervisorState);
     }
 
-    m_rt.statusBar.setPanel(StatusBar::ActivityPanel, QString());
+    m_rt.display.statusBar.setPanel(StatusBar::ActivityPanel, QString());
 }
 
 } // namespace telvane

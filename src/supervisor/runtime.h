@@ -1,78 +1,30 @@
 #pragma once
 
-#include "alarms/alarmbook.h"
-#include "config_editor/reloadeditor.h"
-#include "fieldbus/modbusmaster.h"
-#include "storage/chronoschedule.h"
-#include "storage/dailylog.h"
-#include "storage/displayresets.h"
-#include "storage/holidaylist.h"
-#include "storage/inistore.h"
-#include "storage/modesettings.h"
-#include "storage/plantconfig.h"
-#include "storage/valuetables.h"
-#include "supervisor/itemstates.h"
-#include "supervisor/linehold.h"
-#include "supervisor/statusbar.h"
-#include "supervisor/synopticrefresh.h"
-#include "supervisor/userlevel.h"
+#include "supervisor/devices.h"
+#include "supervisor/displaystate.h"
+#include "supervisor/plantmodel.h"
+#include "supervisor/plantservices.h"
+
+#include <QList>
 
 namespace telvane {
 
-class ChartSink;
-class Clock;
 class CycleTask;
-class Pause;
-class SerialLine;
-class SoundPlayer;
 
-// Everything the supervisor knows about the plant and itself, made once by main and
-// handed by reference to whoever needs it; a test makes a fresh one. The devices come
-// in through their seams and stay owned by the caller.
+// The whole running plant, made once by whoever assembles the program and handed to
+// the few places that need every piece (the session, the supervisor, the editor's
+// reload); everything else takes the piece it uses. A test makes a fresh one.
 struct Runtime
 {
     Runtime(const ProgramFolder &folder, SerialLine &line, const Clock &clock, Pause &pause, SoundPlayer &sound);
     Runtime(const Runtime &) = delete;
     Runtime &operator=(const Runtime &) = delete;
 
-    SerialLine &line;
-    const Clock &clock;
-    Pause &pause;
-    SoundPlayer &sound;
+    Devices devices;
+    PlantModel model;
+    PlantServices services;
+    DisplayState display;
 
-    IniStore ini;
-    ModeSettings mode;
-    PlantConfig plant;
-    ValueTables values;
-    ChronoSchedule chrono;
-    // The holiday dates (`Lst_Festa`), on which the chrono-thermostat runs Sunday's
-    // schedule; loaded with the schedule from the "Crono" files.
-    HolidayList holidays;
-    // The register tables, serial settings, line probe and options the editor built.
-    EditorState editor;
-    ModbusMaster master;
-    // Who uses the line beyond one exchange; no monitoring tick starts meanwhile.
-    LineHolds lineHolds;
-    DailyLog dailyLog;
-    AlarmBook alarms;
-    ItemStates items;
-    UserLevel user;
-
-    // The main window's status bar and the synoptic's refreshes, as the core sees them.
-    StatusBar statusBar;
-    SynopticRefresh synoptic;
-    DisplayResets displayResets;
-
-    // The configuration editor is loaded.
-    bool EditorOpen = false;
-    // Measurement rounds add chart points and write the daily log. Each reload sets it
-    // from the option "Grafico"; the editor's menu entry toggles it in between.
-    bool ChartLoggingOption = false;
-    // The activity poll's last answer, so that a silent line is logged once.
-    bool lineAnswering = true;
-
-    // Plugged in by the window when it exists; without it a round feeds no chart.
-    ChartSink *chart = nullptr;
     // Run by every monitoring tick, in this order (the operator's commands, the
     // chrono-thermostat, the clock alignment); owned by the caller.
     QList<CycleTask *> cycleTasks;

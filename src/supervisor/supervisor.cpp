@@ -20,13 +20,13 @@ Supervisor::Supervisor(Runtime &rt, QObject *parent)
     connect(&m_monitorTimer, &QTimer::timeout, this, &Supervisor::MonitorCycle);
     connect(&m_blinkTimer, &QTimer::timeout, this, &Supervisor::Timer_LampeggioTick);
     connect(&m_autoStartTimer, &QTimer::timeout, this, &Supervisor::TimerAutoStartTick);
-    connect(&m_rt.alarms, &AlarmBook::alarmBlinkRequested, this, &Supervisor::SetAlarmBlink);
-    m_rt.lineHolds.setReleasedHandler([this] { runDeferredRead(); });
+    connect(&m_rt.services.alarms, &AlarmBook::alarmBlinkRequested, this, &Supervisor::SetAlarmBlink);
+    m_rt.services.lineHolds.setReleasedHandler([this] { runDeferredRead(); });
 }
 
 Supervisor::~Supervisor()
 {
-    m_rt.lineHolds.setReleasedHandler({});
+    m_rt.services.lineHolds.setReleasedHandler({});
 }
 
 void Supervisor::load()
@@ -42,16 +42,16 @@ void Supervisor::load()
     m_autoStartTimer.stop();
     m_autoStartTimer.setInterval(AutoStartDelayMs);
 
-    m_rt.statusBar.setPanel(StatusBar::StatePanel, QStringLiteral("Standby"));
-    m_rt.statusBar.setPanel(StatusBar::ActivityPanel, QString());
-    m_rt.statusBar.setPanel(StatusBar::MessagePanel, QString());
+    m_rt.display.statusBar.setPanel(StatusBar::StatePanel, QStringLiteral("Standby"));
+    m_rt.display.statusBar.setPanel(StatusBar::ActivityPanel, QString());
+    m_rt.display.statusBar.setPanel(StatusBar::MessagePanel, QString());
     SetAlarmBlink(false);
 
     ResetAlarms();
 
     for (const char *folder : {"Dati", "Crono", "Ricetta"})
-        m_rt.ini.EnsureFolder(QLatin1String(folder));
-    m_rt.mode = LoadSettings(m_rt.ini);
+        m_rt.model.ini.EnsureFolder(QLatin1String(folder));
+    m_rt.model.mode = LoadSettings(m_rt.model.ini);
 
     setButtonImage(StandbyImage);
 }
@@ -60,7 +60,7 @@ void Supervisor::startUp()
 {
     load();
     ReloadEditor(m_rt);
-    armAutoStart(m_rt.editor.options.autoStart);
+    armAutoStart(m_rt.model.editor.options.autoStart);
 }
 
 void Supervisor::armAutoStart(bool autoAvvio)
@@ -71,7 +71,7 @@ void Supervisor::armAutoStart(bool autoAvvio)
     if (m_autoStartPending) {
         m_blinkTimer.setInterval(AutoStartBlinkIntervalMs);
         SetAlarmBlink(true);
-        m_rt.statusBar.setPanel(StatusBar::MessagePanel, QStringLiteral("Avvio in corso..."));
+        m_rt.display.statusBar.setPanel(StatusBar::MessagePanel, QStringLiteral("Avvio in corso..."));
     }
 }
 
@@ -88,18 +88,18 @@ void Supervisor::SetAcquisitionState(bool on)
     m_acquisitionRunning = on;
     if (on) {
         setButtonImage(AcquiringImage);
-        m_rt.statusBar.setPanel(StatusBar::StatePanel, QStringLiteral("Acquisizione"));
+        m_rt.display.statusBar.setPanel(StatusBar::StatePanel, QStringLiteral("Acquisizione"));
         m_monitorTimer.start(m_monitorIntervalMs);
         for (CycleTask *task : std::as_const(m_rt.cycleTasks))
             task->acquisitionStarted();
     } else {
         setButtonImage(StandbyImage);
-        m_rt.statusBar.setPanel(StatusBar::StatePanel, QStringLiteral("Standby"));
+        m_rt.display.statusBar.setPanel(StatusBar::StatePanel, QStringLiteral("Standby"));
         m_monitorTimer.stop();
         m_blinkTimer.stop();
     }
-    m_rt.statusBar.setPanel(StatusBar::ActivityPanel, QString());
-    m_rt.statusBar.setPanel(StatusBar::MessagePanel, QString());
+    m_rt.display.statusBar.setPanel(StatusBar::ActivityPanel, QString());
+    m_rt.display.statusBar.setPanel(StatusBar::MessagePanel, QString());
     if (changed)
         emit acquisitionStateChanged(on);
 }
@@ -118,7 +118,7 @@ void Supervisor::SetAlarmBlink(bool on)
 
 void Supervisor::ResetAlarms()
 {
-    m_rt.alarms.ResetAlarms();
+    m_rt.services.alarms.ResetAlarms();
 }
 
 void Supervisor::MenuStart()
@@ -133,7 +133,7 @@ void Supervisor::MenuStart()
         return;
 
     // While acquiring, the timer keeps running through the re-read.
-    const LineHold hold(m_rt.lineHolds);
+    const LineHold hold(m_rt.services.lineHolds);
     ReadAllMeasurements(m_rt);
     ReadAllSwitchStates(m_rt);
     SetAcquisitionState(true);
@@ -146,8 +146,8 @@ void Supervisor::MenuStart()
 void Supervisor::MenuStop()
 {
     SetAcquisitionState(false);
-    m_rt.items.reset();
-    m_rt.displayResets.resetAll();
+    m_rt.services.items.reset();
+    m_rt.display.displayResets.resetAll();
     SetAlarmBlink(false);
     if (EditorOpen() && IsAdministrator())
         emit editorFrameEnabledRequested(true);
@@ -161,7 +161,7 @@ void Supervisor::MenuRileggi()
         return;
     if (CommunicateWithInstruments() && !SerialPortOpen())
         return;
-    const LineHold hold(m_rt.lineHolds);
+    const LineHold hold(m_rt.services.lineHolds);
     SetAcquisitionState(false);
     ReadAllMeasurements(m_rt);
     ReadAllSwitchStates(m_rt);
@@ -170,7 +170,7 @@ void Supervisor::MenuRileggi()
 
 bool Supervisor::lineInUse() const
 {
-    return m_rt.lineHolds.held() || m_rt.master.busy();
+    return m_rt.services.lineHolds.held() || m_rt.services.master.busy();
 }
 
 // A Start or Reload clicked while the line is held would read every zone with the line
@@ -178,7 +178,7 @@ bool Supervisor::lineInUse() const
 // line is let go instead.
 bool Supervisor::deferWhileLineHeld(DeferredRead read)
 {
-    if (!m_rt.lineHolds.held())
+    if (!m_rt.services.lineHolds.held())
         return false;
     if (m_deferredRead != DeferredRead::Start)
         m_deferredRead = read;
@@ -198,9 +198,9 @@ bool Supervisor::refuseWhileAcquiring()
 {
     if (!m_acquisitionRunning)
         return false;
-    m_rt.statusBar.setPanel(StatusBar::MessagePanel, QStringLiteral("Operazione non permessa"));
-    m_rt.pause.pause(RefusalMs);
-    m_rt.statusBar.setPanel(StatusBar::MessagePanel, QString());
+    m_rt.display.statusBar.setPanel(StatusBar::MessagePanel, QStringLiteral("Operazione non permessa"));
+    m_rt.devices.pause.pause(RefusalMs);
+    m_rt.display.statusBar.setPanel(StatusBar::MessagePanel, QString());
     return true;
 }
 
@@ -227,9 +227,9 @@ void Supervisor::Timer_LampeggioTick()
     m_blinkPhase = !m_blinkPhase;
     if (m_blinkPhase) {
         setButtonImage(StandbyImage);
-        const QString sound = m_rt.plant.synoptic.alarmSound;
+        const QString sound = m_rt.model.plant.synoptic.alarmSound;
         if (!sound.isEmpty())
-            m_rt.sound.play(m_rt.ini.folder().filePath(sound));
+            m_rt.devices.sound.play(m_rt.model.ini.folder().filePath(sound));
     } else {
         setButtonImage(AcquiringImage);
     }
@@ -244,42 +244,42 @@ void Supervisor::TimerAutoStartTick()
     SetAlarmBlink(false);
     m_autoStartPending = false;
     MenuStart();
-    m_rt.statusBar.setPanel(StatusBar::MessagePanel, QString());
+    m_rt.display.statusBar.setPanel(StatusBar::MessagePanel, QString());
 }
 
 bool Supervisor::CommunicateWithInstruments() const
 {
-    return m_rt.master.communicate();
+    return m_rt.services.master.communicate();
 }
 
 void Supervisor::setCommunicateWithInstruments(bool communicate)
 {
-    m_rt.master.setCommunicate(communicate);
+    m_rt.services.master.setCommunicate(communicate);
 }
 
 bool Supervisor::SerialPortOpen() const
 {
-    return m_rt.editor.comm.portAvailable;
+    return m_rt.model.editor.comm.portAvailable;
 }
 
 bool Supervisor::AlarmPending() const
 {
-    return m_rt.alarms.AlarmPending();
+    return m_rt.services.alarms.AlarmPending();
 }
 
 bool Supervisor::EditorOpen() const
 {
-    return m_rt.EditorOpen;
+    return m_rt.display.EditorOpen;
 }
 
 bool Supervisor::IsAdministrator() const
 {
-    return m_rt.user.IsAdministrator;
+    return m_rt.services.user.IsAdministrator;
 }
 
 bool Supervisor::IsTechnician() const
 {
-    return m_rt.user.IsTechnician;
+    return m_rt.services.user.IsTechnician;
 }
 
 void Supervisor::setMonitorIntervalMs(int ms)

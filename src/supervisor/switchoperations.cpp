@@ -16,15 +16,15 @@ bool switchValid(int sw)
 // Reads one state register into `SwitchValues`; false when it is not configured.
 bool readStateRegister(Runtime &rt, int sw, SwitchSlot functionSlot, SwitchSlot registerSlot, float &value)
 {
-    const SwitchTable &table = rt.editor.tables.SwitchReadTable;
+    const SwitchTable &table = rt.model.editor.tables.SwitchReadTable;
     const ScaledReading reading =
-        readScaledRegister(rt.master, table.at(sw, SwitchSlot::Address), table.at(sw, functionSlot),
+        readScaledRegister(rt.services.master, table.at(sw, SwitchSlot::Address), table.at(sw, functionSlot),
                            table.at(sw, registerSlot), table.at(sw, SwitchSlot::Decimals));
     value = reading.value;
     if (reading.bus.result == BusResult::NotConfigured)
         return false;
     if (countFailure(rt, AlarmItemKind::Switch, sw, reading.bus))
-        rt.alarms.clearFailCount(AlarmItemKind::Switch, sw);
+        rt.services.alarms.clearFailCount(AlarmItemKind::Switch, sw);
     return true;
 }
 
@@ -34,20 +34,20 @@ bool SwitchRemoteRead(Runtime &rt, int sw)
 {
     return switchValid(sw)
            && countFailure(rt, AlarmItemKind::Switch, sw,
-                           remoteRead(rt, rt.editor.tables.SwitchReadTable, sw, rt.items.switchRemote[sw]));
+                           remoteRead(rt, rt.model.editor.tables.SwitchReadTable, sw, rt.services.items.switchRemote[sw]));
 }
 
 bool SwitchLocalWrite(Runtime &rt, int sw, int supervisorState)
 {
     return switchValid(sw)
            && countFailure(rt, AlarmItemKind::Switch, sw,
-                           localWrite(rt, rt.editor.tables.SwitchWriteTable, sw, supervisorState));
+                           localWrite(rt, rt.model.editor.tables.SwitchWriteTable, sw, supervisorState));
 }
 
 void SwitchStatusText(Runtime &rt, int sw)
 {
     if (switchValid(sw))
-        forgetRemoteState(rt, rt.items.switchRemote[sw]);
+        forgetRemoteState(rt, rt.services.items.switchRemote[sw]);
 }
 
 SwitchState SwitchStateFrom(bool onUsed, float onValue, bool offUsed, float offValue)
@@ -70,14 +70,14 @@ SwitchState SwitchStateFrom(bool onUsed, float onValue, bool offUsed, float offV
 
 void ReadAllSwitchStates(Runtime &rt)
 {
-    const int switches = std::clamp(rt.plant.switchCount(), 0, MaxSwitches);
+    const int switches = std::clamp(rt.model.plant.switchCount(), 0, MaxSwitches);
     for (int sw = 0; sw < switches; ++sw) {
-        auto &values = rt.values.SwitchValues[sw];
+        auto &values = rt.model.values.SwitchValues[sw];
         const bool onUsed = readStateRegister(rt, sw, SwitchSlot::OnFunction, SwitchSlot::OnRegister, values[0]);
         const bool offUsed = readStateRegister(rt, sw, SwitchSlot::OffFunction, SwitchSlot::OffRegister, values[1]);
-        rt.items.switches[sw] = SwitchStateFrom(onUsed, values[0], offUsed, values[1]);
+        rt.services.items.switches[sw] = SwitchStateFrom(onUsed, values[0], offUsed, values[1]);
     }
-    emit rt.synoptic.switchStatesChanged();
+    emit rt.display.synoptic.switchStatesChanged();
 }
 
 } // namespace telvane

@@ -18,20 +18,20 @@ bool ZoneRemoteRead(Runtime &rt, int zone)
 {
     return zoneValid(zone)
            && countFailure(rt, AlarmItemKind::Zone, zone,
-                           remoteRead(rt, rt.editor.tables.ZoneReadTable, zone, rt.items.zoneRemote[zone]));
+                           remoteRead(rt, rt.model.editor.tables.ZoneReadTable, zone, rt.services.items.zoneRemote[zone]));
 }
 
 bool ZoneLocalWrite(Runtime &rt, int zone, int supervisorState)
 {
     return zoneValid(zone)
            && countFailure(rt, AlarmItemKind::Zone, zone,
-                           localWrite(rt, rt.editor.tables.ZoneWriteTable, zone, supervisorState));
+                           localWrite(rt, rt.model.editor.tables.ZoneWriteTable, zone, supervisorState));
 }
 
 void ZoneStatusText(Runtime &rt, int zone)
 {
     if (zoneValid(zone))
-        forgetRemoteState(rt, rt.items.zoneRemote[zone]);
+        forgetRemoteState(rt, rt.services.items.zoneRemote[zone]);
 }
 
 } // namespace telvane

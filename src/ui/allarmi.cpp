@@ -48,9 +48,9 @@ Allarmi::Allarmi(Runtime &rt, Supervisor &supervisor, QWidget *parent)
     : QWidget(parent, Qt::Window | Qt::WindowStaysOnTopHint)
     , m_rt(rt)
     , m_supervisor(supervisor)
-    , m_errors(new CommErrorTable(rt.alarms, rt.plant, rt.editor.tables, rt.clock, this))
-    , m_zoneList(alarmList(QStringLiteral("Lst_AllarmiZ"), rt.alarms.Lst_AllarmiZ(), this))
-    , m_switchList(alarmList(QStringLiteral("Lst_AllarmiI"), rt.alarms.Lst_AllarmiI(), this))
+    , m_errors(new CommErrorTable(rt.services.alarms, rt.model.plant, rt.model.editor.tables, rt.devices.clock, this))
+    , m_zoneList(alarmList(QStringLiteral("Lst_AllarmiZ"), rt.services.alarms.Lst_AllarmiZ(), this))
+    , m_switchList(alarmList(QStringLiteral("Lst_AllarmiI"), rt.services.alarms.Lst_AllarmiI(), this))
     , m_diagnostics(new QGroupBox(QStringLiteral("Errori di comunicazione"), this))
     , m_reserved(new QLabel(QStringLiteral("Il dettaglio degli errori di comunicazione è riservato al tecnico e "
                                            "all'amministratore (File > Login)."),
@@ -132,12 +132,12 @@ void Allarmi::showCommErrors(bool privileged)
 {
     m_errors->refresh();
     fitColumns();
-    const CommSettings &comm = m_rt.editor.comm;
+    const CommSettings &comm = m_rt.model.editor.comm;
     QString line = QStringLiteral("Linea: ") + (comm.portAvailable ? comm.statusText : QStringLiteral("Nessuna COM"));
-    if (!m_rt.master.communicate())
+    if (!m_rt.services.master.communicate())
         line += QStringLiteral(" (simulazione)");
     else if (comm.lineActivity)
-        line += m_rt.lineAnswering ? QStringLiteral(", risponde al controllo di attività")
+        line += m_rt.display.lineAnswering ? QStringLiteral(", risponde al controllo di attività")
                                    : QStringLiteral(", non risponde al controllo di attività");
     m_lineState->setText(line);
     setPrivileged(privileged);

@@ -1,7 +1,8 @@
 #include "ui/frmlogin.h"
 
 #include "commands/users.h"
-#include "supervisor/runtime.h"
+#include "supervisor/statusbar.h"
+#include "supervisor/userlevel.h"
 
 #include <QDialogButtonBox>
 #include <QFormLayout>
@@ -24,9 +25,10 @@ QLabel *caption(const QString &text, QWidget *parent)
 
 } // namespace
 
-frmLogin::frmLogin(Runtime &rt, Prompts &prompts, QWidget *parent)
+frmLogin::frmLogin(UserLevel &user, StatusBar &statusBar, Prompts &prompts, QWidget *parent)
     : QWidget(parent)
-    , m_rt(rt)
+    , m_user(user)
+    , m_statusBar(statusBar)
     , m_prompts(prompts)
     , m_userName(new QLineEdit(this))
     , m_password(new QLineEdit(this))
@@ -86,7 +88,7 @@ void frmLogin::cmdOKClick()
 {
     const QString name = m_userName->text();
     const QString password = m_password->text();
-    const UserLevel level = Login(name, password, m_rt.user, m_rt.statusBar, m_prompts);
+    const UserLevel level = Login(name, password, m_user, m_statusBar, m_prompts);
     emit userChanged();
     m_password->clear();
 

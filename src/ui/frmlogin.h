@@ -8,7 +8,8 @@ class QPushButton;
 namespace telvane {
 
 class Prompts;
-struct Runtime;
+class StatusBar;
+struct UserLevel;
 
 // The login window: one of the main window's exclusive child windows. OK logs the user
 // in (or out, with both fields empty); a wrong name or password leaves it open for
@@ -18,7 +19,7 @@ class frmLogin final : public QWidget
     Q_OBJECT
 
 public:
-    frmLogin(Runtime &rt, Prompts &prompts, QWidget *parent = nullptr);
+    frmLogin(UserLevel &user, StatusBar &statusBar, Prompts &prompts, QWidget *parent = nullptr);
 
 signals:
     // The operator is done with the window: logged in, logged out or cancelled.
@@ -34,7 +35,8 @@ private:
     void cmdOKClick();
     void cmdCancelClick();
 
-    Runtime &m_rt;
+    UserLevel &m_user;
+    StatusBar &m_statusBar;
     Prompts &m_prompts;
     QLineEdit *m_userName;
     QLineEdit *m_password;

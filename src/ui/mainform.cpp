@@ -57,11 +57,11 @@ MainForm::MainForm(Runtime &rt, Supervisor &supervisor, Prompts &prompts, Camera
     , m_supervisor(supervisor)
     , m_workspace(new Workspace(this))
     , m_children(new ChildWindows(*m_workspace, this))
-    , m_login(new frmLogin(rt, prompts))
+    , m_login(new frmLogin(rt.services.user, rt.display.statusBar, prompts))
     , m_alarms(new Allarmi(rt, supervisor, this))
     , m_season(new Stagione(rt, prompts))
-    , m_trend(new Grafico(rt.ini, rt.plant, [&rt] { return rt.ChartLoggingOption; }))
-    , m_history(new Storico(rt.dailyLog, rt.ini, rt.plant, prompts))
+    , m_trend(new Grafico(rt.model.ini, rt.model.plant, [&rt] { return rt.display.ChartLoggingOption; }))
+    , m_history(new Storico(rt.services.dailyLog, rt.model.ini, rt.model.plant, prompts))
     , m_synoptic(new Sinottico(synopticSources(rt), supervisor, camera))
 {
     setObjectName(QStringLiteral("MainForm"));
@@ -85,8 +85,8 @@ MainForm::MainForm(Runtime &rt, Supervisor &supervisor, Prompts &prompts, Camera
     m_season->setSendGuard([this] { return m_supervisor.MenuStagione(); });
     m_children->plug(m_entries.value(QStringLiteral("MenuGrafico")), m_trend);
     m_children->plug(m_entries.value(QStringLiteral("MenuStorico")), m_history);
-    m_trend->live().loadLogged(m_rt.dailyLog, m_rt.clock.now());
-    m_rt.chart = &m_trend->live();
+    m_trend->live().loadLogged(m_rt.services.dailyLog, m_rt.devices.clock.now());
+    m_rt.display.chart = &m_trend->live();
     m_synoptic->attachFrame(m_children->plug(m_entries.value(QStringLiteral("MenuSinottico")), m_synoptic));
 
     connect(&m_supervisor, &Supervisor::acquisitionButtonImageChanged, this, &MainForm::showAcquisitionImage);
@@ -98,8 +98,8 @@ MainForm::MainForm(Runtime &rt, Supervisor &supervisor, Prompts &prompts, Camera
 MainForm::~MainForm()
 {
     // The chart goes with the window's children, after this.
-    if (m_rt.chart == &m_trend->live())
-        m_rt.chart = nullptr;
+    if (m_rt.display.chart == &m_trend->live())
+        m_rt.display.chart = nullptr;
 }
 
 QAction *MainForm::addEntry(QMenu *menu, const QString &name, const QString &text, const QString &iconName)
@@ -235,7 +235,7 @@ void MainForm::buildStatusBar()
     bar->setObjectName(QStringLiteral("StatusBar"));
     const int minimumWidths[] = {190, 110, 110, 0};
     for (int number = 1; number <= 4; ++number) {
-        auto *panel = new QLabel(m_rt.statusBar.panel(number), bar);
+        auto *panel = new QLabel(m_rt.display.statusBar.panel(number), bar);
         panel->setObjectName(QStringLiteral("Panel%1").arg(number));
         panel->setFrameStyle(QFrame::Panel | QFrame::Sunken);
         panel->setMinimumWidth(minimumWidths[number - 1]);
@@ -249,8 +249,8 @@ void MainForm::buildStatusBar()
     m_portLabel->setContentsMargins(4, 0, 4, 0);
     m_portLabel->setToolTip(QStringLiteral("Porta seriale"));
     bar->addPermanentWidget(m_portLabel);
-    panelOneChanged(m_rt.statusBar.panel(StatusBar::PortPanel));
-    connect(&m_rt.statusBar, &StatusBar::panelChanged, this, [this](int number, const QString &text) {
+    panelOneChanged(m_rt.display.statusBar.panel(StatusBar::PortPanel));
+    connect(&m_rt.display.statusBar, &StatusBar::panelChanged, this, [this](int number, const QString &text) {
         if (QLabel *panel = statusPanel(number))
             panel->setText(text);
         if (number == StatusBar::PortPanel)
@@ -293,10 +293,10 @@ void MainForm::showTitle()
 
 void MainForm::applyMode()
 {
-    m_entries.value(QStringLiteral("MenuStagione"))->setText(m_rt.mode.seasonCaption);
+    m_entries.value(QStringLiteral("MenuStagione"))->setText(m_rt.model.mode.seasonCaption);
     if (m_season)
-        m_season->setWindowTitle(m_rt.mode.seasonCaption);
-    m_entries.value(QStringLiteral("MenuCrono"))->setText(m_rt.mode.scheduleCaption);
+        m_season->setWindowTitle(m_rt.model.mode.seasonCaption);
+    m_entries.value(QStringLiteral("MenuCrono"))->setText(m_rt.model.mode.scheduleCaption);
 }
 
 QToolButton *MainForm::toolbarButton(const QString &key) const
@@ -349,7 +349,7 @@ void MainForm::showAcquisitionImage(int image)
 
 void MainForm::userChanged()
 {
-    m_alarms->setPrivileged(m_rt.user.hasCommandRights());
+    m_alarms->setPrivileged(m_rt.services.user.hasCommandRights());
 }
 
 void MainForm::MenuErroriCOM()
@@ -361,7 +361,7 @@ void MainForm::showAlarms()
 {
     if (!m_alarms->isVisible())
         placeAlarmsWindow();
-    m_alarms->showCommErrors(m_rt.user.hasCommandRights());
+    m_alarms->showCommErrors(m_rt.services.user.hasCommandRights());
 }
 
 // Beside the content, at the workspace's top right: the menus and the toolbar stay free.

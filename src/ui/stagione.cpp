@@ -72,7 +72,7 @@ Stagione::Stagione(Runtime &rt, Prompts &prompts, QWidget *parent)
     , m_outcome(new QLabel(this))
 {
     setObjectName(QStringLiteral("Stagione"));
-    setWindowTitle(rt.mode.seasonCaption.isEmpty() ? QStringLiteral("Stagione") : rt.mode.seasonCaption);
+    setWindowTitle(rt.model.mode.seasonCaption.isEmpty() ? QStringLiteral("Stagione") : rt.model.mode.seasonCaption);
     m_chooseFile = [this](const QString &folder) { return defaultChooser(this, folder); };
 
     auto *recipes = new QGroupBox(QStringLiteral("Ricette del cambio stagione"), this);
@@ -206,9 +206,9 @@ void Stagione::refresh()
 {
     if (m_change->sending())
         return;
-    setWindowTitle(m_rt.mode.seasonCaption.isEmpty() ? QStringLiteral("Stagione") : m_rt.mode.seasonCaption);
-    m_summerFile->setText(ReadSeasonRecipe(m_rt.ini, Season::Estate));
-    m_winterFile->setText(ReadSeasonRecipe(m_rt.ini, Season::Inverno));
+    setWindowTitle(m_rt.model.mode.seasonCaption.isEmpty() ? QStringLiteral("Stagione") : m_rt.model.mode.seasonCaption);
+    m_summerFile->setText(ReadSeasonRecipe(m_rt.model.ini, Season::Estate));
+    m_winterFile->setText(ReadSeasonRecipe(m_rt.model.ini, Season::Inverno));
     showSeason();
     m_outcome->clear();
     m_progressPanel->hide();
@@ -226,7 +226,7 @@ void Stagione::showSeason()
 
 void Stagione::chooseRecipe(Season season)
 {
-    const QString folder = m_rt.ini.folder().filePath(RecipeFolder);
+    const QString folder = m_rt.model.ini.folder().filePath(RecipeFolder);
     const QString chosen = m_chooseFile(folder);
     if (chosen.isEmpty())
         return;
@@ -237,7 +237,7 @@ void Stagione::chooseRecipe(Season season)
                                               .arg(QDir::toNativeSeparators(folder)));
         return;
     }
-    WriteSeasonRecipe(m_rt.ini, season, file.fileName());
+    WriteSeasonRecipe(m_rt.model.ini, season, file.fileName());
     (season == Season::Estate ? m_summerFile : m_winterFile)->setText(file.fileName());
     if (season == otherSeason(m_change->currentSeason()))
         m_change->loadSeasonRecipe(season);

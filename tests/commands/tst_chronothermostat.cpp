@@ -16,23 +16,23 @@ namespace {
 // slot, plus 0.7 that zone 3's decimals cut away.
 struct ChronoFixture : RuntimeFixture
 {
-    ChronoThermostat chrono{rt};
+    ChronoThermostat chrono{rt.model, rt.services.master, clock};
 
     ChronoFixture()
     {
-        rt.editor.chronoThermostat = true;
-        rt.plant.zoneDisplay.chronoQuantity = 1;
-        rt.holidays.setEntries({QStringLiteral("18/11/2026")});
-        rt.plant.zones.resize(3);
+        rt.model.editor.chronoThermostat = true;
+        rt.model.plant.zoneDisplay.chronoQuantity = 1;
+        rt.model.holidays.setEntries({QStringLiteral("18/11/2026")});
+        rt.model.plant.zones.resize(3);
         for (int zone = 0; zone < 4; ++zone) {
             const int r = 0x10 * (zone + 1);
-            setRow(rt.editor.tables.ZoneWriteTable, zone,
+            setRow(rt.model.editor.tables.ZoneWriteTable, zone,
                    {zone + 1, zone == 2 ? 0 : 1, -1, -1, 6, r, 6, r + 1, 6, r + 2, 6, r + 3, 6, r + 4});
             slaves.insert(zone + 1);
-            rt.editor.chronoZoneEnabled[zone] = zone != 1;
+            rt.model.editor.chronoZoneEnabled[zone] = zone != 1;
             for (int slot = 0; slot < ChronoSchedule::Slots; ++slot)
                 for (int day = 0; day < ChronoSchedule::Days; ++day)
-                    rt.chrono(slot, zone, day) = float(day * 100 + slot) + (zone == 2 ? 0.7f : 0.0f);
+                    rt.model.chrono(slot, zone, day) = float(day * 100 + slot) + (zone == 2 ? 0.7f : 0.0f);
         }
     }
 
@@ -93,7 +93,7 @@ private slots:
         for (const ChronoStep &step : steps) {
             if (step.before == Before::Restart)
                 fx.chrono.restart();
-            fx.rt.editor.chronoThermostat = step.before != Before::OptionOff;
+            fx.rt.model.editor.chronoThermostat = step.before != Before::OptionOff;
             fx.setNow(step.at);
             const QStringList expected = step.day < 0 ? QStringList{} : slotWrites(step.day, step.slot);
             QCOMPARE(fx.chrono.runTick(), !expected.isEmpty());
@@ -105,13 +105,13 @@ private slots:
     void zoneLeftOut()
     {
         ChronoFixture fx;
-        fx.rt.chrono(32, 0, 0) = 4000.0f;
+        fx.rt.model.chrono(32, 0, 0) = 4000.0f;
         fx.setNow(QStringLiteral("16 08:07:00"));
         QTest::ignoreMessage(QtWarningMsg, QRegularExpression("zone 1 set point .*4000.* does not fit"));
         QVERIFY(fx.chrono.runTick());
         QCOMPARE(fx.takeRequests(), slotWrites(0, 32).mid(1));
 
-        fx.rt.editor.tables.ZoneWriteTable.set(2, zoneQuantityFunctionSlot(1), UnusedSlot);
+        fx.rt.model.editor.tables.ZoneWriteTable.set(2, zoneQuantityFunctionSlot(1), UnusedSlot);
         fx.setNow(QStringLiteral("16 08:15:00"));
         QTest::ignoreMessage(QtWarningMsg, "Chrono-thermostat: zone 3 has no write register for quantity 1");
         QVERIFY(fx.chrono.runTick());
@@ -124,8 +124,8 @@ private slots:
     void runsInTheMonitoringCycle()
     {
         ChronoFixture fx;
-        fx.rt.plant.zoneDisplay.chronoQuantity = 4;
-        fx.rt.editor.comm.remotePeriod = fx.rt.editor.comm.measurementPeriod = fx.rt.editor.comm.ledPeriod = 0;
+        fx.rt.model.plant.zoneDisplay.chronoQuantity = 4;
+        fx.rt.model.editor.comm.remotePeriod = fx.rt.model.editor.comm.measurementPeriod = fx.rt.model.editor.comm.ledPeriod = 0;
         fx.rt.cycleTasks.append(&fx.chrono);
         Supervisor supervisor(fx.rt);
         fx.setNow(QStringLiteral("16 08:07:00"));

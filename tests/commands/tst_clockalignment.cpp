@@ -14,13 +14,13 @@ namespace {
 // has no clock keys; zone 4 has one but no instrument address.
 struct ClockFixture : RuntimeFixture
 {
-    ClockAlignment alignment{rt};
+    ClockAlignment alignment{rt.model, rt.services.master, clock};
 
     ClockFixture()
     {
-        rt.plant.zones.resize(4);
+        rt.model.plant.zones.resize(4);
         for (int zone = 0; zone < 3; ++zone)
-            setRow(rt.editor.tables.ZoneWriteTable, zone, {zone + 1, 2});
+            setRow(rt.model.editor.tables.ZoneWriteTable, zone, {zone + 1, 2});
         slaves = {1, 2, 3};
         writeFile(QStringLiteral("Telvane2.ini"), "[Zona 01]\nOra_w=6,256\nMinuti_w= 6, 257 \nGiorno_w=6,40202\n"
                                                   "[Zona 02]\nOra_w=8,512\n[Zona 04]\nOra_w=6,1024\n");
@@ -109,10 +109,10 @@ private slots:
     void alignNow()
     {
         ClockFixture fx;
-        fx.rt.mode.CivilMode = true;
+        fx.rt.model.mode.CivilMode = true;
         fx.slaves.remove(2);
-        fx.rt.ini.WriteIniKey(QStringLiteral("Zona 03"), QStringLiteral("Ora_w"), QStringLiteral("6"));
-        fx.rt.ini.WriteIniKey(QStringLiteral("Zona 03"), QStringLiteral("Minuti_w"), QStringLiteral("5,10"));
+        fx.rt.model.ini.WriteIniKey(QStringLiteral("Zona 03"), QStringLiteral("Ora_w"), QStringLiteral("6"));
+        fx.rt.model.ini.WriteIniKey(QStringLiteral("Zona 03"), QStringLiteral("Minuti_w"), QStringLiteral("5,10"));
         QVERIFY(!fx.alignment.runTick());
         QVERIFY(fx.line.requests().isEmpty());
 

@@ -18,8 +18,8 @@ void configureDoor(RuntimeFixture &fx, int functionCode, int valOn, int valOff)
 {
     fx.login(false, true);
     const int f = functionCode;
-    setRow(fx.rt.editor.tables.DoorWriteTable, 0, {9, 0, -1, -1, f, 0x40, f, 0x41, -1, valOn, valOff});
-    fx.rt.plant.synoptic.doorSound = QStringLiteral("porta.wav");
+    setRow(fx.rt.model.editor.tables.DoorWriteTable, 0, {9, 0, -1, -1, f, 0x40, f, 0x41, -1, valOn, valOff});
+    fx.rt.model.plant.synoptic.doorSound = QStringLiteral("porta.wav");
 }
 
 } // namespace
@@ -51,8 +51,8 @@ private slots:
         QFETCH(int, pulseMs);
         RuntimeFixture fx;
         configureDoor(fx, functionCode, valOn, valOff);
-        fx.rt.editor.doorPulseMs = pulseMs;
-        fx.rt.master.setCommunicate(!requests.isEmpty());
+        fx.rt.model.editor.doorPulseMs = pulseMs;
+        fx.rt.services.master.setCommunicate(!requests.isEmpty());
         fx.slaves.insert(9);
         QList<qint64> sentAtMs;
         fx.line.setResponder([&](const QByteArray &request) {
@@ -85,7 +85,7 @@ private slots:
         QFETCH(QString, warning);
         RuntimeFixture fx;
         configureDoor(fx, 5, 1, 0);
-        fx.rt.plant.synoptic.doorSound.clear();
+        fx.rt.model.plant.synoptic.doorSound.clear();
         fx.line.setResponder([&](const QByteArray &request) -> ScriptedLine::Reply {
             const int echo = request[3] == 0x40 ? openEcho : releaseEcho;
             if (echo < 0)
@@ -104,7 +104,7 @@ private slots:
     {
         RuntimeFixture fx;
         configureDoor(fx, 5, 1, 0);
-        fx.rt.editor.tables.DoorWriteTable.set(0, DoorSlot::OffFunction, UnusedSlot);
+        fx.rt.model.editor.tables.DoorWriteTable.set(0, DoorSlot::OffFunction, UnusedSlot);
         QCOMPARE(DoorOpenCommand(fx.rt, fx.prompts), CommandOutcome::NotConfigured);
         QVERIFY(fx.line.requests().isEmpty() && fx.pause.pauses().isEmpty() && fx.sound.played().isEmpty());
         QVERIFY(fx.prompts.asked().isEmpty());

@@ -28,16 +28,16 @@ struct CommandsFixture : RuntimeFixture
 
     explicit CommandsFixture(bool acquiring)
     {
-        rt.plant.switches.resize(1);
-        rt.plant.zones.resize(2);
-        RegisterTables &t = rt.editor.tables;
+        rt.model.plant.switches.resize(1);
+        rt.model.plant.zones.resize(2);
+        RegisterTables &t = rt.model.editor.tables;
         setRow(t.SwitchWriteTable, 0, {4, 0, -1, -1, 5, 0x30, 5, 0x31, 1, 0});
         // The door's Val_on and Val_off sit one slot later than a switch's.
         setRow(t.DoorWriteTable, 0, {9, 0, -1, -1, 5, 0x40, 5, 0x41, -1, 1, 0});
         setRow(t.ZoneWriteTable, 0, {12, 1, -1, -1, -1, -1, 6, 0x50});
         setRow(t.ZoneWriteTable, 1, {12, 0, -1, -1, -1, -1, 6, 0x51});
         slaves = {4, 9, 12};
-        rt.editor.comm.remotePeriod = rt.editor.comm.measurementPeriod = rt.editor.comm.ledPeriod = 0;
+        rt.model.editor.comm.remotePeriod = rt.model.editor.comm.measurementPeriod = rt.model.editor.comm.ledPeriod = 0;
         rt.cycleTasks.append(&commands);
         commands.setOutcomeListener([this](CommandOutcome outcome) { told.append(outcome); });
         if (acquiring)
@@ -88,6 +88,8 @@ private slots:
                                            << QStringList{SwitchOnWrite};
         QTest::newRow("Img_on, switches not commanded") << Click::SwitchOnImage << true << 0 << QStringList{}
                                                         << QStringList{};
+        QTest::newRow("Img_off, switches not commanded") << Click::SwitchOffImage << false << 2 << QStringList{}
+                                                         << QStringList{};
         // The door does not look at the switches' mode.
         QTest::newRow("door standing by") << Click::DoorOpener << false << 0 << DoorPulse << QStringList{};
         QTest::newRow("door acquiring") << Click::DoorOpener << true << 0 << QStringList{} << DoorPulse;
@@ -101,7 +103,7 @@ private slots:
         QFETCH(QStringList, nextTick);
         CommandsFixture fx(acquiring);
         fx.login(true, false);
-        fx.rt.plant.SwitchControlMode = qint16(switchControlMode);
+        fx.rt.model.plant.SwitchControlMode = qint16(switchControlMode);
 
         fx.click(click);
         QCOMPARE(fx.takeRequests(), atOnce);
@@ -164,7 +166,7 @@ private slots:
         QFETCH(bool, asked);
         QFETCH(QStringList, nextTick);
         CommandsFixture fx(acquiring);
-        fx.rt.user = user;
+        fx.rt.services.user = user;
         fx.commands.queueSetValue(1, QStringLiteral("40"));
         fx.prompts.scriptTextInput(answer);
 
@@ -198,7 +200,7 @@ private slots:
         QVERIFY(fx.prompts.asked().isEmpty());
         QCOMPARE(fx.pause.pauses(), QList<int>{1000});
         QCOMPARE(fx.panelTexts[StatusBar::MessagePanel], (QStringList{"Privilegi insufficienti", ""}));
-        QCOMPARE(fx.rt.alarms.FailCount(AlarmItemKind::Switch, 0), 0);
+        QCOMPARE(fx.rt.services.alarms.FailCount(AlarmItemKind::Switch, 0), 0);
         QCOMPARE(fx.told, QList{CommandOutcome::Refused});
     }
 
@@ -219,7 +221,7 @@ private slots:
         QCOMPARE(fx.takeRequests(), (DoorPulse + QStringList{SwitchOffWrite, SwitchOnWrite, "0c 06 0051 0028"}));
         QCOMPARE(fx.told, (QList{CommandOutcome::Doubtful, CommandOutcome::Confirmed, CommandOutcome::Confirmed,
                                  CommandOutcome::Confirmed}));
-        QCOMPARE(fx.rt.values.ZoneValues[1][1], 40.0f);
+        QCOMPARE(fx.rt.model.values.ZoneValues[1][1], 40.0f);
     }
 
     // A Start drops the door and switch commands left from before; a set value stays.

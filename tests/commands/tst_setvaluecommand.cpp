@@ -20,9 +20,9 @@ QList<RecordingPrompts::Prompt> warning(const QString &text)
 void configureZone(RuntimeFixture &fx, int decimals, int functionCode = 6)
 {
     fx.login(true, false);
-    fx.rt.plant.zones.resize(Zone + 1);
+    fx.rt.model.plant.zones.resize(Zone + 1);
     const int f = functionCode;
-    setRow(fx.rt.editor.tables.ZoneWriteTable, Zone,
+    setRow(fx.rt.model.editor.tables.ZoneWriteTable, Zone,
            {12, decimals, -1, -1, f, 0x10, f, 0x11, f, 0x12, f, 0x13, f, 0x14});
     fx.slaves.insert(12);
 }
@@ -57,14 +57,14 @@ private slots:
         QFETCH(float, stored);
         RuntimeFixture fx;
         configureZone(fx, decimals, functionCode);
-        fx.rt.plant.zoneDisplay.textQuantity = qint16(quantity);
-        fx.rt.master.setCommunicate(!request.isEmpty());
-        QSignalSpy refreshes(&fx.rt.synoptic, &SynopticRefresh::zoneTextsChanged);
+        fx.rt.model.plant.zoneDisplay.textQuantity = qint16(quantity);
+        fx.rt.services.master.setCommunicate(!request.isEmpty());
+        QSignalSpy refreshes(&fx.rt.display.synoptic, &SynopticRefresh::zoneTextsChanged);
 
         QCOMPARE(SetValueCommand(fx.rt, fx.prompts, Zone, text), CommandOutcome::Confirmed);
         QCOMPARE(fx.takeRequests(), request.isEmpty() ? QStringList{} : QStringList{request});
         for (int k = 0; k < ValueTables::Quantities; ++k)
-            QCOMPARE(fx.rt.values.ZoneValues[Zone][k], k == quantity ? stored : InvalidValue);
+            QCOMPARE(fx.rt.model.values.ZoneValues[Zone][k], k == quantity ? stored : InvalidValue);
         QCOMPARE(refreshes.count(), 1);
         QVERIFY(fx.prompts.asked().isEmpty());
     }
@@ -87,7 +87,7 @@ private slots:
         QVERIFY(fx.line.requests().isEmpty());
         const QString box = QStringLiteral("Valore non valido: \"%1\". Nessun valore è stato inviato allo strumento.");
         QCOMPARE(fx.prompts.asked(), warning(box.arg(text)));
-        QCOMPARE(fx.rt.values.ZoneValues[Zone][1], InvalidValue);
+        QCOMPARE(fx.rt.model.values.ZoneValues[Zone][1], InvalidValue);
     }
 
     // A value the instrument did not echo back is not shown.
@@ -95,14 +95,14 @@ private slots:
     {
         RuntimeFixture fx;
         configureZone(fx, 1);
-        fx.rt.values.ZoneValues[Zone][1] = 20.0f;
+        fx.rt.model.values.ZoneValues[Zone][1] = 20.0f;
         fx.echoWrites(214);
         QCOMPARE(SetValueCommand(fx.rt, fx.prompts, Zone, QStringLiteral("21,5")), CommandOutcome::Doubtful);
         QCOMPARE(fx.takeRequests(), QStringList{"0c 06 0011 00d7"});
         const QString box = QStringLiteral("Attenzione: Il valore potrebbe non essere stato impostato a causa di un "
                                            "errore di comunicazione.");
         QCOMPARE(fx.prompts.asked(), warning(box));
-        QCOMPARE(fx.rt.values.ZoneValues[Zone][1], 20.0f);
+        QCOMPARE(fx.rt.model.values.ZoneValues[Zone][1], 20.0f);
     }
 
     // A quantity without a write register: the operator is told, nothing is sent.

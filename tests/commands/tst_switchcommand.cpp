@@ -21,8 +21,8 @@ RecordingPrompts::Prompt warning(bool on)
 void configureSwitch(RuntimeFixture &fx, int functionCode, int valOn, int valOff)
 {
     fx.login(true, false);
-    fx.rt.plant.switches.resize(1);
-    setRow(fx.rt.editor.tables.SwitchWriteTable, 0,
+    fx.rt.model.plant.switches.resize(1);
+    setRow(fx.rt.model.editor.tables.SwitchWriteTable, 0,
            {4, 0, -1, -1, functionCode, 0x30, functionCode, 0x31, valOn, valOff});
 }
 
@@ -46,6 +46,7 @@ private slots:
         QTest::newRow("coil on: 1 goes as FF00") << 5 << 1 << true << false << 0xFF00 << "04 05 0030 ff00" << true;
         QTest::newRow("coil on, 0 echoed") << 5 << 1 << true << false << 0 << "04 05 0030 ff00" << false;
         QTest::newRow("coil value 2 goes as it is") << 5 << 2 << true << false << 2 << "04 05 0030 0002" << false;
+        QTest::newRow("register off, 1 echoed") << 6 << 0 << false << false << 1 << "04 06 0031 0000" << false;
         QTest::newRow("register negative value") << 6 << -5 << true << false << 0xFFFB << "04 06 0030 fffb" << true;
         QTest::newRow("simulated coil on") << 5 << 1 << true << true << 0 << "" << true;
     }
@@ -63,17 +64,17 @@ private slots:
         QFETCH(bool, confirmed);
         RuntimeFixture fx;
         configureSwitch(fx, functionCode, value, value);
-        fx.rt.master.setCommunicate(!simulated);
+        fx.rt.services.master.setCommunicate(!simulated);
         fx.echoWrites(quint16(echo));
-        QSignalSpy refreshes(&fx.rt.synoptic, &SynopticRefresh::switchStatesChanged);
+        QSignalSpy refreshes(&fx.rt.display.synoptic, &SynopticRefresh::switchStatesChanged);
 
         const CommandOutcome outcome = SwitchCommand(fx.rt, fx.prompts, 0, on);
         QCOMPARE(outcome, confirmed ? CommandOutcome::Confirmed : CommandOutcome::Doubtful);
         QCOMPARE(fx.takeRequests(), request.isEmpty() ? QStringList{} : QStringList{request});
         QCOMPARE(fx.prompts.asked(), confirmed ? QList<RecordingPrompts::Prompt>{} : QList{warning(on)});
-        QCOMPARE(fx.rt.alarms.FailCount(AlarmItemKind::Switch, 0), confirmed ? 0 : 1);
+        QCOMPARE(fx.rt.services.alarms.FailCount(AlarmItemKind::Switch, 0), confirmed ? 0 : 1);
         const SwitchState state = on ? SwitchState::On : SwitchState::Off;
-        QCOMPARE(fx.rt.items.switches[0], confirmed ? state : SwitchState::Undetermined);
+        QCOMPARE(fx.rt.services.items.switches[0], confirmed ? state : SwitchState::Undetermined);
         QCOMPARE(refreshes.count(), confirmed ? 1 : 0);
         QCOMPARE(fx.panelTexts[StatusBar::MessagePanel],
                  (QStringList{on ? "Accensione..." : "Spegnimento...", ""}));
@@ -100,8 +101,8 @@ private slots:
         QFETCH(int, failCount);
         RuntimeFixture fx;
         configureSwitch(fx, 5, valOn, 0);
-        setRow(fx.rt.editor.tables.SwitchReadTable, 0, {5, 0, 3, 0x10});
-        setRow(fx.rt.editor.tables.SwitchWriteTable, 0, {4, 0, 6, 0x11});
+        setRow(fx.rt.model.editor.tables.SwitchReadTable, 0, {5, 0, 3, 0x10});
+        setRow(fx.rt.model.editor.tables.SwitchWriteTable, 0, {4, 0, 6, 0x11});
         if (remoteAnswers)
             fx.setValue(5, 3, 0x10, 1);
         if (switchAnswers)
@@ -110,7 +111,7 @@ private slots:
         SwitchCommand(fx.rt, fx.prompts, 0, true);
         const QString write = RuntimeFixture::request(4, 5, 0x30, valOn == 1 ? 0xFF00 : 2);
         QCOMPARE(fx.takeRequests(), (QStringList{"05 03 0010 0001", write, "04 06 0011 0000"}));
-        QCOMPARE(fx.rt.alarms.FailCount(AlarmItemKind::Switch, 0), failCount);
+        QCOMPARE(fx.rt.services.alarms.FailCount(AlarmItemKind::Switch, 0), failCount);
     }
 
     // Each failure is counted with the reason of its own exchange: here the write went
@@ -119,14 +120,14 @@ private slots:
     {
         RuntimeFixture fx;
         configureSwitch(fx, 5, 1, 0);
-        setRow(fx.rt.editor.tables.SwitchWriteTable, 0, {4, 0, 6, 0x11});
+        setRow(fx.rt.model.editor.tables.SwitchWriteTable, 0, {4, 0, 6, 0x11});
         fx.line.setResponder([](const QByteArray &request) -> ScriptedLine::Reply {
             if (request.at(1) == 5)
                 return {};
             return ScriptedLine::withCrc(request.left(2) + QByteArray::fromHex("0000") + request.mid(4, 2));
         });
         QStringList reasons;
-        QObject::connect(&fx.rt.alarms, &AlarmBook::failureCounted,
+        QObject::connect(&fx.rt.services.alarms, &AlarmBook::failureCounted,
                          [&](AlarmItemKind, int, const QString &reason) { reasons << reason; });
 
         QCOMPARE(SwitchCommand(fx.rt, fx.prompts, 0, true), CommandOutcome::Doubtful);
@@ -146,11 +147,11 @@ private slots:
         for (const bool on : {true, false}) {
             RuntimeFixture fx;
             configureSwitch(fx, 5, 1, 0);
-            fx.rt.editor.tables.SwitchWriteTable.set(0, SwitchSlot::OffRegister, UnusedSlot);
+            fx.rt.model.editor.tables.SwitchWriteTable.set(0, SwitchSlot::OffRegister, UnusedSlot);
             QCOMPARE(SwitchCommand(fx.rt, fx.prompts, 0, on), CommandOutcome::NotConfigured);
             QVERIFY(fx.line.requests().isEmpty());
             QVERIFY(fx.prompts.asked().isEmpty());
-            QCOMPARE(fx.rt.alarms.FailCount(AlarmItemKind::Switch, 0), 0);
+            QCOMPARE(fx.rt.services.alarms.FailCount(AlarmItemKind::Switch, 0), 0);
         }
     }
 };

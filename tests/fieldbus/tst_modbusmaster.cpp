@@ -225,6 +225,7 @@ private slots:
         QTest::addColumn<double>("random");
         QTest::addColumn<int>("value");
         QTest::newRow("coil above one half") << 1 << 0.7 << 1;
+        QTest::newRow("input at one half") << 2 << 0.5 << 0;
         QTest::newRow("register rounds half to even") << 3 << 0.125 << 38;
     }
     void simulation()

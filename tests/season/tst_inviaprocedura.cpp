@@ -64,7 +64,7 @@ Run send(RuntimeFixture &fx, const Recipe &recipe, ProcedureOptions options = {}
     ProcedureObserver observer;
     observer.progress = [&run](int, const QString &text) { run.progress.append(text); };
     observer.rowDone = [&run](const RecipeRow &, const RowOutcome &outcome) { run.rowsDone.append(outcome.row); };
-    run.result = InviaProcedura(fx.rt.master, fx.pause, fx.prompts, fx.clock, recipe, observer, options);
+    run.result = InviaProcedura(fx.rt.services.master, fx.pause, fx.prompts, fx.clock, recipe, observer, options);
     return run;
 }
 
@@ -139,7 +139,7 @@ private slots:
     void noRetriesBeyondTheLine()
     {
         RuntimeFixture fx;
-        fx.rt.master.setAttempts(3);
+        fx.rt.services.master.setAttempts(3);
         send(fx, recipeOf({write(1, 1, 2, 260)}));
         QCOMPARE(fx.takeRequests().size(), 3);
     }
@@ -235,7 +235,7 @@ private slots:
     void simulation()
     {
         RuntimeFixture fx;
-        fx.rt.master.setCommunicate(false);
+        fx.rt.services.master.setCommunicate(false);
         const Run run = send(fx, recipeOf({write(1, 1, 2, 260), write(1, 1, 1, 0xFF00, 5)}));
         QVERIFY(run.result.ok);
         QCOMPARE(fx.line.openCalls(), 0);

@@ -25,9 +25,9 @@ struct Plant : RuntimeFixture
     explicit Plant(const QByteArray &stagione = "Attuale=0\r\nEstate=Estate.prg\r\nInverno=Inverno.prg\r\n")
     {
         writeFile(QStringLiteral("Telvane2.ini"), "[Stagione]\r\n" + stagione);
-        rt.plant.zones.resize(2);
-        setRow(rt.editor.tables.ZoneWriteTable, 0, {1});
-        setRow(rt.editor.tables.ZoneWriteTable, 1, {2});
+        rt.model.plant.zones.resize(2);
+        setRow(rt.model.editor.tables.ZoneWriteTable, 0, {1});
+        setRow(rt.model.editor.tables.ZoneWriteTable, 1, {2});
         slaves = {1, 2};
         writeRecipe(QStringLiteral("Inverno.prg"), "[Zona 01]\r\nLinee=1\r\n01=6,2,200;SP\r\n"
                                                    "[Zona 02]\r\nLinee=1\r\n01=6,2,180;SP\r\n");
@@ -39,7 +39,7 @@ struct Plant : RuntimeFixture
         writeFile(QStringLiteral("Ricetta/") + name, "[File]\r\nID=Telvane\r\n" + zones);
     }
 
-    QString attuale() const { return rt.ini.ReadIniKey(QStringLiteral("Stagione"), QStringLiteral("Attuale"), "?"); }
+    QString attuale() const { return rt.model.ini.ReadIniKey(QStringLiteral("Stagione"), QStringLiteral("Attuale"), "?"); }
 };
 
 Prompt box(Kind kind, const QString &text)

@@ -169,7 +169,7 @@ private slots:
         rig.tick();
         QCOMPARE(rig.takeLines(), QStringList());
         rig.tick();
-        const QStringList entries = rig.rt.alarms.zoneEntries();
+        const QStringList entries = rig.rt.services.alarms.zoneEntries();
         QCOMPARE(entries.size(), 1);
         QVERIFY2(entries.first().startsWith(QStringLiteral("Cucina (14/11/2026 22:20:")), qPrintable(entries.first()));
         const QString alarm = QStringLiteral("Allarme: ") + entries.first();

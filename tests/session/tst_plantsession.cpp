@@ -77,7 +77,7 @@ private slots:
         PlantSession session(rig.rt, supervisor, rig.prompts);
 
         session.startUp();
-        QCOMPARE(rig.rt.chrono(ChronoSchedule::Slots - 1, ChronoSchedule::Zones - 1, ChronoSchedule::Days - 1), 21.5f);
+        QCOMPARE(rig.rt.model.chrono(ChronoSchedule::Slots - 1, ChronoSchedule::Zones - 1, ChronoSchedule::Days - 1), 21.5f);
         supervisor.MenuStart();
         rig.takeRequests();
         supervisor.MonitorCycle();
@@ -87,7 +87,7 @@ private slots:
 
         writeSchedule(rig, "18.0");
         session.reload();
-        QCOMPARE(rig.rt.chrono(0, 0, 0), 18.0f);
+        QCOMPARE(rig.rt.model.chrono(0, 0, 0), 18.0f);
         supervisor.MonitorCycle();
         QCOMPARE(rig.takeRequests(), QStringList{"01 06 0002 00b4"});
     }
@@ -101,7 +101,7 @@ private slots:
         Supervisor supervisor(rig.rt);
         PlantSession session(rig.rt, supervisor, rig.prompts);
         session.startUp();
-        QCOMPARE(rig.rt.chrono(10, 0, 3), 20.0f);
+        QCOMPARE(rig.rt.model.chrono(10, 0, 3), 20.0f);
         QVERIFY(QFile::exists(rig.dir.filePath(QStringLiteral("Crono/Cronotermostato.cts"))));
         QVERIFY(QFile::exists(rig.dir.filePath(QStringLiteral("Crono/Festivita.cts"))));
     }

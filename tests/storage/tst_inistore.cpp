@@ -96,8 +96,24 @@ private slots:
         dir.write(SettingsFolder::Industrial, "[A]\r\nk=2\r\n");
         setModified(path, before);
         QCOMPARE(store.ReadIniKey("A", "k", "default"), QStringLiteral("2"));
+        dir.write(SettingsFolder::Industrial, "[A]\r\n");
+        QCOMPARE(store.ReadIniKey("A", "k", "default"), QStringLiteral("default"));
         QVERIFY(QFile::remove(path));
         QCOMPARE(store.ReadIniKey("A", "k", "default"), QStringLiteral("default"));
+    }
+
+    void aTrustedEntryStillSeesNewStamps()
+    {
+        SettingsFolder dir;
+        dir.write("x.ini", "[A]\r\nk=1\r\n");
+        const QString path = dir.path("x.ini");
+        IniFileCache cache(-1);
+        QCOMPARE(cache.load(path)->value("A", "k"), QStringLiteral("1"));
+        QCOMPARE(cache.load(path)->value("A", "k"), QStringLiteral("1"));
+        const QDateTime time = modified(path);
+        dir.write("x.ini", "[A]\r\nk=2\r\n");
+        setModified(path, time.addSecs(5));
+        QCOMPARE(cache.load(path)->value("A", "k"), QStringLiteral("2"));
     }
 
     void writeFailureKeepsTheOldFile_data()
@@ -159,6 +175,27 @@ private slots:
         QVERIFY(!store.WriteIniKeys({{"A", "k", "2"}, {"B", "x=y", "3"}}));
         QCOMPARE(dir.read(SettingsFolder::Industrial), old);
         QCOMPARE(store.ReadIniKey("A", "k", ""), QStringLiteral("1"));
+    }
+
+    void unchangedValueIsNotRewritten()
+    {
+        SettingsFolder dir;
+        IniStore store = dir.store("[A]\r\nk=1\r\n");
+        const QString path = dir.path(SettingsFolder::Industrial);
+        const QDateTime old(QDate(2020, 3, 1), QTime(12, 0));
+        setModified(path, old);
+        QVERIFY(store.WriteIniKey("a", "K", "1"));
+        QCOMPARE(modified(path), old);
+    }
+
+    void readIniKeyFromNamedFiles()
+    {
+        SettingsFolder dir;
+        dir.write("Ricetta/Estate.prg", "[Zona 01]\r\nSP=\"22.5\"\r\n");
+        const IniStore store(dir.folder());
+        QCOMPARE(store.ReadIniKeyFrom("Zona 01", "SP", "", "Ricetta/Estate.prg"), QStringLiteral("22.5"));
+        QCOMPARE(store.ReadIniKeyFrom("zona 01", "sp", "", dir.path("Ricetta/Estate.prg")), QStringLiteral("22.5"));
+        QCOMPARE(store.ReadIniKeyFrom("Zona 01", "SP", "none", "Ricetta/Inverno.prg"), QStringLiteral("none"));
     }
 
     // What a save killed half-way leaves beside the settings, chrono and recipe files is

@@ -14,8 +14,8 @@ inline void configureZone(Runtime &rt, int zone, int slave, int decimals, const 
     QList<int> row{slave, decimals, UnusedSlot, UnusedSlot};
     for (auto [functionCode, address] : quantities)
         row << functionCode << address;
-    rt.editor.tables.ZoneReadTable.clearRow(zone);
-    setRow(rt.editor.tables.ZoneReadTable, zone, row);
+    rt.model.editor.tables.ZoneReadTable.clearRow(zone);
+    setRow(rt.model.editor.tables.ZoneReadTable, zone, row);
 }
 
 } // namespace telvane

@@ -96,19 +96,19 @@ private slots:
         QFETCH(bool, ok);
         QFETCH(RemoteState, state);
         RuntimeFixture fx;
-        configure(fx.rt.editor.tables, kind, read ? code : 3, read ? 6 : code);
+        configure(fx.rt.model.editor.tables, kind, read ? code : 3, read ? 6 : code);
         if (value >= 0)
             fx.setValue(12, code, 0x20, value);
-        QSignalSpy changed(&fx.rt.synoptic, &SynopticRefresh::remoteStatesChanged);
+        QSignalSpy changed(&fx.rt.display.synoptic, &SynopticRefresh::remoteStatesChanged);
 
         QCOMPARE(runExchange(fx.rt, kind, read, std::max(value, 1)), ok);
         QCOMPARE(fx.takeRequests(), request.isEmpty() ? QStringList{} : QStringList{request});
         const bool counted = kind != Kind::Door && !ok && !request.isEmpty();
         const AlarmItemKind alarmKinds[] = {AlarmItemKind::Zone, AlarmItemKind::Switch, AlarmItemKind::Zone,
                                             AlarmItemKind::Led};
-        QCOMPARE(fx.rt.alarms.FailCount(alarmKinds[int(kind)], 2), counted ? 1 : 0);
-        const RemoteState states[] = {fx.rt.items.zoneRemote[2], fx.rt.items.switchRemote[2], fx.rt.items.doorRemote,
-                                      fx.rt.items.ledRemote[2]};
+        QCOMPARE(fx.rt.services.alarms.FailCount(alarmKinds[int(kind)], 2), counted ? 1 : 0);
+        const RemoteState states[] = {fx.rt.services.items.zoneRemote[2], fx.rt.services.items.switchRemote[2], fx.rt.services.items.doorRemote,
+                                      fx.rt.services.items.ledRemote[2]};
         QCOMPARE(states[int(kind)], state);
         QCOMPARE(changed.size(), state == RemoteState::Unknown ? 0 : 1);
     }
@@ -120,11 +120,11 @@ private slots:
     {
         RuntimeFixture fx;
         for (const Kind kind : {Kind::Zone, Kind::Switch, Kind::Door, Kind::Led})
-            configure(fx.rt.editor.tables, kind, 3, 6);
-        fx.rt.plant.zones.resize(3);
+            configure(fx.rt.model.editor.tables, kind, 3, 6);
+        fx.rt.model.plant.zones.resize(3);
         for (int k = 0; k < 5; ++k) {
-            fx.rt.editor.tables.ZoneReadTable.set(2, zoneQuantityFunctionSlot(k), 3);
-            fx.rt.editor.tables.ZoneReadTable.set(2, zoneQuantityRegisterSlot(k), qint16(k));
+            fx.rt.model.editor.tables.ZoneReadTable.set(2, zoneQuantityFunctionSlot(k), 3);
+            fx.rt.model.editor.tables.ZoneReadTable.set(2, zoneQuantityRegisterSlot(k), qint16(k));
         }
         fx.setValue(1, 3, 0, 7);
         QList<bool> answers;
@@ -135,13 +135,23 @@ private slots:
                 answers << runExchange(fx.rt, kind, true, 1) << runExchange(fx.rt, kind, false, 1);
             ReadAllMeasurements(fx.rt);
         });
-        QCOMPARE(fx.rt.master.ReadRegister(3, 0, 1), 7);
+        QCOMPARE(fx.rt.services.master.ReadRegister(3, 0, 1), 7);
 
         QCOMPARE(answers, QList<bool>(8, false));
-        QCOMPARE(fx.rt.alarms.FailCount(AlarmItemKind::Zone, 2), 0);
-        QCOMPARE(fx.rt.alarms.FailCount(AlarmItemKind::Switch, 2), 0);
-        QCOMPARE(fx.rt.alarms.FailCount(AlarmItemKind::Led, 2), 0);
+        QCOMPARE(fx.rt.services.alarms.FailCount(AlarmItemKind::Zone, 2), 0);
+        QCOMPARE(fx.rt.services.alarms.FailCount(AlarmItemKind::Switch, 2), 0);
+        QCOMPARE(fx.rt.services.alarms.FailCount(AlarmItemKind::Led, 2), 0);
         QCOMPARE(fx.takeRequests(), QStringList{RuntimeFixture::request(1, 3, 0, 1)});
+    }
+
+    void indexOutsideThePlant()
+    {
+        RuntimeFixture fx;
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression("No zone with index 30"));
+        QVERIFY(!ZoneRemoteRead(fx.rt, 30));
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression("No LED with index 10"));
+        QVERIFY(!LedRemoteRead(fx.rt, 10));
+        QVERIFY(fx.line.requests().isEmpty());
     }
 
     void switchStateRule_data()
@@ -173,25 +183,25 @@ private slots:
     void switchStatesRead()
     {
         RuntimeFixture fx;
-        fx.rt.plant.switches.resize(3);
-        setRow(fx.rt.editor.tables.SwitchReadTable, 0, {21, 2, -1, -1, 1, 0x10, 1, 0x11});
-        setRow(fx.rt.editor.tables.SwitchReadTable, 1, {22, 1, -1, -1, 3, 0x10, 3, 0x11});
-        setRow(fx.rt.editor.tables.SwitchReadTable, 2, {23, 0, -1, -1, 1, 0x10});
+        fx.rt.model.plant.switches.resize(3);
+        setRow(fx.rt.model.editor.tables.SwitchReadTable, 0, {21, 2, -1, -1, 1, 0x10, 1, 0x11});
+        setRow(fx.rt.model.editor.tables.SwitchReadTable, 1, {22, 1, -1, -1, 3, 0x10, 3, 0x11});
+        setRow(fx.rt.model.editor.tables.SwitchReadTable, 2, {23, 0, -1, -1, 1, 0x10});
         for (auto [slave, functionCode, address, value] :
              {std::tuple{21, 1, 0x10, 1}, {21, 1, 0x11, 0}, {22, 3, 0x10, 0}, {22, 3, 0x11, 15}})
             fx.setValue(slave, functionCode, address, value);
         for (int i = 0; i < 3; ++i)
-            fx.rt.alarms.ReportSwitchFailure(0);
+            fx.rt.services.alarms.ReportSwitchFailure(0);
 
         ReadAllSwitchStates(fx.rt);
         QCOMPARE(fx.takeRequests(), (QStringList{"15 01 0010 0001", "15 01 0011 0001", "16 03 0010 0001",
                                                  "16 03 0011 0001", "17 01 0010 0001"}));
-        QCOMPARE(fx.rt.values.SwitchValues[1][1], 1.5f);
-        QCOMPARE(fx.rt.items.switches[0], SwitchState::On);
-        QCOMPARE(fx.rt.items.switches[1], SwitchState::Off);
-        QCOMPARE(fx.rt.items.switches[2], SwitchState::Undetermined);
-        QCOMPARE(fx.rt.alarms.FailCount(AlarmItemKind::Switch, 0), 0);
-        QCOMPARE(fx.rt.alarms.FailCount(AlarmItemKind::Switch, 2), 1);
+        QCOMPARE(fx.rt.model.values.SwitchValues[1][1], 1.5f);
+        QCOMPARE(fx.rt.services.items.switches[0], SwitchState::On);
+        QCOMPARE(fx.rt.services.items.switches[1], SwitchState::Off);
+        QCOMPARE(fx.rt.services.items.switches[2], SwitchState::Undetermined);
+        QCOMPARE(fx.rt.services.alarms.FailCount(AlarmItemKind::Switch, 0), 0);
+        QCOMPARE(fx.rt.services.alarms.FailCount(AlarmItemKind::Switch, 2), 1);
     }
 
     // Whether a lamp is lit below, at and above its threshold, for each condition from 0
@@ -212,29 +222,29 @@ private slots:
     void ledLampsRead()
     {
         RuntimeFixture fx;
-        fx.rt.plant.leds.resize(4);
-        LedTable &table = fx.rt.editor.tables.LedReadTable;
+        fx.rt.model.plant.leds.resize(4);
+        LedTable &table = fx.rt.model.editor.tables.LedReadTable;
         setRow(table, 0, {31, 1, -1, -1, 3, 0x10, 250, 1, 1});
         setRow(table, 1, {31, 1, -1, -1, 3, 0x10, 250, 1, 5});
         setRow(table, 2, {33, 0, -1, -1, 4, 0x09, 0, 1, 1});
         setRow(table, 3, {34, 0, -1, -1, -1, -1, 0, 1, 1});
         fx.setValue(31, 3, 0x10, 255);
-        fx.rt.items.leds[2] = {true, 12.0f};
+        fx.rt.services.items.leds[2] = {true, 12.0f};
 
         ReadAllLedLamps(fx.rt);
         QCOMPARE(fx.takeRequests(), (QStringList{"1f 03 0010 0001", "1f 03 0010 0001", "21 04 0009 0001"}));
-        QVERIFY(fx.rt.items.leds[0].lit);
-        QCOMPARE(fx.rt.items.leds[0].value, 25.5f);
-        QVERIFY(!fx.rt.items.leds[1].lit);
-        QVERIFY(!fx.rt.items.leds[2].lit);
-        QCOMPARE(fx.rt.items.leds[2].value, InvalidValue);
-        QCOMPARE(fx.rt.alarms.FailCount(AlarmItemKind::Led, 2), 1);
-        QCOMPARE(fx.rt.alarms.FailCount(AlarmItemKind::Led, 3), 0);
+        QVERIFY(fx.rt.services.items.leds[0].lit);
+        QCOMPARE(fx.rt.services.items.leds[0].value, 25.5f);
+        QVERIFY(!fx.rt.services.items.leds[1].lit);
+        QVERIFY(!fx.rt.services.items.leds[2].lit);
+        QCOMPARE(fx.rt.services.items.leds[2].value, InvalidValue);
+        QCOMPARE(fx.rt.services.alarms.FailCount(AlarmItemKind::Led, 2), 1);
+        QCOMPARE(fx.rt.services.alarms.FailCount(AlarmItemKind::Led, 3), 0);
 
         fx.setValue(33, 4, 0x09, 0);
         ReadAllLedLamps(fx.rt);
-        QCOMPARE(fx.rt.alarms.FailCount(AlarmItemKind::Led, 2), 0);
-        QVERIFY(fx.rt.items.leds[2].lit);
+        QCOMPARE(fx.rt.services.alarms.FailCount(AlarmItemKind::Led, 2), 0);
+        QVERIFY(fx.rt.services.items.leds[2].lit);
     }
 
     // A silent line is noted once, not on every idle tick.
@@ -253,7 +263,7 @@ private slots:
         QFETCH(bool, answered);
         QFETCH(int, requests);
         RuntimeFixture fx;
-        fx.rt.editor.lineProbe = probe;
+        fx.rt.model.editor.lineProbe = probe;
         fx.setValue(5, 3, 0x40, 7);
         if (!answered && requests)
             QTest::ignoreMessage(QtWarningMsg, QRegularExpression("The line is silent"));

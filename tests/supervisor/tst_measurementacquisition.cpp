@@ -29,10 +29,10 @@ const Answers AllAnswer(5, true);
 void setUpZone(RuntimeFixture &fx, int zone, int slave, const Codes &functions, const Answers &answers)
 {
     fx.slaves.insert(slave);
-    setRow(fx.rt.editor.tables.ZoneReadTable, zone, {slave, 1});
+    setRow(fx.rt.model.editor.tables.ZoneReadTable, zone, {slave, 1});
     for (int k = 0; k < 5; ++k) {
-        fx.rt.editor.tables.ZoneReadTable.set(zone, zoneQuantityFunctionSlot(k), qint16(functions[k]));
-        fx.rt.editor.tables.ZoneReadTable.set(zone, zoneQuantityRegisterSlot(k), qint16(100 + k));
+        fx.rt.model.editor.tables.ZoneReadTable.set(zone, zoneQuantityFunctionSlot(k), qint16(functions[k]));
+        fx.rt.model.editor.tables.ZoneReadTable.set(zone, zoneQuantityRegisterSlot(k), qint16(100 + k));
         if (answers[k])
             fx.setValue(slave, functions[k], 100 + k, 200 + k);
     }
@@ -78,22 +78,22 @@ private slots:
         QFETCH(QList<int>, counts);
         QFETCH(QList<int>, listed);
         RuntimeFixture fx;
-        fx.rt.plant.zones.resize(2);
-        fx.rt.plant.zones[1].name = QStringLiteral("Soggiorno");
+        fx.rt.model.plant.zones.resize(2);
+        fx.rt.model.plant.zones[1].name = QStringLiteral("Soggiorno");
         setUpZone(fx, 0, 1, Codes(5, 3), AllAnswer);
         setUpZone(fx, 1, 2, functions, answers);
 
         for (int round = 0; round < 2; ++round) {
             ReadAllMeasurements(fx.rt);
-            QCOMPARE(fx.rt.alarms.FailCount(AlarmItemKind::Zone, 1), counts[round]);
-            QCOMPARE(fx.rt.alarms.zoneEntries().size(), listed[round]);
+            QCOMPARE(fx.rt.services.alarms.FailCount(AlarmItemKind::Zone, 1), counts[round]);
+            QCOMPARE(fx.rt.services.alarms.zoneEntries().size(), listed[round]);
         }
         if (listed[1])
-            QVERIFY(fx.rt.alarms.zoneEntries().first().startsWith(QLatin1String("Soggiorno (14/11/2026 22:2")));
-        QCOMPARE(fx.rt.alarms.FailCount(AlarmItemKind::Zone, 0), 0);
+            QVERIFY(fx.rt.services.alarms.zoneEntries().first().startsWith(QLatin1String("Soggiorno (14/11/2026 22:2")));
+        QCOMPARE(fx.rt.services.alarms.FailCount(AlarmItemKind::Zone, 0), 0);
         // What was not read holds the invalid marker, for the synoptic's "--.-".
         for (int k = 0; k < 5; ++k)
-            QCOMPARE(fx.rt.values.ZoneValues[1][k] == InvalidValue, !answers[k]);
+            QCOMPARE(fx.rt.model.values.ZoneValues[1][k] == InvalidValue, !answers[k]);
     }
 
     // Registers are scaled by the zone's decimals; coils and discrete inputs are not.
@@ -114,13 +114,13 @@ private slots:
         QFETCH(int, raw);
         QFETCH(float, stored);
         RuntimeFixture fx;
-        fx.rt.plant.zones.resize(1);
-        setRow(fx.rt.editor.tables.ZoneReadTable, 0, {7, decimals, -1, -1, functionCode, 0x9c41});
+        fx.rt.model.plant.zones.resize(1);
+        setRow(fx.rt.model.editor.tables.ZoneReadTable, 0, {7, decimals, -1, -1, functionCode, 0x9c41});
         fx.setValue(7, functionCode, 0x9c41, raw);
 
         ReadAllMeasurements(fx.rt);
         QCOMPARE(fx.takeRequests(), QStringList{QStringLiteral("07 0%1 9c41 0001").arg(functionCode)});
-        QCOMPARE(fx.rt.values.ZoneValues[0][0], stored);
+        QCOMPARE(fx.rt.model.values.ZoneValues[0][0], stored);
     }
 
     // Zone 3 does not answer; zone 4 has more decimals than the log shows. The round
@@ -149,18 +149,18 @@ private slots:
         RuntimeFixture fx;
         fx.clock.setNow(QDateTime(QDate(2026, 11, 14), QTime(23, 59, 59, 900)));
         RecordingChart chart;
-        fx.rt.chart = &chart;
-        fx.rt.ChartLoggingOption = option;
-        fx.rt.plant.zones.resize(4);
-        fx.rt.plant.zoneDisplay.chartQuantity = qint16(chartQuantity);
+        fx.rt.display.chart = &chart;
+        fx.rt.display.ChartLoggingOption = option;
+        fx.rt.model.plant.zones.resize(4);
+        fx.rt.model.plant.zoneDisplay.chartQuantity = qint16(chartQuantity);
         const int decimals[] = {1, 1, 1, 4};
         for (int zone = 0; zone < 4; ++zone)
-            setRow(fx.rt.editor.tables.ZoneReadTable, zone, {zone + 1, decimals[zone], -1, -1, 3, 0, 3, 1});
+            setRow(fx.rt.model.editor.tables.ZoneReadTable, zone, {zone + 1, decimals[zone], -1, -1, 3, 0, 3, 1});
         for (auto [slave, pv, sp] : {std::tuple{1, 200, 215}, {2, 185, 190}, {4, 200, 201}}) {
             fx.setValue(slave, 3, 0, pv);
             fx.setValue(slave, 3, 1, sp);
         }
-        QSignalSpy refreshed(&fx.rt.synoptic, &SynopticRefresh::zoneTextsChanged);
+        QSignalSpy refreshed(&fx.rt.display.synoptic, &SynopticRefresh::zoneTextsChanged);
         if (chartQuantity > 4)
             QTest::ignoreMessage(QtWarningMsg, QRegularExpression("Zone Grafico"));
 
@@ -174,7 +174,7 @@ private slots:
         }
         if (!points.isEmpty())
             QVERIFY(std::get<1>(chart.points[3]) > std::get<1>(chart.points[0]));
-        QCOMPARE(fx.rt.values.ZoneValues[0][1], 21.5f);
+        QCOMPARE(fx.rt.model.values.ZoneValues[0][1], 21.5f);
         QCOMPARE(refreshed.size(), 1);
     }
 
@@ -182,15 +182,28 @@ private slots:
     void unusableRowsSendNothing()
     {
         RuntimeFixture fx;
-        fx.rt.plant.zones.resize(2);
-        setRow(fx.rt.editor.tables.ZoneReadTable, 0, {256, 1, -1, -1, 3, 0, 3, 1});
-        setRow(fx.rt.editor.tables.ZoneReadTable, 1, {5, 1, -1, -1, 6, 0, 9, 1});
+        fx.rt.model.plant.zones.resize(2);
+        setRow(fx.rt.model.editor.tables.ZoneReadTable, 0, {256, 1, -1, -1, 3, 0, 3, 1});
+        setRow(fx.rt.model.editor.tables.ZoneReadTable, 1, {5, 1, -1, -1, 6, 0, 9, 1});
         ReadAllMeasurements(fx.rt);
         QVERIFY(fx.line.requests().isEmpty());
-        QCOMPARE(fx.rt.alarms.FailCount(AlarmItemKind::Zone, 0), 8);
-        QCOMPARE(fx.rt.alarms.FailCount(AlarmItemKind::Zone, 1), 8);
+        QCOMPARE(fx.rt.services.alarms.FailCount(AlarmItemKind::Zone, 0), 8);
+        QCOMPARE(fx.rt.services.alarms.FailCount(AlarmItemKind::Zone, 1), 8);
     }
 
+
+    // A simulated round leaves the line alone and takes a quarter of a second, as a real one would.
+    void simulation()
+    {
+        RuntimeFixture fx;
+        fx.rt.services.master.setCommunicate(false);
+        fx.rt.model.plant.zones.resize(1);
+        setUpZone(fx, 0, 1, Codes(5, 3), AllAnswer);
+        ReadAllMeasurements(fx.rt);
+        QCOMPARE(fx.pause.pauses(), QList<int>{250});
+        QVERIFY(fx.line.requests().isEmpty());
+        QCOMPARE(fx.rt.services.alarms.FailCount(AlarmItemKind::Zone, 0), 0);
+    }
 };
 
 QTEST_GUILESS_MAIN(TestMeasurementAcquisition)

@@ -41,15 +41,15 @@ const int FullTickRequests = 4 + 2 + 2 + 1;
 struct CycleFixture : RuntimeFixture
 {
     Supervisor supervisor{rt};
-    WireTask task{rt.master};
+    WireTask task{rt.services.master};
 
     CycleFixture(int remotePeriod, int measurementPeriod, int ledPeriod)
     {
-        rt.plant.zones.resize(1);
-        rt.plant.switches.resize(1);
-        rt.plant.leds.resize(1);
-        rt.plant.apriporta.present = true;
-        RegisterTables &t = rt.editor.tables;
+        rt.model.plant.zones.resize(1);
+        rt.model.plant.switches.resize(1);
+        rt.model.plant.leds.resize(1);
+        rt.model.plant.apriporta.present = true;
+        RegisterTables &t = rt.model.editor.tables;
         // Address, decimals, REM function and register, then the table's own slots.
         setRow(t.ZoneReadTable, 0, {1, 1, 3, 0x10, 3, 0, 3, 1});
         setRow(t.ZoneWriteTable, 0, {1, 1, 6, 0x11});
@@ -59,16 +59,16 @@ struct CycleFixture : RuntimeFixture
         setRow(t.DoorWriteTable, 0, {3, 0, 6, 0x31});
         setRow(t.LedReadTable, 0, {4, 0, 1, 0x40, 4, 0x42, 25, -1, 1});
         setRow(t.LedWriteTable, 0, {4, 0, 5, 0x41});
-        rt.editor.lineProbe = {5, 3, 0x50};
+        rt.model.editor.lineProbe = {5, 3, 0x50};
         for (auto [slave, functionCode, address, value] :
              {std::tuple{1, 3, 0x10, 1}, {1, 3, 0, 205}, {1, 3, 1, 210}, {2, 1, 0x20, 0}, {2, 1, 0x22, 1},
               {2, 1, 0x23, 0}, {3, 2, 0x30, 1}, {4, 1, 0x40, 1}, {4, 4, 0x42, 30}, {5, 3, 0x50, 1}})
             setValue(slave, functionCode, address, value);
         slaves.insert(99);
-        rt.editor.comm.remotePeriod = remotePeriod;
-        rt.editor.comm.measurementPeriod = measurementPeriod;
-        rt.editor.comm.ledPeriod = ledPeriod;
-        rt.editor.comm.remoteEnabled = true;
+        rt.model.editor.comm.remotePeriod = remotePeriod;
+        rt.model.editor.comm.measurementPeriod = measurementPeriod;
+        rt.model.editor.comm.ledPeriod = ledPeriod;
+        rt.model.editor.comm.remoteEnabled = true;
         rt.cycleTasks.append(&task);
     }
 };
@@ -103,8 +103,8 @@ private slots:
         QFETCH(QStringList, exchanges);
         QFETCH(QString, activity);
         CycleFixture fx(1, 1, 1);
-        fx.rt.editor.comm.remoteEnabled = remote;
-        fx.rt.editor.comm.lineActivity = true;
+        fx.rt.model.editor.comm.remoteEnabled = remote;
+        fx.rt.model.editor.comm.lineActivity = true;
         fx.supervisor.SetAcquisitionState(true);
         fx.task.writes = true;
 
@@ -147,10 +147,10 @@ private slots:
         QFETCH(TickList, ledTicks);
         QFETCH(TickList, activityTicks);
         CycleFixture fx(periods[0], periods[1], periods[2]);
-        fx.rt.plant.switches.clear();
-        fx.rt.plant.apriporta.present = false;
+        fx.rt.model.plant.switches.clear();
+        fx.rt.model.plant.apriporta.present = false;
         // Rows without an activity poll have it switched off.
-        fx.rt.editor.comm.lineActivity = !activityTicks.isEmpty();
+        fx.rt.model.editor.comm.lineActivity = !activityTicks.isEmpty();
         fx.supervisor.SetAcquisitionState(true);
 
         const QStringList polls{RemoteZoneRead, MeasurementRead, LedLampRead, ActivityRead};
@@ -250,10 +250,46 @@ private slots:
             fx.supervisor.MonitorCycle();
         QCOMPARE(ticks.size(), ticksRun);
         QCOMPARE(fx.supervisor.CycleCounter(), counterAfter);
-        QCOMPARE(fx.rt.alarms.FailCount(AlarmItemKind::Led, 0), 0);
+        QCOMPARE(fx.rt.services.alarms.FailCount(AlarmItemKind::Led, 0), 0);
         QVERIFY(fx.supervisor.Timer_Monitor().isActive());
     }
 
+    void pollAnswersDriveTheCounts_data()
+    {
+        QTest::addColumn<bool>("remote");
+        QTest::addColumn<bool>("answers");
+        QTest::addColumn<QList<int>>("counts"); // zone, switch, LED; each 3 before the tick
+        QTest::addColumn<RemoteState>("zoneState");
+        // A LED's answer is not looked at: only its failure counts.
+        QTest::newRow("remote, answering") << true << true << QList<int>{0, 0, 3} << RemoteState::Remote;
+        QTest::newRow("local, silent") << false << false << QList<int>{4, 4, 4} << RemoteState::Unknown;
+    }
+
+    void pollAnswersDriveTheCounts()
+    {
+        QFETCH(bool, remote);
+        QFETCH(bool, answers);
+        QFETCH(QList<int>, counts);
+        QFETCH(RemoteState, zoneState);
+        CycleFixture fx(1, 0, 0);
+        fx.rt.model.editor.comm.remoteEnabled = remote;
+        if (!answers)
+            fx.slaves.clear();
+        for (int i = 0; i < 3; ++i) {
+            fx.rt.services.alarms.ReportZoneFailure(0);
+            fx.rt.services.alarms.ReportSwitchFailure(0);
+            fx.rt.services.alarms.ReportLedFailure(0);
+        }
+        fx.rt.services.items.zoneRemote[0] = RemoteState::Local;
+        fx.supervisor.SetAcquisitionState(true);
+
+        fx.supervisor.MonitorCycle();
+        const AlarmBook &alarms = fx.rt.services.alarms;
+        QCOMPARE((QList<int>{alarms.FailCount(AlarmItemKind::Zone, 0), alarms.FailCount(AlarmItemKind::Switch, 0),
+                             alarms.FailCount(AlarmItemKind::Led, 0)}),
+                 counts);
+        QCOMPARE(fx.rt.services.items.zoneRemote[0], zoneState);
+    }
 };
 
 QTEST_GUILESS_MAIN(TestMonitorCycle)

@@ -22,8 +22,8 @@ struct SupervisorFixture : RuntimeFixture
 
     SupervisorFixture()
     {
-        rt.plant.zones.resize(1);
-        setRow(rt.editor.tables.ZoneReadTable, 0, {1, 1, -1, -1, 3, 0, 3, 1, 3, 2, 3, 3, 3, 4});
+        rt.model.plant.zones.resize(1);
+        setRow(rt.model.editor.tables.ZoneReadTable, 0, {1, 1, -1, -1, 3, 0, 3, 1, 3, 2, 3, 3, 3, 4});
         for (int k = 0; k < 5; ++k)
             setValue(1, 3, k, 200);
         supervisor.load();
@@ -53,18 +53,18 @@ private slots:
     void load()
     {
         RuntimeFixture fx;
-        fx.rt.alarms.ReportSwitchFailure(0);
+        fx.rt.services.alarms.ReportSwitchFailure(0);
         Supervisor supervisor(fx.rt);
         supervisor.load();
 
-        QCOMPARE(fx.rt.statusBar.panel(StatusBar::StatePanel), QStringLiteral("Standby"));
+        QCOMPARE(fx.rt.display.statusBar.panel(StatusBar::StatePanel), QStringLiteral("Standby"));
         QCOMPARE(supervisor.acquisitionButtonImage(), Supervisor::StandbyImage);
         QVERIFY(!supervisor.AcquisitionRunning() && supervisor.AutoStartPending());
-        QCOMPARE(fx.rt.alarms.FailCount(AlarmItemKind::Switch, 0), 0);
+        QCOMPARE(fx.rt.services.alarms.FailCount(AlarmItemKind::Switch, 0), 0);
         QVERIFY(!supervisor.Timer_Monitor().isActive() && !supervisor.TimerAutoStart().isActive());
         for (const char *folder : {"Dati", "Crono", "Ricetta"})
             QVERIFY2(QDir(fx.dir.filePath(QLatin1String(folder))).exists(), folder);
-        QCOMPARE(fx.rt.mode.CurrentIniName, QStringLiteral("Telvane2.ini"));
+        QCOMPARE(fx.rt.model.mode.CurrentIniName, QStringLiteral("Telvane2.ini"));
     }
 
     void startUp_data()
@@ -89,12 +89,12 @@ private slots:
         Supervisor supervisor(fx.rt);
 
         supervisor.startUp();
-        QCOMPARE(fx.rt.editor.tables.ZoneReadTable.at(0, ZoneSlot::Address), 5);
-        QCOMPARE(fx.rt.ChartLoggingOption, grafico == QLatin1String("1"));
+        QCOMPARE(fx.rt.model.editor.tables.ZoneReadTable.at(0, ZoneSlot::Address), 5);
+        QCOMPARE(fx.rt.display.ChartLoggingOption, grafico == QLatin1String("1"));
         QCOMPARE(supervisor.TimerAutoStart().isActive(), autoAvvio == QLatin1String("1"));
         QCOMPARE(supervisor.SerialPortOpen(), portOpens);
-        QCOMPARE(fx.rt.statusBar.panel(StatusBar::PortPanel), QString(portOpens ? "COM2:9600,N,8,1" : "Nessuna COM"));
-        QCOMPARE(fx.rt.statusBar.panel(StatusBar::MessagePanel), QString(autoAvvio == "1" ? "Avvio in corso..." : ""));
+        QCOMPARE(fx.rt.display.statusBar.panel(StatusBar::PortPanel), QString(portOpens ? "COM2:9600,N,8,1" : "Nessuna COM"));
+        QCOMPARE(fx.rt.display.statusBar.panel(StatusBar::MessagePanel), QString(autoAvvio == "1" ? "Avvio in corso..." : ""));
     }
 
     // The operator's choice from the editor's menu outlives the reload that follows every
@@ -104,17 +104,17 @@ private slots:
         RuntimeFixture fx;
         fx.writeFile(QStringLiteral("Telvane2.ini"), "[Generale]\r\nZone=1\r\nGrafico=0\r\n");
         ReloadEditor(fx.rt);
-        QVERIFY(!fx.rt.ChartLoggingOption);
+        QVERIFY(!fx.rt.display.ChartLoggingOption);
         for (const bool chosen : {true, false}) {
             MenuVediGraf(fx.rt);
-            QCOMPARE(fx.rt.ChartLoggingOption, chosen);
+            QCOMPARE(fx.rt.display.ChartLoggingOption, chosen);
             ReloadEditor(fx.rt);
-            QCOMPARE(fx.rt.ChartLoggingOption, chosen);
+            QCOMPARE(fx.rt.display.ChartLoggingOption, chosen);
             RuntimeFixture restarted;
             QVERIFY(QFile::copy(fx.dir.filePath(QStringLiteral("Telvane2.ini")),
                                 restarted.dir.filePath(QStringLiteral("Telvane2.ini"))));
             ReloadEditor(restarted.rt);
-            QCOMPARE(restarted.rt.ChartLoggingOption, chosen);
+            QCOMPARE(restarted.rt.display.ChartLoggingOption, chosen);
         }
     }
 
@@ -124,12 +124,12 @@ private slots:
         SupervisorFixture fx;
         fx.supervisor.SetAlarmBlink(true);
         for (const bool on : {true, false}) {
-            fx.rt.statusBar.setPanel(StatusBar::ActivityPanel, QStringLiteral("Remoto..."));
-            fx.rt.statusBar.setPanel(StatusBar::MessagePanel, QStringLiteral("Accensione..."));
+            fx.rt.display.statusBar.setPanel(StatusBar::ActivityPanel, QStringLiteral("Remoto..."));
+            fx.rt.display.statusBar.setPanel(StatusBar::MessagePanel, QStringLiteral("Accensione..."));
             fx.supervisor.SetAcquisitionState(on);
-            QCOMPARE(fx.rt.statusBar.panel(StatusBar::StatePanel), QString(on ? "Acquisizione" : "Standby"));
-            QVERIFY(fx.rt.statusBar.panel(StatusBar::ActivityPanel).isEmpty());
-            QVERIFY(fx.rt.statusBar.panel(StatusBar::MessagePanel).isEmpty());
+            QCOMPARE(fx.rt.display.statusBar.panel(StatusBar::StatePanel), QString(on ? "Acquisizione" : "Standby"));
+            QVERIFY(fx.rt.display.statusBar.panel(StatusBar::ActivityPanel).isEmpty());
+            QVERIFY(fx.rt.display.statusBar.panel(StatusBar::MessagePanel).isEmpty());
             QCOMPARE(fx.supervisor.acquisitionButtonImage(),
                      on ? Supervisor::AcquiringImage : Supervisor::StandbyImage);
             QCOMPARE(fx.supervisor.Timer_Monitor().isActive(), on);
@@ -164,14 +164,14 @@ private slots:
         if (acquiring)
             fx.supervisor.MenuStart();
         fx.takeRequests();
-        fx.rt.values.ZoneValues[0][0] = InvalidValue;
-        fx.rt.editor.comm.portAvailable = portOpen;
+        fx.rt.model.values.ZoneValues[0][0] = InvalidValue;
+        fx.rt.model.editor.comm.portAvailable = portOpen;
         fx.supervisor.setCommunicateWithInstruments(communicate);
         QSignalSpy changed(&fx.supervisor, &Supervisor::acquisitionStateChanged);
 
         reload ? fx.supervisor.MenuRileggi() : fx.supervisor.MenuStart();
         QCOMPARE(fx.takeRequests().size(), std::max(requests, 0));
-        QCOMPARE(fx.rt.values.ZoneValues[0][0] != InvalidValue, requests >= 0);
+        QCOMPARE(fx.rt.model.values.ZoneValues[0][0] != InvalidValue, requests >= 0);
         QCOMPARE(fx.supervisor.AcquisitionRunning(), acquiring || requests >= 0);
         QCOMPARE(fx.supervisor.Timer_Monitor().isActive(), acquiring || requests >= 0);
         QCOMPARE(changed.size(), requests < 0 ? 0 : reload ? 2 : 1);
@@ -181,9 +181,9 @@ private slots:
     void startResumesTheAlarmAndLocksTheEditor()
     {
         SupervisorFixture fx;
-        fx.rt.EditorOpen = true;
+        fx.rt.display.EditorOpen = true;
         for (int i = 0; i < 6; ++i)
-            fx.rt.alarms.ReportLedFailure(2);
+            fx.rt.services.alarms.ReportLedFailure(2);
         fx.supervisor.SetAlarmBlink(false);
         QSignalSpy editor(&fx.supervisor, &Supervisor::editorFrameEnabledRequested);
 
@@ -207,13 +207,13 @@ private slots:
         QFETCH(UserLevel, user);
         QFETCH(QList<QVariantList>, editorRequests);
         SupervisorFixture fx;
-        fx.rt.EditorOpen = true;
-        fx.rt.user = user;
+        fx.rt.display.EditorOpen = true;
+        fx.rt.services.user = user;
         fx.supervisor.MenuStart();
         fx.supervisor.SetAlarmBlink(true);
-        fx.rt.items.switches[0] = SwitchState::On;
-        fx.rt.items.leds[1].lit = true;
-        QSignalSpy zonesReset(&fx.rt.displayResets, &DisplayResets::ResetZoneDisplays);
+        fx.rt.services.items.switches[0] = SwitchState::On;
+        fx.rt.services.items.leds[1].lit = true;
+        QSignalSpy zonesReset(&fx.rt.display.displayResets, &DisplayResets::ResetZoneDisplays);
         QSignalSpy editor(&fx.supervisor, &Supervisor::editorFrameEnabledRequested);
 
         fx.supervisor.MenuStop();
@@ -221,8 +221,8 @@ private slots:
         QVERIFY(!fx.supervisor.AlarmBlinkActive());
         QCOMPARE(fx.supervisor.acquisitionButtonImage(), Supervisor::StandbyImage);
         QCOMPARE(zonesReset.size(), 1);
-        QCOMPARE(fx.rt.items.switches[0], SwitchState::Undetermined);
-        QVERIFY(!fx.rt.items.leds[1].lit);
+        QCOMPARE(fx.rt.services.items.switches[0], SwitchState::Undetermined);
+        QVERIFY(!fx.rt.services.items.leds[1].lit);
         QCOMPARE(QList<QVariantList>(editor), editorRequests);
     }
 
@@ -241,7 +241,7 @@ private slots:
         QFETCH(int, command);
         QFETCH(bool, acquiring);
         SupervisorFixture fx;
-        fx.rt.master.setCommunicate(false);
+        fx.rt.services.master.setCommunicate(false);
         if (acquiring)
             fx.supervisor.MenuStart();
         fx.pause.clear();
@@ -262,10 +262,10 @@ private slots:
     {
         SupervisorFixture fx;
         Supervisor &supervisor = fx.supervisor;
-        fx.rt.master.setCommunicate(false);
+        fx.rt.services.master.setCommunicate(false);
         supervisor.armAutoStart(true);
         QVERIFY(supervisor.TimerAutoStart().isActive());
-        QCOMPARE(fx.rt.statusBar.panel(StatusBar::MessagePanel), QStringLiteral("Avvio in corso..."));
+        QCOMPARE(fx.rt.display.statusBar.panel(StatusBar::MessagePanel), QStringLiteral("Avvio in corso..."));
         QCOMPARE(blinkImages(supervisor, 4), (QList<int>{3, 4, 3, 4}));
         QVERIFY(supervisor.Timer_Lampeggio().isActive());
 
@@ -274,7 +274,7 @@ private slots:
         QVERIFY(supervisor.AcquisitionRunning());
         QVERIFY(!supervisor.AlarmBlinkActive());
         QCOMPARE(supervisor.acquisitionButtonImage(), Supervisor::AcquiringImage);
-        QCOMPARE(fx.rt.statusBar.panel(StatusBar::MessagePanel), QString());
+        QCOMPARE(fx.rt.display.statusBar.panel(StatusBar::MessagePanel), QString());
     }
 
     // The sixth failure blinks the button and plays the sound on every other phase;
@@ -290,13 +290,13 @@ private slots:
         QFETCH(QString, sound);
         SupervisorFixture fx;
         Supervisor &supervisor = fx.supervisor;
-        fx.rt.master.setCommunicate(false);
-        fx.rt.plant.synoptic.alarmSound = sound;
+        fx.rt.services.master.setCommunicate(false);
+        fx.rt.model.plant.synoptic.alarmSound = sound;
         supervisor.TimerAutoStartTick(); // acquiring, as after the automatic start
         QVERIFY(!supervisor.Timer_Lampeggio().isActive());
 
         for (int i = 0; i < 6; ++i)
-            fx.rt.alarms.ReportZoneFailure(0);
+            fx.rt.services.alarms.ReportZoneFailure(0);
         QVERIFY(supervisor.AlarmBlinkActive());
         QVERIFY(supervisor.Timer_Lampeggio().isActive());
         QCOMPARE(blinkImages(supervisor, 3), (QList<int>{3, 4, 3}));

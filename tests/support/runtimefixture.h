@@ -38,12 +38,12 @@ struct RuntimeFixture
 
     RuntimeFixture()
     {
-        rt.master.setAttempts(1);
-        rt.master.setReplyTimeout(0.1f);
-        rt.master.setCommunicate(true);
-        rt.editor.comm.portAvailable = true;
+        rt.services.master.setAttempts(1);
+        rt.services.master.setReplyTimeout(0.1f);
+        rt.services.master.setCommunicate(true);
+        rt.model.editor.comm.portAvailable = true;
         line.setResponder([this](const QByteArray &request) { return answer(request); });
-        QObject::connect(&rt.statusBar, &StatusBar::panelChanged,
+        QObject::connect(&rt.display.statusBar, &StatusBar::panelChanged,
                          [this](int panel, const QString &text) { panelTexts.at(panel).append(text); });
     }
 
@@ -54,7 +54,7 @@ struct RuntimeFixture
         m_values.insert(key(slave, functionCode, address), value);
     }
 
-    void login(bool technician, bool administrator) { rt.user = {technician, administrator}; }
+    void login(bool technician, bool administrator) { rt.services.user = {technician, administrator}; }
 
     // A file of the program folder, its folders made as needed.
     void writeFile(const QString &name, const QByteArray &bytes) const { writeTestFile(dir.filePath(name), bytes); }

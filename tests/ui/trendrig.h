@@ -10,8 +10,8 @@ namespace telvane {
 // chart's keys and the zones' sections included.
 inline void startUpWithSettings(WindowRig &rig, const QByteArray &settings)
 {
-    QVERIFY(rig.plant.rt.ini.WriteModeKey(QStringLiteral("Generale"), QStringLiteral("Modo"), QStringLiteral("0")));
-    writeTestFile(rig.plant.rt.ini.folder().filePath(QStringLiteral("Telvane2.ini")), settings);
+    QVERIFY(rig.plant.rt.model.ini.WriteModeKey(QStringLiteral("Generale"), QStringLiteral("Modo"), QStringLiteral("0")));
+    writeTestFile(rig.plant.rt.model.ini.folder().filePath(QStringLiteral("Telvane2.ini")), settings);
     rig.startUp();
 }
 

@@ -22,13 +22,13 @@ private:
     static void startWithSilentSwitch(WindowRig &rig)
     {
         rig.startUp();
-        rig.plant.rt.plant.switches.resize(1);
-        rig.plant.rt.plant.switches[0].name = QStringLiteral("Pompa");
-        SwitchTable &table = rig.plant.rt.editor.tables.SwitchReadTable;
+        rig.plant.rt.model.plant.switches.resize(1);
+        rig.plant.rt.model.plant.switches[0].name = QStringLiteral("Pompa");
+        SwitchTable &table = rig.plant.rt.model.editor.tables.SwitchReadTable;
         table.set(0, SwitchSlot::Address, 7);
         table.set(0, SwitchSlot::OnFunction, 1);
         table.set(0, SwitchSlot::OnRegister, 3);
-        rig.plant.rt.plant.synoptic.alarmSound = QStringLiteral("allarme.wav");
+        rig.plant.rt.model.plant.synoptic.alarmSound = QStringLiteral("allarme.wav");
     }
     // Reads the plant through the drop-down as often as asked; the first starts acquisition.
     static void readPlant(WindowRig &rig, int times)
@@ -106,8 +106,8 @@ private slots:
     {
         WindowRig rig;
         rig.startUp();
-        rig.plant.rt.plant.zones.resize(1);
-        rig.plant.rt.plant.zones[0].name = QStringLiteral("Soggiorno");
+        rig.plant.rt.model.plant.zones.resize(1);
+        rig.plant.rt.model.plant.zones[0].name = QStringLiteral("Soggiorno");
         configureZone(rig.plant.rt, 0, 9, 1, {{3, 0}, {3, 1}, {3, 2}, {3, 3}, {3, 4}});
         // Five quantities, five failures a round: the second round lists it.
         rig.clickButton(QStringLiteral("8"));
@@ -123,7 +123,7 @@ private slots:
     {
         WindowRig rig;
         startWithSilentSwitch(rig);
-        rig.plant.rt.user.IsTechnician = true;
+        rig.plant.rt.services.user.IsTechnician = true;
         readPlant(rig, 3);
         rig.clickButton(QStringLiteral("8"));
         Allarmi *alarms = rig.window->alarmsWindow();

@@ -95,7 +95,7 @@ private slots:
     {
         EditorRig rig;
         QVERIFY(rig.editor->isVisible());
-        QVERIFY(rig.rig.plant.rt.EditorOpen);
+        QVERIFY(rig.rig.plant.rt.display.EditorOpen);
         QVERIFY(rig.rig.button(QStringLiteral("7"))->isChecked());
         QCOMPARE(rig.list(QStringLiteral("Lst_Letture")), QStringList{"100>1:3,1 [0]"});
         QVERIFY(rig.editor->findChild<QListView *>(QStringLiteral("Lst_Letture"))->isEnabled());
@@ -114,7 +114,7 @@ private slots:
         EditorRig::retype(timeout->lineEdit(), QStringLiteral("250"));
         rig.click(page, QStringLiteral("Cmd_Chiudi_RS232_0"));
         QVERIFY(rig.read(QStringLiteral("Telvane2.ini")).contains("TimeOut=250\r\n"));
-        QCOMPARE(rig.rig.plant.rt.editor.comm.timeoutSeconds, 0.25f);
+        QCOMPARE(rig.rig.plant.rt.model.editor.comm.timeoutSeconds, 0.25f);
         QVERIFY(!rig.editor->currentPage());
     }
 
@@ -172,7 +172,7 @@ private slots:
     {
         EditorRig rig;
         rig.trigger(QStringLiteral("MenuCambiaIni"));
-        QCOMPARE(rig.rig.plant.rt.ini.ReadModeKey("Generale", "Modo", ""), QStringLiteral("1"));
+        QCOMPARE(rig.rig.plant.rt.model.ini.ReadModeKey("Generale", "Modo", ""), QStringLiteral("1"));
         QCOMPARE(rig.rig.entry(QStringLiteral("MenuCrono"))->text(), QStringLiteral("Impostazioni cronotermostato"));
         QCOMPARE(rig.rig.button(QStringLiteral("5"))->text(), QStringLiteral("Stagione"));
         QVERIFY(rig.list(QStringLiteral("Lst_Letture")).isEmpty()); // Telvane1.ini holds no plant yet
@@ -192,8 +192,8 @@ private slots:
         QTest::keyClick(setPoint, Qt::Key_Return);
         QCOMPARE(tuesday->item(29)->text(), QStringLiteral("07:15   21.5"));
         rig.click(page, QStringLiteral("Cmd_OK_CT_0"));
-        QCOMPARE(rig.rig.plant.rt.chrono(29, 0, 1), 21.5f);
-        QCOMPARE(rig.rig.plant.rt.chrono(30, 0, 1), 20.0f);
+        QCOMPARE(rig.rig.plant.rt.model.chrono(29, 0, 1), 21.5f);
+        QCOMPARE(rig.rig.plant.rt.model.chrono(30, 0, 1), 20.0f);
         const QList<QByteArray> lines = rig.read(QStringLiteral("Crono/Cronotermostato.cts")).split('\n');
         QCOMPARE(lines.value((29 * 30 + 0) * 7 + 1).trimmed(), QByteArray("21.5"));
     }

@@ -44,7 +44,7 @@ QList<QLineSeries *> drawnStretches(TrendChart &chart, const QColor &color)
 
 QByteArray settingsFile(WindowRig &rig)
 {
-    QFile file(rig.plant.rt.ini.folder().filePath(QStringLiteral("Telvane2.ini")));
+    QFile file(rig.plant.rt.model.ini.folder().filePath(QStringLiteral("Telvane2.ini")));
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
@@ -96,9 +96,9 @@ private slots:
         QCOMPARE(panel.labels().label(30), QStringLiteral("--------"));
         QVERIFY(panel.labels().toolTipOf(3).isEmpty());
 
-        rig.plant.rt.chart->addPoint(1, Morning, 21.5);
-        rig.plant.rt.chart->addPoint(1, Morning.addSecs(60), 22.0);
-        rig.plant.rt.chart->roundFinished();
+        rig.plant.rt.display.chart->addPoint(1, Morning, 21.5);
+        rig.plant.rt.display.chart->addPoint(1, Morning.addSecs(60), 22.0);
+        rig.plant.rt.display.chart->roundFinished();
         chart.redrawNow();
         QCOMPARE(drawnStretches(chart, QColor(255, 0, 0)).size(), 1);
     }
@@ -113,9 +113,9 @@ private slots:
         TrendChart &chart = rig.window->trendWindow()->panel().chart();
         const double zone1[] = {20, 21, InvalidValue, InvalidValue, 23, 24};
         for (int i = 0; i < 6; ++i) {
-            rig.plant.rt.chart->addPoint(1, Morning.addSecs(60 * i), zone1[i]);
-            rig.plant.rt.chart->addPoint(2, Morning.addSecs(60 * i), 18);
-            rig.plant.rt.chart->roundFinished();
+            rig.plant.rt.display.chart->addPoint(1, Morning.addSecs(60 * i), zone1[i]);
+            rig.plant.rt.display.chart->addPoint(2, Morning.addSecs(60 * i), 18);
+            rig.plant.rt.display.chart->roundFinished();
         }
         chart.redrawNow();
 
@@ -140,9 +140,9 @@ private slots:
         startUpWithSettings(rig, TwoZones);
         rig.clickButton(QStringLiteral("3"));
         TrendChart &chart = rig.window->trendWindow()->panel().chart();
-        rig.plant.rt.chart->addPoint(1, Morning, 20.5);
-        rig.plant.rt.chart->addPoint(2, Morning, InvalidValue);
-        rig.plant.rt.chart->roundFinished();
+        rig.plant.rt.display.chart->addPoint(1, Morning, 20.5);
+        rig.plant.rt.display.chart->addPoint(2, Morning, InvalidValue);
+        rig.plant.rt.display.chart->roundFinished();
         chart.redrawNow();
         chart.moveCursorTo(Morning.addSecs(30).toMSecsSinceEpoch());
         const QString info = chart.infoText();
@@ -170,7 +170,7 @@ private slots:
         dialog->accept();
 
         QVERIFY2(settingsFile(rig).contains("[Zona 02]\r\nNome=Cucina\r\nColore=&H563412\r\n"), settingsFile(rig).constData());
-        QCOMPARE(rig.plant.rt.plant.chart.traceColors[1], 0x563412u);
+        QCOMPARE(rig.plant.rt.model.plant.chart.traceColors[1], 0x563412u);
         // A double-click on an empty position asks nothing.
         const QPoint empty = labels.visualItemRect(labels.item(5)).center();
         QTest::mouseClick(labels.viewport(), Qt::LeftButton, {}, empty);

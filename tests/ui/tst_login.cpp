@@ -64,8 +64,8 @@ private slots:
 
         logIn(rig, cells[0], cells[1], cells[2]);
         QCOMPARE(rig.panel(1), cells[3]);
-        QCOMPARE(rig.plant.rt.user.IsTechnician, technician);
-        QCOMPARE(rig.plant.rt.user.IsAdministrator, administrator);
+        QCOMPARE(rig.plant.rt.services.user.IsTechnician, technician);
+        QCOMPARE(rig.plant.rt.services.user.IsAdministrator, administrator);
         const QList<RecordingPrompts::Prompt> refusal{
             {RecordingPrompts::Kind::Warning, QStringLiteral("Accesso"), QStringLiteral("Password errata.")}};
         QCOMPARE(rig.prompts.asked(), refused ? refusal : QList<RecordingPrompts::Prompt>{});

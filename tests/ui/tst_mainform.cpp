@@ -23,8 +23,8 @@ namespace {
 // One switch whose instrument answers: every read of the plant is one request.
 void addAnsweringSwitch(PlantRig &plant)
 {
-    plant.rt.plant.switches.resize(1);
-    SwitchTable &table = plant.rt.editor.tables.SwitchReadTable;
+    plant.rt.model.plant.switches.resize(1);
+    SwitchTable &table = plant.rt.model.editor.tables.SwitchReadTable;
     table.set(0, SwitchSlot::Address, 4);
     table.set(0, SwitchSlot::OnFunction, 1);
     table.set(0, SwitchSlot::OnRegister, 10);
@@ -49,7 +49,7 @@ private slots:
     {
         const QStringList cells = rowCells();
         WindowRig rig;
-        QVERIFY(rig.plant.rt.ini.WriteModeKey(QStringLiteral("Generale"), QStringLiteral("Modo"), cells[0]));
+        QVERIFY(rig.plant.rt.model.ini.WriteModeKey(QStringLiteral("Generale"), QStringLiteral("Modo"), cells[0]));
         rig.startUp();
         QCOMPARE(rig.panel(1), QStringLiteral("COM1:9600,N,8,1"));
         QCOMPARE(rig.panel(2), Standby);
@@ -189,7 +189,7 @@ private slots:
     void blinkWhileTheAutomaticStartIsPending()
     {
         WindowRig rig;
-        QVERIFY(rig.plant.rt.ini.WriteIniKey(QStringLiteral("Generale"), QStringLiteral("AutoAvvio"), QStringLiteral("1")));
+        QVERIFY(rig.plant.rt.model.ini.WriteIniKey(QStringLiteral("Generale"), QStringLiteral("AutoAvvio"), QStringLiteral("1")));
         rig.startUp();
         Supervisor &supervisor = rig.supervisor;
         QCOMPARE(rig.panel(4), QStringLiteral("Avvio in corso..."));
@@ -215,9 +215,9 @@ private slots:
     {
         WindowRig rig;
         rig.startUp();
-        rig.plant.rt.plant.switches.resize(1);
+        rig.plant.rt.model.plant.switches.resize(1);
         for (int failure = 0; failure < 6; ++failure)
-            rig.plant.rt.alarms.ReportSwitchFailure(0);
+            rig.plant.rt.services.alarms.ReportSwitchFailure(0);
         rig.clickButton(QStringLiteral("8"));
         QVERIFY(rig.supervisor.AlarmBlinkActive());
         QToolButton *button = rig.button(QStringLiteral("8"));
@@ -237,13 +237,13 @@ private slots:
         rig.startUp();
         QLabel *port = rig.window->portLabel();
         QVERIFY(!port->isVisible()); // panel 1 shows it
-        rig.plant.rt.statusBar.setPanel(StatusBar::PortPanel, QStringLiteral("Utente: Tecnico"));
+        rig.plant.rt.display.statusBar.setPanel(StatusBar::PortPanel, QStringLiteral("Utente: Tecnico"));
         QCOMPARE(rig.panel(1), QStringLiteral("Utente: Tecnico"));
         QVERIFY(port->isVisible());
         QCOMPARE(port->text(), QStringLiteral("Porta: COM1:9600,N,8,1"));
-        rig.plant.rt.statusBar.setPanel(StatusBar::PortPanel, QStringLiteral("Nessuna COM"));
+        rig.plant.rt.display.statusBar.setPanel(StatusBar::PortPanel, QStringLiteral("Nessuna COM"));
         QVERIFY(!port->isVisible());
-        rig.plant.rt.statusBar.setPanel(StatusBar::PortPanel, QStringLiteral("Utente: Anonimo"));
+        rig.plant.rt.display.statusBar.setPanel(StatusBar::PortPanel, QStringLiteral("Utente: Anonimo"));
         QCOMPARE(port->text(), QStringLiteral("Porta: Nessuna COM"));
     }
 

@@ -55,7 +55,7 @@ class TestSinottico : public QObject
 
     Runtime &rt() { return rig->plant.rt; }
     QGraphicsView *view() { return synoptic->view(); }
-    QString key(const QString &section, const QString &name) { return rt().ini.ReadIniKey(section, name, QString()); }
+    QString key(const QString &section, const QString &name) { return rt().model.ini.ReadIniKey(section, name, QString()); }
 
     // Where `itemPoint` of `item` is on the screen, in the view's viewport.
     QPoint at(const QGraphicsItem *item, QPointF itemPoint)
@@ -164,10 +164,10 @@ private slots:
     {
         rig->plant.setValue(1, 3, 2, 200);
         rig->supervisor.MenuStart();
-        emit rt().synoptic.zoneTextsChanged();
+        emit rt().display.synoptic.zoneTextsChanged();
         QCOMPARE(synoptic->lastRepaints(), 0);
-        rt().values.zoneValue(1, ZoneQuantity::SP) = 18.5f;
-        emit rt().synoptic.zoneTextsChanged();
+        rt().model.values.zoneValue(1, ZoneQuantity::SP) = 18.5f;
+        emit rt().display.synoptic.zoneTextsChanged();
         QCOMPARE(synoptic->lastRepaints(), 1);
         QCOMPARE(synoptic->zoneMarker(1)->labTempText(), QStringLiteral("18.5 °C"));
     }
@@ -176,11 +176,11 @@ private slots:
     {
         SwitchItem *pump = synoptic->switchItem(0);
         QCOMPARE(pump->visiblePicture(), QStringLiteral("Img_ind"));
-        rt().items.switches[0] = SwitchState::On;
-        rt().items.switches[1] = SwitchState::Off;
-        rt().items.leds[0].lit = true;
-        emit rt().synoptic.switchStatesChanged();
-        emit rt().synoptic.ledLampsChanged();
+        rt().services.items.switches[0] = SwitchState::On;
+        rt().services.items.switches[1] = SwitchState::Off;
+        rt().services.items.leds[0].lit = true;
+        emit rt().display.synoptic.switchStatesChanged();
+        emit rt().display.synoptic.ledLampsChanged();
         QCOMPARE(pump->visiblePicture(), QStringLiteral("Img_on"));
         QCOMPARE(synoptic->switchItem(1)->visiblePicture(), QStringLiteral("Img_off"));
         QVERIFY(synoptic->ledItem(0)->isLit());
@@ -197,14 +197,14 @@ private slots:
         QSignalSpy off(synoptic, &Sinottico::switchOffImageClicked);
         QSignalSpy door(synoptic, &Sinottico::doorOpenerClicked);
         QSignalSpy value(synoptic, &Sinottico::zoneValueDoubleClicked);
-        rt().items.switches[0] = SwitchState::On;
-        rt().items.switches[1] = SwitchState::Off;
-        emit rt().synoptic.switchStatesChanged();
+        rt().services.items.switches[0] = SwitchState::On;
+        rt().services.items.switches[1] = SwitchState::Off;
+        emit rt().display.synoptic.switchStatesChanged();
 
         click(centreOf(synoptic->switchItem(0)));
         click(centreOf(synoptic->switchItem(1)));
-        rt().items.switches[0] = SwitchState::Undetermined;
-        emit rt().synoptic.switchStatesChanged();
+        rt().services.items.switches[0] = SwitchState::Undetermined;
+        emit rt().display.synoptic.switchStatesChanged();
         click(centreOf(synoptic->switchItem(0)));
         QCOMPARE(on.count(), 1);
         QCOMPARE(on.at(0).at(0).toInt(), 0);
@@ -298,7 +298,7 @@ private slots:
 
     void informationPanel()
     {
-        QVERIFY(rt().ini.WriteIniKeys({{QStringLiteral("Zona 01"), QStringLiteral("Info_X"), QStringLiteral("2400")},
+        QVERIFY(rt().model.ini.WriteIniKeys({{QStringLiteral("Zona 01"), QStringLiteral("Info_X"), QStringLiteral("2400")},
                                        {QStringLiteral("Zona 01"), QStringLiteral("Info_Y"), QStringLiteral("1200")}}));
         ZoneMarkerItem *living = synoptic->zoneMarker(0);
         click(at(living, living->markerRect().center()));

@@ -120,7 +120,7 @@ private slots:
                  (QList<Prompt>{{Kind::Question, Title, "Modificare le impostazioni sugli strumenti ?"},
                                 {Kind::Information, Title,
                                  "Il cambio delle impostazioni è stato completato correttamente."}}));
-        QCOMPARE(rig.plant.rt.ini.ReadIniKey("Stagione", "Attuale", "?"), QStringLiteral("1"));
+        QCOMPARE(rig.plant.rt.model.ini.ReadIniKey("Stagione", "Attuale", "?"), QStringLiteral("1"));
         QCOMPARE(child<QLabel>(rig, "Lab_Attuale")->text(), QStringLiteral("Stagione attuale: Inverno"));
     }
 
@@ -153,7 +153,7 @@ private slots:
         answer = rig.plant.dir.filePath(QStringLiteral("Ricetta/Inverno2.prg"));
         QTest::mouseClick(child<QPushButton>(rig, "Cmd_Inverno"), Qt::LeftButton);
         QCOMPARE(child<QLineEdit>(rig, "Txt_Inverno")->text(), QStringLiteral("Inverno2.prg"));
-        QCOMPARE(rig.plant.rt.ini.ReadIniKey("Stagione", "Inverno", "?"), QStringLiteral("Inverno2.prg"));
+        QCOMPARE(rig.plant.rt.model.ini.ReadIniKey("Stagione", "Inverno", "?"), QStringLiteral("Inverno2.prg"));
         QCOMPARE(child<QListWidget>(rig, "Lst_NomePar")->count(), 1);
         QCOMPARE(child<QListWidget>(rig, "Lst_Sadd")->item(0)->text(), QStringLiteral("2"));
     }

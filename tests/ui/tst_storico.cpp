@@ -22,7 +22,7 @@ const QDate Day2(2026, 11, 15);
 
 void writeDay(WindowRig &rig, const QDate &date, const QByteArray &lines)
 {
-    writeTestFile(rig.plant.rt.ini.folder().filePath(QStringLiteral("Dati/") + DailyLogFileName(date)), lines);
+    writeTestFile(rig.plant.rt.model.ini.folder().filePath(QStringLiteral("Dati/") + DailyLogFileName(date)), lines);
 }
 
 // Shows the days as the operator would and waits for the reading to end.
@@ -117,16 +117,16 @@ private slots:
         Storico &history = *rig.window->historyWindow();
         showDays(history, Day1, Day2);
 
-        const QString csv = rig.plant.rt.ini.folder().filePath(QStringLiteral("intervallo.csv"));
+        const QString csv = rig.plant.rt.model.ini.folder().filePath(QStringLiteral("intervallo.csv"));
         QVERIFY(history.exportCsv(csv));
         const QStringList lines = QString::fromUtf8(readAll(csv)).remove(QChar(0xFEFF)).split(QStringLiteral("\r\n"));
         QCOMPARE(lines, (QStringList{"Data e ora;Soggiorno;Cucina", "14/11/2026 23:59:00;20,5;18",
                                      "15/11/2026 00:00:05;21,5;", "15/11/2026 00:01:05;22;19", ""}));
 
-        const QString png = rig.plant.rt.ini.folder().filePath(QStringLiteral("intervallo.png"));
+        const QString png = rig.plant.rt.model.ini.folder().filePath(QStringLiteral("intervallo.png"));
         QVERIFY(history.exportPng(png));
         QVERIFY(!QImage(png).isNull());
-        QVERIFY(!history.exportCsv(rig.plant.rt.ini.folder().filePath(QStringLiteral("assente/x.csv"))));
+        QVERIFY(!history.exportCsv(rig.plant.rt.model.ini.folder().filePath(QStringLiteral("assente/x.csv"))));
         QCOMPARE(rig.prompts.asked().size(), 1);
     }
 
@@ -143,7 +143,7 @@ private slots:
         showDays(history, Day1, Day1);
 
         const QString pdf = history.print();
-        QCOMPARE(pdf, rig.plant.rt.ini.folder().filePath(QStringLiteral("Storico_2026_11_14.pdf")));
+        QCOMPARE(pdf, rig.plant.rt.model.ini.folder().filePath(QStringLiteral("Storico_2026_11_14.pdf")));
         QVERIFY(readAll(pdf).startsWith("%PDF"));
         QCOMPARE(rig.prompts.asked().size(), 1);
         QVERIFY(rig.prompts.asked()[0].text.endsWith(QDir::toNativeSeparators(pdf)));

@@ -53,7 +53,7 @@ QStringList WindowRig::messagesDuring(const std::function<void()> &action)
 {
     QStringList texts;
     QLabel *panel4 = window->statusPanel(StatusBar::MessagePanel);
-    const auto connection = QObject::connect(&plant.rt.statusBar, &StatusBar::panelChanged,
+    const auto connection = QObject::connect(&plant.rt.display.statusBar, &StatusBar::panelChanged,
                                              [&texts, panel4](int number, const QString &) {
                                                  if (number == StatusBar::MessagePanel)
                                                      texts.append(panel4->text());

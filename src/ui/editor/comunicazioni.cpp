@@ -54,7 +54,7 @@ Comunicazioni::Comunicazioni(Runtime &rt, Supervisor &supervisor, Prompts &promp
     , m_supervisor(supervisor)
     , m_prompts(prompts)
     , m_reload(std::move(reload))
-    , m_printTarget([this] { return openPrintTarget(m_rt.ini.folder().root(), m_rt.clock.now()); })
+    , m_printTarget([this] { return openPrintTarget(m_rt.model.ini.folder().root(), m_rt.devices.clock.now()); })
     , m_frame(new QFrame(this))
     , m_stack(new QStackedWidget(this))
     , m_listsPage(new QWidget(m_stack))
@@ -111,7 +111,7 @@ Comunicazioni::Comunicazioni(Runtime &rt, Supervisor &supervisor, Prompts &promp
 
 Comunicazioni::~Comunicazioni()
 {
-    m_rt.EditorOpen = false;
+    m_rt.display.EditorOpen = false;
 }
 
 QAction *Comunicazioni::addEntry(QMenu *menu, const QString &name, const QString &text)
@@ -210,7 +210,7 @@ void Comunicazioni::showEvent(QShowEvent *event)
         // Loaded once, the editor stays loaded: the acquisition's Start and Stop decide its
         // frame from then on.
         m_loaded = true;
-        m_rt.EditorOpen = true;
+        m_rt.display.EditorOpen = true;
         setFrameEnabled(!m_supervisor.AcquisitionRunning());
     }
 }
@@ -228,8 +228,8 @@ void Comunicazioni::setFrameEnabled(bool enabled)
 
 void Comunicazioni::applyMode()
 {
-    const bool civil = m_rt.mode.CivilMode;
-    m_entries.value(QStringLiteral("MenuPianificazione"))->setText(m_rt.mode.scheduleCaption + QStringLiteral("..."));
+    const bool civil = m_rt.model.mode.CivilMode;
+    m_entries.value(QStringLiteral("MenuPianificazione"))->setText(m_rt.model.mode.scheduleCaption + QStringLiteral("..."));
     m_entries.value(QStringLiteral("MenuCambiaIni"))
         ->setText(civil ? QStringLiteral("Passa all'impianto &industriale (Telvane2.ini)")
                         : QStringLiteral("Passa all'impianto &civile (Telvane1.ini)"));
@@ -239,21 +239,21 @@ void Comunicazioni::applyMode()
 
 void Comunicazioni::openSchedulePage()
 {
-    openPage(m_rt.mode.CivilMode ? QStringLiteral("Crono") : QStringLiteral("Orologio"));
+    openPage(m_rt.model.mode.CivilMode ? QStringLiteral("Crono") : QStringLiteral("Orologio"));
 }
 
 void Comunicazioni::openPage(const QString &name)
 {
     if (name == QLatin1String("Crono")) {
-        m_chronoPage->model().load(m_rt.ini, m_rt.chrono, m_rt.holidays.stringList());
-        m_chronoPage->showModel(m_rt.plant);
+        m_chronoPage->model().load(m_rt.model.ini, m_rt.model.chrono, m_rt.model.holidays.stringList());
+        m_chronoPage->showModel(m_rt.model.plant);
         m_stack->setCurrentWidget(m_chronoPage);
         return;
     }
     FieldPage *page = m_fieldPages.value(name);
     if (!page)
         return;
-    page->model().load(m_rt.ini);
+    page->model().load(m_rt.model.ini);
     page->showModel();
     m_stack->setCurrentWidget(page);
 }
@@ -268,10 +268,10 @@ void Comunicazioni::closeFieldPage(FieldPage *page, int index)
     if (index == 0) {
         if (!page->model().canConfirm())
             return;
-        if (!page->model().save(m_rt.ini))
+        if (!page->model().save(m_rt.model.ini))
             m_prompts.warning(QStringLiteral("Comunicazioni"),
                               QStringLiteral("Impossibile salvare le impostazioni in %1: il file è rimasto com'era.")
-                                  .arg(m_rt.ini.currentIniName()));
+                                  .arg(m_rt.model.ini.currentIniName()));
     }
     // Every close reloads, so the plant always runs on what the file holds.
     MenuRileggiIni();
@@ -280,7 +280,7 @@ void Comunicazioni::closeFieldPage(FieldPage *page, int index)
 
 void Comunicazioni::closeChronoPage(int index)
 {
-    if (index == 0 && !m_chronoPage->model().save(m_rt.ini, m_rt.chrono, m_rt.holidays))
+    if (index == 0 && !m_chronoPage->model().save(m_rt.model.ini, m_rt.model.chrono, m_rt.model.holidays))
         m_prompts.warning(QStringLiteral("Comunicazioni"),
                           QStringLiteral("Impossibile salvare il cronotermostato nella cartella Crono."));
     MenuRileggiIni();
@@ -295,7 +295,7 @@ void Comunicazioni::MenuRileggiIni()
 
 void Comunicazioni::MenuCambiaIni()
 {
-    m_rt.mode = ChangeSettingsFile(m_rt.ini, m_rt.mode.CivilMode);
+    m_rt.model.mode = ChangeSettingsFile(m_rt.model.ini, m_rt.model.mode.CivilMode);
     applyMode();
     emit modeChanged();
     MenuRileggiIni();
@@ -305,20 +305,20 @@ void Comunicazioni::MenuCambiaIni()
 void Comunicazioni::refresh()
 {
     for (const ListInfo &info : Lists) {
-        const CommList &list = m_rt.editor.lists.*(info.list);
+        const CommList &list = m_rt.model.editor.lists.*(info.list);
         m_listModels.value(QLatin1String(info.name))->setStringList(list.lines);
         m_lists.value(QLatin1String(info.name))->setEnabled(list.enabled);
     }
-    const GeneralOptions &options = m_rt.editor.options;
+    const GeneralOptions &options = m_rt.model.editor.options;
     m_entries.value(QStringLiteral("MenuAvvioAuto"))->setChecked(options.autoStart);
-    m_entries.value(QStringLiteral("MenuVediGraf"))->setChecked(m_rt.ChartLoggingOption);
+    m_entries.value(QStringLiteral("MenuVediGraf"))->setChecked(m_rt.display.ChartLoggingOption);
     m_entries.value(QStringLiteral("MenuMaster"))->setChecked(options.master);
 }
 
 void Comunicazioni::toggleOption(const QString &key, QAction *entry)
 {
     const bool on = entry->isChecked();
-    if (!m_rt.ini.WriteIniKeys({{QStringLiteral("Generale"), key, on ? QStringLiteral("1") : QStringLiteral("0")}})) {
+    if (!m_rt.model.ini.WriteIniKeys({{QStringLiteral("Generale"), key, on ? QStringLiteral("1") : QStringLiteral("0")}})) {
         entry->setChecked(!on);
         return;
     }
@@ -330,13 +330,13 @@ void Comunicazioni::tryInstrument(FieldPage *page, const QString &section)
     // The line belongs to the cycle while acquiring.
     if (m_supervisor.AcquisitionRunning())
         return;
-    const QStringList lines = TryInstrument(m_rt.master, page->model(), section);
+    const QStringList lines = TryInstrument(m_rt.services.master, page->model(), section);
     m_prompts.information(QStringLiteral("Prova strumento"), lines.join(QLatin1Char('\n')));
 }
 
 void Comunicazioni::writeRecipeTemplate()
 {
-    const QString path = WriteRecipeTemplate(m_rt.ini.folder());
+    const QString path = WriteRecipeTemplate(m_rt.model.ini.folder());
     if (path.isEmpty()) {
         m_prompts.warning(QStringLiteral("Modello di ricetta"),
                           QStringLiteral("Impossibile scrivere il modello di ricetta nella cartella Ricetta."));
@@ -367,7 +367,7 @@ void Comunicazioni::PrintCommLists()
 {
     const QString product = QLatin1String(ProductName);
     print([this, &product](PrinterSink &printer) {
-        return telvane::PrintCommLists(m_prompts, printer, m_rt.editor.lists, product, m_rt.clock.now());
+        return telvane::PrintCommLists(m_prompts, printer, m_rt.model.editor.lists, product, m_rt.devices.clock.now());
     });
 }
 
@@ -375,7 +375,7 @@ void Comunicazioni::PrintChronoSchedule()
 {
     const QString product = QLatin1String(ProductName);
     print([this, &product](PrinterSink &printer) {
-        return telvane::PrintChronoSchedule(m_prompts, printer, m_chronoPage->printout(), product, m_rt.clock.now());
+        return telvane::PrintChronoSchedule(m_prompts, printer, m_chronoPage->printout(), product, m_rt.devices.clock.now());
     });
 }
 

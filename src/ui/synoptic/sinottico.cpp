@@ -60,8 +60,8 @@ int ledColour(const EditorState &editor, int led)
 
 SynopticSources synopticSources(Runtime &rt)
 {
-    return {rt.plant, rt.values, rt.items,  rt.user,      rt.editor,       rt.alarms,
-            rt.clock, rt.ini,    rt.synoptic, rt.displayResets};
+    return {rt.model.plant, rt.model.values, rt.services.items,  rt.services.user,      rt.model.editor,       rt.services.alarms,
+            rt.devices.clock, rt.model.ini,    rt.display.synoptic, rt.display.displayResets};
 }
 
 Sinottico::Sinottico(const SynopticSources &sources, Supervisor &supervisor, Camera &camera, QWidget *parent)
