@@ -57,7 +57,6 @@ private:
     SettingsFolder m_dir;
 
 private slots:
-
     void itemsReadTheirOwnSections()
     {
         const PlantConfig config = load(m_dir.store(
