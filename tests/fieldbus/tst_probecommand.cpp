@@ -61,8 +61,10 @@ private slots:
         QTest::newRow("unknown code") << "--port 1 --slave 1 --fc 7 --address 1" << "--fc 7";
         QTest::newRow("value for a read") << read + " --value 5" << "--value";
         QTest::newRow("address too big") << "--port 1 --slave 1 --fc 3 --address 70000" << "--address 70000";
+        QTest::newRow("slave too big") << "--port 1 --slave 256 --fc 3 --address 1" << "--slave 256";
         QTest::newRow("value too big") << "--port 1 --slave 1 --fc 6 --address 1 --value 65536" << "--value 65536";
         QTest::newRow("time-out 0") << read + " --timeout 0" << "--timeout 0";
+        QTest::newRow("no attempt") << read + " --retry 0" << "--retry 0";
         QTest::newRow("bad format") << read + " --format 9600,N,9,1" << "bit di dati";
         QTest::newRow("unknown option") << read + " --baud 9600" << "baud";
         QTest::newRow("option without its value") << "--port 1 --slave 1 --fc 3 --address" << "address";

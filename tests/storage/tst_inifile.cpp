@@ -29,6 +29,7 @@ private slots:
         row("equals sign in the value", "[A]\r\nk=a=b\r\n", "a=b");
         row("empty value is not absent", "[A]\r\nk=\r\n", "");
         row("quotes stripped outside the blanks", "[A]\r\nk=  \" x \"  \r\n", " x ");
+        row("single quotes stripped", "[A]\r\nk='x'\r\n", "x");
         row("mismatched quotes kept", "[A]\r\nk=\"x'\r\n", "\"x'");
         row("first of two sections", "[A]\r\nk=1\r\n[B]\r\n[a]\r\nk=2\r\n", "1");
         row("key of another section", "[A]\r\nk=1\r\n[B]\r\n", absent, "B");
