@@ -62,8 +62,6 @@ private slots:
         const QString read = "--port 1 --slave 1 --fc 3 --address 1";
         QTest::newRow("nothing") << "" << "--port";
         QTest::newRow("no slave") << "--port 1 --fc 3 --address 1" << "--slave";
-        QTest::newRow("no code") << "--port 1 --slave 1 --address 1" << "--fc";
-        QTest::newRow("no address") << "--port 1 --slave 1 --fc 3" << "--address";
         QTest::newRow("unknown code") << "--port 1 --slave 1 --fc 7 --address 1" << "--fc 7";
         QTest::newRow("value for a read") << read + " --value 5" << "--value";
         QTest::newRow("write without value") << "--port 1 --slave 1 --fc 6 --address 1" << "--value";
