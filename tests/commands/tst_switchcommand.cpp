@@ -45,7 +45,6 @@ private slots:
 
         QTest::newRow("coil on: 1 goes as FF00") << 5 << 1 << true << false << 0xFF00 << "04 05 0030 ff00" << true;
         QTest::newRow("coil on, 0 echoed") << 5 << 1 << true << false << 0 << "04 05 0030 ff00" << false;
-        QTest::newRow("coil value 2 goes as it is") << 5 << 2 << true << false << 2 << "04 05 0030 0002" << false;
         QTest::newRow("register off, 1 echoed") << 6 << 0 << false << false << 1 << "04 06 0031 0000" << false;
         QTest::newRow("register negative value") << 6 << -5 << true << false << 0xFFFB << "04 06 0030 fffb" << true;
         QTest::newRow("simulated coil on") << 5 << 1 << true << true << 0 << "" << true;

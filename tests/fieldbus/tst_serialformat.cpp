@@ -53,7 +53,6 @@ private slots:
         QTest::addColumn<QString>("port");
         QTest::addColumn<QString>("windows"); // empty: refused
         QTest::addColumn<QString>("posix");
-        QTest::newRow("number") << "4" << "COM4" << "/dev/ttyS3";
         QTest::newRow("blanks, leading zero") << " 02 " << "COM2" << "/dev/ttyS1";
         QTest::newRow("device path") << "/dev/ttyUSB0" << "" << "/dev/ttyUSB0";
         QTest::newRow("COM name, lower case") << "com12" << "COM12" << "";
