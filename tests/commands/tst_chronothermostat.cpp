@@ -36,11 +36,23 @@ struct ChronoFixture : RuntimeFixture
         }
     }
 
-    void setNow(const QString &dayAndTime) // "dd HH:mm:ss" in November 2026
+    void setNow(const QString &dayAndTime)
     {
         clock.setNow(QDateTime::fromString("2026-11-" + dayAndTime, QStringLiteral("yyyy-MM-dd HH:mm:ss")));
     }
 };
+
+enum class Before { Tick, Restart, OptionOff };
+
+// A tick at "dd HH:mm:ss" of November 2026 and the slot it must send, day -1 for nothing.
+struct ChronoStep
+{
+    QString at;
+    int day;
+    int slot;
+    Before before = Before::Tick;
+};
+using ChronoSteps = QList<ChronoStep>;
 
 // The writes of one slot of `day` (Monday 0): zone 1 with its decimal, then zone 3.
 QStringList slotWrites(int day, int slot, int quantity = 1)
@@ -57,43 +69,35 @@ class TestChronoThermostat : public QObject
     Q_OBJECT
 
 private slots:
-    // Each step: "dd HH:mm:ss" of a tick, then "day/slot" of what it sent or "-" for
-    // nothing; "restart" before it restarts the schedule, "off" runs the tick with the
-    // option "Cronotermostato" off.
     void schedule_data()
     {
-        QTest::addColumn<QStringList>("steps");
+        QTest::addColumn<ChronoSteps>("steps");
+        const auto at = [](const char *time, int day = -1, int slot = -1) { return ChronoStep{time, day, slot}; };
         QTest::newRow("each slot once, across a quarter-hour")
-            << QStringList{"16 08:07:00 0/32", "16 08:07:01 -", "16 08:14:59 -", "16 08:15:00 0/33"};
-        QTest::newRow("midnight") << QStringList{"16 23:59:59 0/95", "17 00:00:00 1/0"};
-        QTest::newRow("week boundary") << QStringList{"22 23:45:00 6/95", "23 00:00:01 0/0"};
+            << ChronoSteps{at("16 08:07:00", 0, 32), at("16 08:07:01"), at("16 08:14:59"), at("16 08:15:00", 0, 33)};
+        QTest::newRow("week boundary") << ChronoSteps{at("22 23:45:00", 6, 95), at("23 00:00:01", 0, 0)};
         QTest::newRow("holiday runs Sunday's schedule")
-            << QStringList{"17 23:59:00 1/95", "18 00:00:00 6/0", "18 10:00:00 6/40", "19 00:00:00 3/0"};
+            << ChronoSteps{at("17 23:59:00", 1, 95), at("18 00:00:00", 6, 0), at("18 10:00:00", 6, 40),
+                           at("19 00:00:00", 3, 0)};
         QTest::newRow("restart inside a slot")
-            << QStringList{"16 08:07:00 0/32", "16 08:08:00 -", "restart 16 08:09:00 0/32"};
-        QTest::newRow("slots skipped: the slot of the moment") << QStringList{"16 08:07:00 0/32", "16 09:31:00 0/38"};
-        QTest::newRow("clock set back a slot") << QStringList{"16 08:20:00 0/33", "16 08:05:00 0/32"};
-        QTest::newRow("same slot a day later") << QStringList{"16 08:07:00 0/32", "17 08:07:00 1/32"};
+            << ChronoSteps{at("16 08:07:00", 0, 32), at("16 08:08:00"), {"16 08:09:00", 0, 32, Before::Restart}};
+        QTest::newRow("clock set back a slot") << ChronoSteps{at("16 08:20:00", 0, 33), at("16 08:05:00", 0, 32)};
         QTest::newRow("option switched on")
-            << QStringList{"off 16 08:07:00 -", "off 16 08:15:00 -", "16 08:16:00 0/33"};
+            << ChronoSteps{{"16 08:07:00", -1, -1, Before::OptionOff}, {"16 08:15:00", -1, -1, Before::OptionOff},
+                           at("16 08:16:00", 0, 33)};
     }
     void schedule()
     {
-        QFETCH(QStringList, steps);
+        QFETCH(ChronoSteps, steps);
         ChronoFixture fx;
-        for (const QString &step : steps) {
-            QStringList parts = step.split(QLatin1Char(' '));
-            if (parts.first() == QLatin1String("restart"))
+        for (const ChronoStep &step : steps) {
+            if (step.before == Before::Restart)
                 fx.chrono.restart();
-            fx.rt.model.editor.chronoThermostat = parts.first() != QLatin1String("off");
-            if (parts.size() > 3)
-                parts.removeFirst();
-            fx.setNow(parts[0] + QLatin1Char(' ') + parts[1]);
-            const QStringList daySlot = parts[2].split(QLatin1Char('/'));
-            const QStringList expected =
-                daySlot.size() == 2 ? slotWrites(daySlot[0].toInt(), daySlot[1].toInt()) : QStringList{};
+            fx.rt.model.editor.chronoThermostat = step.before != Before::OptionOff;
+            fx.setNow(step.at);
+            const QStringList expected = step.day < 0 ? QStringList{} : slotWrites(step.day, step.slot);
             QCOMPARE(fx.chrono.runTick(), !expected.isEmpty());
-            QVERIFY2(fx.takeRequests() == expected, qPrintable(step));
+            QVERIFY2(fx.takeRequests() == expected, qPrintable(step.at));
         }
     }
 

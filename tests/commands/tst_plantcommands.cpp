@@ -147,17 +147,11 @@ private slots:
         const UserLevel technician{true, false};
         QTest::newRow("technician") << true << technician << "21,5 °C" << std::optional<QString>(" 22,5 ") << true
                                     << QStringList{"0c 06 0050 00e1"};
-        QTest::newRow("administrator") << true << UserLevel{false, true} << "21,5 °C"
-                                       << std::optional<QString>("22.5") << true << QStringList{"0c 06 0050 00e1"};
         // Refusals for the user's level are silent here: no box, no panel text.
         QTest::newRow("anonymous") << true << UserLevel{} << "21,5 °C" << std::optional<QString>("22,5") << false
                                    << QStringList{};
-        QTest::newRow("standing by") << false << technician << "21,5 °C" << std::optional<QString>("22,5") << false
-                                     << QStringList{};
         QTest::newRow("no valid reading") << true << technician << "--.-" << std::optional<QString>("22,5") << false
                                           << QStringList{};
-        QTest::newRow("empty answer") << true << technician << "21,5 °C" << std::optional<QString>("  ") << true
-                                      << QStringList{};
         QTest::newRow("cancel") << true << technician << "21,5 °C" << std::optional<QString>() << true
                                 << QStringList{};
     }
@@ -192,10 +186,8 @@ private slots:
     {
         QTest::addColumn<Click>("click");
         QTest::addColumn<bool>("acquiring");
-        QTest::newRow("switch at once") << Click::SwitchOffImage << false;
         QTest::newRow("switch from the queue") << Click::SwitchOffImage << true;
         QTest::newRow("door at once") << Click::DoorOpener << false;
-        QTest::newRow("door from the queue") << Click::DoorOpener << true;
     }
     void rightsRefusalSendsNothing()
     {

@@ -1,5 +1,6 @@
 #include "fieldbus/serialformat.h"
-#include "support/datarows.h"
+
+#include <QTest>
 
 using namespace telvane;
 
@@ -8,50 +9,66 @@ class TestSerialFormat : public QObject
     Q_OBJECT
 
 private slots:
-    // text | speed parity data bits stop bits (1, 1.5, 2), or the field the refusal names
-    void formats_data()
+    void accepted_data()
     {
-        addRows({"9600,N,8,1|9600 N 8 1", "1200,E,8,1|1200 E 8 1", "4800,O,7,2|4800 O 7 2", "2400,M,7,1|2400 M 7 1",
-                 "2400,S,6,1|2400 S 6 1", "110,N,5,1.5|110 N 5 1.5", "9600,e,8,1|9600 E 8 1", " 115200 , n , 8 , 2 |115200 N 8 2",
-                 "|virgole", "9600,N,8|virgole", "9600;N;8;1|virgole", "9600,N,8,1,5|virgole", "0,N,8,1|velocità",
-                 "-9600,N,8,1|velocità", "96OO,N,8,1|velocità", "9600.5,N,8,1|velocità", "40000000,N,8,1|velocità",
-                 "99999999999,N,8,1|velocità", "9600,None,8,1|parità", "9600,,8,1|parità", "9600,N,4,1|dati",
-                 "9600,N,9,1|dati", "9600,N,8,0|stop", "9600,N,8,1.0|stop"});
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<SerialFormat>("format");
+        QTest::newRow("even") << "1200,E,8,1" << SerialFormat{1200, Parity::Even, 8, StopBits::One};
+        QTest::newRow("odd, two stop bits") << "4800,O,7,2" << SerialFormat{4800, Parity::Odd, 7, StopBits::Two};
+        QTest::newRow("one and a half") << "110,N,5,1.5" << SerialFormat{110, Parity::None, 5, StopBits::OneAndHalf};
+        QTest::newRow("blanks, lower case") << " 115200 , n , 8 , 2 " << SerialFormat{115200, Parity::None, 8, StopBits::Two};
     }
-    void formats()
+    void accepted()
     {
-        const QStringList cells = rowCells();
+        QFETCH(QString, text);
+        QFETCH(SerialFormat, format);
         QString whyNot;
-        const std::optional<SerialFormat> f = parseSerialFormat(cells[0], &whyNot);
-        if (!cells[1].contains(' ')) {
-            // The reason names the field and the text, so the technician can fix it.
-            QCOMPARE(f, std::nullopt);
-            QVERIFY2(whyNot.contains(cells[1]) && whyNot.contains(cells[0]), qPrintable(whyNot));
-            QCOMPARE(parseSerialFormat(cells[0]), std::nullopt);
-            return;
-        }
-        QVERIFY2(f, qPrintable(whyNot));
-        const char parity[] = {'N', 'E', 'O', 'M', 'S'};
-        const char *stops[] = {"1", "1.5", "2"};
-        QCOMPARE(QStringLiteral("%1 %2 %3 %4").arg(f->baudRate).arg(parity[int(f->parity)]).arg(f->dataBits)
-                     .arg(stops[int(f->stopBits)]), cells[1]);
+        QCOMPARE(parseSerialFormat(text, &whyNot), std::optional<SerialFormat>(format));
+        QVERIFY(whyNot.isEmpty());
     }
 
-    // port | device on Windows | device on Linux ("-": refused)
+    // The reason names the field and the text, so the technician can fix it.
+    void refused_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("field");
+        QTest::newRow("three fields") << "9600,N,8" << "virgole";
+        QTest::newRow("speed 0") << "0,N,8,1" << "velocità";
+        QTest::newRow("speed beyond int") << "99999999999,N,8,1" << "velocità";
+        QTest::newRow("parity word") << "9600,None,8,1" << "parità";
+        QTest::newRow("4 data bits") << "9600,N,4,1" << "dati";
+        QTest::newRow("0 stop bits") << "9600,N,8,0" << "stop";
+    }
+    void refused()
+    {
+        QFETCH(QString, text);
+        QFETCH(QString, field);
+        QString whyNot;
+        QCOMPARE(parseSerialFormat(text, &whyNot), std::nullopt);
+        QVERIFY2(whyNot.contains(field) && whyNot.contains(text), qPrintable(whyNot));
+    }
+
     void ports_data()
     {
-        addRows({"1|COM1|/dev/ttyS0", "4|COM4|/dev/ttyS3", "255|COM255|/dev/ttyS254", " 02 |COM2|/dev/ttyS1",
-                 "/dev/ttyUSB0|-|/dev/ttyUSB0", "/tmp/line/master|-|/tmp/line/master", "com12|COM12|-", "COM3|COM3|-",
-                 "|-|-", "0|-|-", "-1|-|-", "256|-|-", "1.5|-|-", "seriale|-|-", "dev/ttyUSB0|-|-", "/dev/|-|-",
-                 "/dev/tty USB0|-|-", "COM|-|-", "COM0|-|-", "COM3x|-|-"});
+        QTest::addColumn<QString>("port");
+        QTest::addColumn<QString>("windows"); // empty: refused
+        QTest::addColumn<QString>("posix");
+        QTest::newRow("blanks, leading zero") << " 02 " << "COM2" << "/dev/ttyS1";
+        QTest::newRow("device path") << "/dev/ttyUSB0" << "" << "/dev/ttyUSB0";
+        QTest::newRow("COM name, lower case") << "com12" << "COM12" << "";
+        QTest::newRow("0") << "0" << "" << "";
+        QTest::newRow("relative path") << "dev/ttyUSB0" << "" << "";
+        QTest::newRow("blank in the path") << "/dev/tty USB0" << "" << "";
     }
     void ports()
     {
-        const QStringList cells = rowCells();
-        for (const auto &[naming, device] : {std::pair{PortNaming::Windows, cells[1]}, std::pair{PortNaming::Posix, cells[2]}}) {
+        QFETCH(QString, port);
+        QFETCH(QString, windows);
+        QFETCH(QString, posix);
+        for (const auto &[naming, device] : {std::pair{PortNaming::Windows, windows}, std::pair{PortNaming::Posix, posix}}) {
             QString whyNot;
-            const std::optional<QString> resolved = resolveSerialPort(cells[0], &whyNot, naming);
-            QCOMPARE(resolved.value_or("-"), device);
+            const std::optional<QString> resolved = resolveSerialPort(port, &whyNot, naming);
+            QCOMPARE(resolved.value_or(QString()), device);
             QVERIFY2(resolved || whyNot.contains("porta"), qPrintable(whyNot));
         }
     }

@@ -1,49 +1,57 @@
 #include "platform/messageboxprompts.h"
 
-#include "support/datarows.h"
-
 #include <QApplication>
 #include <QInputDialog>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QTest>
 #include <QTimer>
 
 using namespace telvane;
 
+using OptionalText = std::optional<QString>;
+Q_DECLARE_METATYPE(OptionalText)
+
 namespace {
 
-// What the operator saw in the box (title|text, then a message's icon|buttons), and its parent.
-QString seen;
-QWidget *seenParent = nullptr;
-bool seenOnTop = false;
+// What the operator saw in the last box.
+struct Seen
+{
+    QWidget *parent = nullptr;
+    QString title;
+    QString text; // a message's text or an input box's label
+    QMessageBox::Icon icon = QMessageBox::NoIcon;
+    QStringList buttons;
+    bool onTop = false;
+} seen;
 
 // Answers the box that the next call opens, from inside its modal loop: `answer` is a
 // button's text, or "Esc"; `typed` goes into an input box's field.
-void answerNextBox(const QString &answer, const QString &typed)
+void answerNextBox(const QString &answer, const QString &typed = {})
 {
     QTimer::singleShot(0, [answer, typed] {
         QWidget *box = QApplication::activeModalWidget();
         if (!box)
             return answerNextBox(answer, typed); // not open yet: its own loop runs this again
         const QList<QPushButton *> all = box->findChildren<QPushButton *>();
-        QStringList buttons;
+        seen = {box->parentWidget(), box->windowTitle()};
+        seen.onTop = box->windowFlags().testFlag(Qt::WindowStaysOnTopHint);
         for (QPushButton *button : all)
-            buttons.append(button->text());
-        seenParent = box->parentWidget();
-        seenOnTop = box->windowFlags().testFlag(Qt::WindowStaysOnTopHint);
-        seen = box->windowTitle();
-        if (auto *message = qobject_cast<QMessageBox *>(box))
-            seen += QStringList{"", message->text(), QString::number(message->icon()), buttons.join(',')}.join('|');
+            seen.buttons.append(button->text());
+        if (auto *message = qobject_cast<QMessageBox *>(box)) {
+            seen.text = message->text();
+            seen.icon = message->icon();
+        }
         if (auto *input = qobject_cast<QInputDialog *>(box)) {
-            seen += '|' + input->labelText();
+            seen.text = input->labelText();
             input->findChild<QLineEdit *>()->selectAll();
             QTest::keyClicks(input->findChild<QLineEdit *>(), typed);
         }
         if (answer == QLatin1String("Esc"))
             return QTest::keyClick(box, Qt::Key_Escape);
-        QVERIFY2(buttons.contains(answer), qPrintable(answer));
-        QTest::mouseClick(all.at(buttons.indexOf(answer)), Qt::LeftButton);
+        QVERIFY2(seen.buttons.contains(answer), qPrintable(answer));
+        QTest::mouseClick(all.at(seen.buttons.indexOf(answer)), Qt::LeftButton);
     });
 }
 
@@ -53,35 +61,54 @@ class TestMessageBoxPrompts : public QObject
 {
     Q_OBJECT
 
+    QWidget m_window;
+    MessageBoxPrompts m_prompts;
+
 private slots:
-    // kind|answer|returned (typed, for an input)|what the operator saw.
-    void boxes_data()
+    void init()
     {
-        addRows({"question|Sì|yes|Stagione|Testo?|4|Sì,No", "question|No|no|Stagione|Testo?|4|Sì,No",
-                 "question|Esc|no|Stagione|Testo?|4|Sì,No", "warning|OK||Accesso|Testo?|2|OK",
-                 "information|OK||Accesso|Testo?|1|OK", "input|OK|21,5|Set point|Nuovo valore:",
-                 "input|OK| 7 |Set point|Nuovo valore:", "input|Annulla|none|Set point|Nuovo valore:",
-                 "input|Esc|none|Set point|Nuovo valore:"});
+        m_prompts.setParent(&m_window);
+        seen = {};
     }
-    void boxes()
+
+    void question_data()
     {
-        const QStringList cells = rowCells();
-        QWidget window;
-        MessageBoxPrompts prompts;
-        prompts.setParent(&window);
-        answerNextBox(cells[1], cells[2] == QLatin1String("none") ? QStringLiteral("21,5") : cells[2]);
-        QString returned;
-        if (cells[0] == QLatin1String("question"))
-            returned = prompts.question(cells[3], cells[4]) ? QStringLiteral("yes") : QStringLiteral("no");
-        else if (cells[0] == QLatin1String("warning"))
-            prompts.warning(cells[3], cells[4]);
-        else if (cells[0] == QLatin1String("information"))
-            prompts.information(cells[3], cells[4]);
-        else
-            returned = prompts.textInput(cells[3], cells[4], QStringLiteral("20.0")).value_or(QStringLiteral("none"));
-        QCOMPARE(returned, cells[2]);
-        QCOMPARE(seen, cells.mid(3).join('|'));
-        QCOMPARE(seenParent, &window);
+        QTest::addColumn<QString>("answer");
+        QTest::addColumn<bool>("yes");
+        QTest::newRow("Sì") << QString::fromUtf8("Sì") << true;
+        QTest::newRow("Escape is No") << "Esc" << false;
+    }
+    void question()
+    {
+        QFETCH(QString, answer);
+        QFETCH(bool, yes);
+        answerNextBox(answer);
+        QCOMPARE(m_prompts.question("Stagione", "Testo?"), yes);
+        QCOMPARE(seen.parent, &m_window);
+        QCOMPARE(seen.title, QStringLiteral("Stagione"));
+        QCOMPARE(seen.text, QStringLiteral("Testo?"));
+        QCOMPARE(seen.icon, QMessageBox::Question);
+        QCOMPARE(seen.buttons, QStringList({QString::fromUtf8("Sì"), "No"}));
+    }
+
+    void textInput_data()
+    {
+        QTest::addColumn<QString>("answer");
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<OptionalText>("result");
+        QTest::newRow("comma kept") << "OK" << "21,5" << OptionalText("21,5");
+        QTest::newRow("Escape") << "Esc" << "21,5" << OptionalText();
+    }
+    void textInput()
+    {
+        QFETCH(QString, answer);
+        QFETCH(QString, typed);
+        QFETCH(OptionalText, result);
+        answerNextBox(answer, typed);
+        QCOMPARE(m_prompts.textInput("Set point", "Nuovo valore:", "20.0"), result);
+        QCOMPARE(seen.parent, &m_window);
+        QCOMPARE(seen.title, QStringLiteral("Set point"));
+        QCOMPARE(seen.text, QStringLiteral("Nuovo valore:"));
     }
 
     // While the always-on-top alarms window shows, a box opens over it and on top itself:
@@ -89,21 +116,19 @@ private slots:
     // is the parent again.
     void boxOpensAboveAnAlwaysOnTopWindow()
     {
-        QWidget window;
-        window.show();
-        QWidget alarms(&window, Qt::Window | Qt::WindowStaysOnTopHint);
-        MessageBoxPrompts prompts;
-        prompts.setParent(&window);
+        m_window.show();
+        QWidget alarms(&m_window, Qt::Window | Qt::WindowStaysOnTopHint);
         for (const bool alarmsShown : {true, false}) {
             alarms.setVisible(alarmsShown);
-            answerNextBox(QStringLiteral("OK"), QString());
-            prompts.warning(QStringLiteral("Accesso"), QStringLiteral("Password errata."));
-            QCOMPARE(seenParent, alarmsShown ? &alarms : &window);
-            QCOMPARE(seenOnTop, alarmsShown);
-            answerNextBox(QStringLiteral("Sì"), QString());
-            QVERIFY(prompts.question(QStringLiteral("Stagione"), QStringLiteral("Testo?")));
-            QCOMPARE(seenParent, alarmsShown ? &alarms : &window);
-            QCOMPARE(seenOnTop, alarmsShown);
+            answerNextBox("OK");
+            m_prompts.warning("Accesso", "Password errata.");
+            QCOMPARE(seen.parent, alarmsShown ? &alarms : &m_window);
+            QCOMPARE(seen.onTop, alarmsShown);
+            QCOMPARE(seen.icon, QMessageBox::Warning);
+            QCOMPARE(seen.buttons, QStringList{"OK"});
+            answerNextBox(QString::fromUtf8("Sì"));
+            QVERIFY(m_prompts.question("Stagione", "Testo?"));
+            QCOMPARE(seen.parent, alarmsShown ? &alarms : &m_window);
         }
     }
 };

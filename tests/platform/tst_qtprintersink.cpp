@@ -51,35 +51,6 @@ class TestQtPrinterSink : public QObject
     Q_OBJECT
 
 private slots:
-    void commListsInColumns()
-    {
-        QTemporaryDir dir;
-        CommLists lists;
-        lists.Lst_Letture.lines = {"100>1:3,1 [1]", "100>1:3,2 [1]", "101>2:3,1 [1]"};
-        lists.Lst_Scritture.lines = {"100>1:6,2 [1]"};
-        lists.Lst_RemW.lines = {"100>1:5,9 [0]", "101>2:5,9 [0]"};
-        const QStringList pages = pdfPages(printToPdf(dir, commListsPrintJob(lists, "Telvane", Now)));
-        QCOMPARE(pages.size(), 1);
-        QVERIFY(pages[0].contains("Telvane"));
-        QVERIFY(pages[0].contains("DATA E ORA = 23/11/2026 / 09:05:07"));
-        const QString first = lineWith(pages[0], "100>1:3,1 [1]");
-        QVERIFY2(first.indexOf("100>1:3,1") < first.indexOf("100>1:6,2") && first.indexOf("100>1:6,2") < first.indexOf("100>1:5,9"),
-                 qPrintable(first));
-        // The shorter lists leave their columns blank in the later rows.
-        const QString third = lineWith(pages[0], "101>2:3,1 [1]").trimmed();
-        QCOMPARE(third, QStringLiteral("101>2:3,1 [1]"));
-        const QString second = lineWith(pages[0], "101>2:5,9 [0]");
-        QCOMPARE(second.indexOf("101>2:5,9"), first.indexOf("100>1:5,9"));
-    }
-
-    void emptyListsGiveTheHeaderAlone()
-    {
-        QTemporaryDir dir;
-        const QStringList pages = pdfPages(printToPdf(dir, commListsPrintJob(CommLists(), "Telvane", Now)));
-        QCOMPARE(pages.size(), 1);
-        const QStringList words = pages[0].simplified().split(' ');
-        QCOMPARE(words, QStringList({"Telvane", "DATA", "E", "ORA", "=", "23/11/2026", "/", "09:05:07"}));
-    }
 
     void scheduleBreaksAt1830OnPageTwo()
     {

@@ -25,11 +25,7 @@ constexpr int SwitchSlave = 7;
 const char PlantIni[] = R"([Generale]
 Zone=2
 Interruttori=1
-LED=0
-Apriporta=0
 Grafico=1
-Cronotermostato=0
-Zone Testo=1
 Zone Grafico=0
 
 [COM]
@@ -178,7 +174,6 @@ private slots:
         QVERIFY(rig.supervisor.AcquisitionRunning());
         QCOMPARE(rig.takeLines(), (QStringList{"Pannello 2: Standby", "Pannello 1: COM/dev/ttyTEST:9600,N,8,1",
                                                "Pannello 3: Lettura...", "Pannello 3:", "Pannello 2: Acquisizione"}));
-        QCOMPARE(rig.supervisor.monitoring().Timer_Monitor().interval(), MonitoringCycle::MonitorIntervalMs);
 
         rig.tick();
         QCOMPARE(rig.takeLines(), QStringList());
@@ -205,19 +200,6 @@ private slots:
         QCOMPARE(log.size(), 3);
         for (const QString &line : log)
             QVERIFY2(line.endsWith(QStringLiteral(";21.5;-99999;")), qPrintable(line));
-    }
-
-    void tickLengthIsPassedOn()
-    {
-        HeadlessOptions options = withTicks(1, false);
-        options.tickMs = 20;
-        HeadlessRig rig(options);
-        rig.runner->start();
-        QCOMPARE(rig.supervisor.monitoring().Timer_Monitor().interval(), 20);
-        QVERIFY(rig.supervisor.monitoring().Timer_Monitor().isActive());
-        // Simulated: nothing on the line, and the round still pauses as a real one.
-        QVERIFY(rig.line.requests().isEmpty());
-        QCOMPARE(rig.pause.pauses(), QList<int>{250});
     }
 
     // Each command waits for its own tick, in the order given, and its outcome is told.

@@ -26,39 +26,26 @@ private slots:
         row("case of section and key", "[GENERALE]\r\nzone=5\r\n", "5", "generale", "ZONE");
         row("blanks around names and value", "  [ Zona 01 ]  \r\n \t Nome   =  Sala  riunioni \t\r\n", "Sala  riunioni",
             "Zona 01", "Nome");
-        row("LF, no line end at the end", "[A]\nj=3\nk=2", "2");
         row("equals sign in the value", "[A]\r\nk=a=b\r\n", "a=b");
         row("empty value is not absent", "[A]\r\nk=\r\n", "");
         row("quotes stripped outside the blanks", "[A]\r\nk=  \" x \"  \r\n", " x ");
         row("single quotes stripped", "[A]\r\nk='x'\r\n", "x");
         row("mismatched quotes kept", "[A]\r\nk=\"x'\r\n", "\"x'");
-        row("lone quote kept", "[A]\r\nk=\"\r\n", "\"");
-        row("first of two keys", "[A]\r\nk=1\r\nK=2\r\n", "1");
         row("first of two sections", "[A]\r\nk=1\r\n[B]\r\n[a]\r\nk=2\r\n", "1");
-        row("keys of a repeated section are not read", "[A]\r\nk=1\r\n[B]\r\n[a]\r\nj=2\r\n", absent, "A", "j");
         row("key of another section", "[A]\r\nk=1\r\n[B]\r\n", absent, "B");
-        row("key before any section", "k=1\r\n[A]\r\n", absent);
-        row("comment line", "[A]\r\n;k=1\r\n", absent);
-        row("bracket without close does not start a section", "[A]\r\n[B\r\nk=1\r\n", "1");
-        row("comment after a header", "[A] ; zone\r\nk=1\r\n", "1");
         row("300 characters read as 254", "[A]\r\nk=" + QByteArray(254, 'a') + QByteArray(46, 'b') + "\r\n",
             QString(254, 'a'));
-        row("cut after the quotes go", "[A]\r\nk=\"" + QByteArray(300, 'a') + "\"\r\n", QString(254, 'a'));
-        row("ten-megabyte line", "[A]\r\nj=2\r\nk=" + QByteArray(10 << 20, 'x') + "\r\n", QString(254, 'x'));
         row("UTF-8 BOM skipped", "\xEF\xBB\xBF[A]\r\nk=1\r\n", "1");
-        row("UTF-8 degree sign", "[A]\r\nk=\xC2\xB0" "C\r\n", QString::fromUtf16(u"°C"));
         row("Windows-1252 text", "[Unit\xE0]\r\nk=\x93\xB0" "C \x80\x94\r\n", QString::fromUtf16(u"“°C €”"),
             QString::fromUtf16(u"UNITÀ"));
         // A legacy editor's stray byte in one line leaves the UTF-8 of the others alone.
         row("UTF-8 line beside a stray byte", "[A]\r\nk=\xC3\xA8\r\nj=\xE8\r\n", QString::fromUtf16(u"è"));
-        row("the stray byte's own line", "[A]\r\nk=\xC2\xB0" "C\r\nj=m\xB2\r\n", QString::fromUtf16(u"m²"), "A", "j");
         const auto utf16 = [](QStringConverter::Encoding encoding, const QString &text) {
             QStringEncoder encoder(encoding, QStringConverter::Flag::WriteBom);
             return QByteArray(encoder.encode(text));
         };
         row("UTF-16 little-endian", utf16(QStringConverter::Utf16LE, QString::fromUtf16(u"[A]\r\nk=°C\r\n")),
             QString::fromUtf16(u"°C"));
-        row("UTF-16 big-endian", utf16(QStringConverter::Utf16BE, QStringLiteral("[A]\nk=7")), "7");
         row("CR alone ends the lines", "[A]\rj=1\rk=2\r", "2");
     }
     void reading()
@@ -97,20 +84,12 @@ private slots:
             "PORTA", "2");
         row("the key keeps its spelling and blanks", "[A]\r\n  K = 3  \r\n", "[A]\r\n  K =9\r\n");
         row("LF file is written with CRLF, last line gets its end", "[A]\nk=1\n\ny=2", "[A]\r\nk=9\r\n\r\ny=2\r\n");
-        row("first of two keys is updated", "[A]\r\nk=1\r\nk=2\r\n", "[A]\r\nk=9\r\nk=2\r\n");
         row("missing key goes after the last non-blank line of its section",
             "[A]\r\nx=1\r\n; note\r\n\r\n[B]\r\ny=2\r\n", "[A]\r\nx=1\r\n; note\r\nk=9\r\n\r\n[B]\r\ny=2\r\n");
-        row("missing key in the last section, trailing blanks stay", "[A]\r\nx=1\r\n\r\n\r\n",
-            "[A]\r\nx=1\r\nk=9\r\n\r\n\r\n");
-        row("missing key goes into the first of two sections", "[A]\r\nx=1\r\n[B]\r\n[A]\r\nk=2\r\n",
-            "[A]\r\nx=1\r\nk=9\r\n[B]\r\n[A]\r\nk=2\r\n");
         row("missing section is appended", "[A]\r\nx=1\r\n", "[A]\r\nx=1\r\n\r\n[Zona 02]\r\nNome=Cucina\r\n",
             "Zona 02", "Nome", "Cucina");
-        row("empty file, names trimmed", "", "[Generale]\r\nModo=1\r\n", " Generale ", " Modo ", "1");
-        row("BOM is dropped", "\xEF\xBB\xBF[A]\r\nk=1\r\n", "[A]\r\nk=9\r\n");
         row("Windows-1252 file is written as UTF-8", "[A]\r\nu=\xB0" "C\r\nk=1\r\n",
             "[A]\r\nu=\xC2\xB0" "C\r\nk=5 \xE2\x82\xAC\r\n", "A", "k", QString::fromUtf16(u"5 €"));
-        row("junk lines stay", "[A]\r\njunk\r\n[broken\r\n\x01\x02\r\nk=1\r\n", "[A]\r\njunk\r\n[broken\r\n\x01\x02\r\nk=9\r\n");
     }
     void updating()
     {
@@ -131,9 +110,6 @@ private slots:
         QTest::addColumn<QString>("key");
         QTest::addColumn<QString>("value");
         QTest::newRow("bracket in section") << "Zona]" << "k" << "1";
-        QTest::newRow("equals in key") << "A" << "a=b" << "1";
-        QTest::newRow("empty key") << "A" << "  " << "1";
-        QTest::newRow("key like a comment") << "A" << ";k" << "1";
         QTest::newRow("line break in value") << "A" << "x" << "1\r\n[B]";
     }
     void unwritableNamesAreRefused()
@@ -155,8 +131,6 @@ private slots:
         QTest::addColumn<QByteArray>("bytes");
         QTest::addColumn<QString>("problem"); // empty: none
         QTest::newRow("UTF-8") << QByteArray("[A]\r\nk=\xC2\xB0\r\n") << QString();
-        QTest::newRow("Windows-1252") << QByteArray("[A]\r\nk=\xB0\r\n") << QString();
-        QTest::newRow("LF alone") << QByteArray("[A]\nk=1\n") << QString();
         QTest::newRow("UTF-16") << QByteArray("\xFF\xFE[\0A\0]\0", 8) << "UTF-16";
         QTest::newRow("binary") << QByteArray("\x89PNG\r\n\x1A\n\0\0\0\rIHDR", 16) << "NUL";
         QTest::newRow("CR alone") << QByteArray("[A]\rk=1\r") << "CR alone";
@@ -169,12 +143,6 @@ private slots:
         QVERIFY2(problem.isEmpty() ? found.isEmpty() : found.contains(problem), qPrintable(found));
     }
 
-    // The bytes the code page defines differently from Latin-1, and its undefined ones.
-    void windows1252HighHalf()
-    {
-        QCOMPARE(decodeWindows1252("\x80\x81\x8A\x96\x99\x9F\xA0\xB0\xFF"),
-                 QString::fromUtf16(u"€\u0081Š–™Ÿ\u00A0°ÿ"));
-    }
 };
 
 QTEST_GUILESS_MAIN(TestIniFile)

@@ -1,67 +1,81 @@
 #include "storage/numbertext.h"
-#include "support/datarows.h"
+
+#include <QTest>
 
 using namespace telvane;
+
+using OptionalDouble = std::optional<double>;
 
 class TestNumberText : public QObject
 {
     Q_OBJECT
 
 private slots:
-    // text | value, or "none" when the text is refused
     void parseNumber_data()
     {
-        addRows({"21.5|21.5", "21,5|21.5", "  -3 |-3", "7.|7", ".5|0.5", "1.234,5|none", "12abc|none", "|none", "-|none",
-                 QString::fromUtf8("\u0661\u0662|none"), QString(400, '9') + "|none",
-                 "0." + QString(400, '0') + "1|0"});
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<OptionalDouble>("expected");
+        const auto row = [](const char *name, const QString &text, OptionalDouble expected) {
+            QTest::newRow(name) << text << expected;
+        };
+        row("comma", "21,5", 21.5);
+        row("thousands separator", "1.234,5", std::nullopt);
+        row("trailing letters", "12abc", std::nullopt);
+        row("Arabic-Indic digits", QString::fromUtf8("\u0661\u0662"), std::nullopt);
+        row("beyond a double", QString(400, '9'), std::nullopt);
+        row("below a double is 0", "0." + QString(400, '0') + "1", 0.0);
     }
     void parseNumber()
     {
-        const QStringList cells = rowCells();
-        const std::optional<double> parsed = telvane::parseNumber(cells[0]);
-        QCOMPARE(parsed.has_value(), cells[1] != "none");
-        if (parsed)
-            QCOMPARE(*parsed, cells[1].toDouble());
+        QFETCH(QString, text);
+        QFETCH(OptionalDouble, expected);
+        QCOMPARE(telvane::parseNumber(text), expected);
     }
 
     // Set points and chart limits must stay finite.
-    void parseSingle_data()
-    {
-        addRows({"20,5|20.5", "340282346638528859811704183484516925440|3.40282346638528859811704183484516925440e38",
-                 "-1" + QString(39, '0') + "|none", "nan|none"});
-    }
     void parseSingle()
     {
-        const QStringList cells = rowCells();
-        const std::optional<float> parsed = telvane::parseSingle(cells[0]);
-        QCOMPARE(parsed.has_value(), cells[1] != "none");
-        if (parsed)
-            QCOMPARE(*parsed, cells[1].toFloat());
+        QCOMPARE(telvane::parseSingle("20,5"), std::optional<float>(20.5f));
+        QCOMPARE(telvane::parseSingle("340282346638528859811704183484516925440"), std::optional<float>(3.4028234e38f));
+        QCOMPARE(telvane::parseSingle("-1" + QString(39, '0')), std::nullopt);
+        QCOMPARE(telvane::parseSingle("nan"), std::nullopt);
     }
 
-    // text | leading number | leading integer, -7 when there is none
     void leadingNumber_data()
     {
-        addRows({"12abc|12|12", "abc|0|-7", "1.5.3|1.5|2", "-2,5|-2.5|-2", "3.5|3.5|4", "99999999999|99999999999|2147483647",
-                 "-" + QString(400, '9') + "|0|-2147483648"});
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<double>("number");
+        QTest::addColumn<int>("integer"); // -7 is the fallback
+        QTest::newRow("letters after") << "12abc" << 12.0 << 12;
+        QTest::newRow("second point ends it, rounded") << "1.5.3" << 1.5 << 2;
+        QTest::newRow("beyond int") << "99999999999" << 99999999999.0 << 2147483647;
+        QTest::newRow("beyond a double") << "-" + QString(400, '9') << 0.0 << -2147483647 - 1;
     }
     void leadingNumber()
     {
-        const QStringList cells = rowCells();
-        QCOMPARE(telvane::leadingNumber(cells[0]), cells[1].toDouble());
-        QCOMPARE(leadingInteger(cells[0], -7), cells[2].toInt());
+        QFETCH(QString, text);
+        QFETCH(double, number);
+        QFETCH(int, integer);
+        QCOMPARE(telvane::leadingNumber(text), number);
+        QCOMPARE(leadingInteger(text, -7), integer);
     }
 
-    // value | decimals | integer digits | text
     void formatFixed_data()
     {
-        addRows({"5|1|2|05.0", "123.4|1|2|123.4", "0.25|1|1|0.3", "-5|1|2|-05.0", "21.6|0|1|22", "1|3|1|1.000",
-                 "-0.04|1|1|0.0"});
+        QTest::addColumn<double>("value");
+        QTest::addColumn<int>("decimals");
+        QTest::addColumn<int>("integerDigits");
+        QTest::addColumn<QString>("text");
+        QTest::newRow("half rounds up") << 0.25 << 1 << 1 << "0.3";
+        QTest::newRow("no negative zero") << -0.04 << 1 << 1 << "0.0";
     }
     void formatFixed()
     {
-        const QStringList cells = rowCells();
-        QCOMPARE(telvane::formatFixed(cells[0].toDouble(), cells[1].toInt(), cells[2].toInt()), cells[3]);
+        QFETCH(double, value);
+        QFETCH(int, decimals);
+        QFETCH(int, integerDigits);
+        QFETCH(QString, text);
+        QCOMPARE(telvane::formatFixed(value, decimals, integerDigits), text);
     }
 };
 

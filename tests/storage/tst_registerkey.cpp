@@ -1,5 +1,6 @@
 #include "storage/registerkey.h"
-#include "support/datarows.h"
+
+#include <QTest>
 
 using namespace telvane;
 
@@ -8,22 +9,33 @@ class TestRegisterKey : public QObject
     Q_OBJECT
 
 private slots:
-    // text | function,register, or why it is refused
     void parse_data()
     {
-        addRows({"6,40010|6,40010", " 3 , 12 |3,12", "6,65535|6,65535", "1,0|1,0", "|empty", "   |empty", "3|malformed",
-                 ",12|malformed", "3,|malformed", "0,12|malformed", "131,12|malformed", "6,65536|malformed",
-                 "6,-1|malformed", "6,12.5|malformed", "a,b|malformed", "6,1,2|malformed"});
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<int>("function"); // -1: refused
+        QTest::addColumn<int>("registerNumber");
+        QTest::addColumn<RegisterKeyProblem>("problem");
+        const auto row = [](const QString &text, int function, int number, RegisterKeyProblem problem) {
+            QTest::addRow("'%s'", qPrintable(text)) << text << function << number << problem;
+        };
+        const auto refused = [&row](const QString &text, RegisterKeyProblem problem) { row(text, -1, -1, problem); };
+        row("6,40010", 6, 40010, RegisterKeyProblem::None);
+        row("6,65535", 6, 65535, RegisterKeyProblem::None);
+        refused("   ", RegisterKeyProblem::Empty);
+        for (const char *text : {"3", "0,12", "131,12", "6,65536", "6,12.5", "6,1,2"})
+            refused(text, RegisterKeyProblem::Malformed);
     }
     void parse()
     {
-        const QStringList cells = rowCells();
+        QFETCH(QString, text);
+        QFETCH(int, function);
+        QFETCH(int, registerNumber);
+        QFETCH(RegisterKeyProblem, problem);
         RegisterKeyProblem why = RegisterKeyProblem::None;
-        const std::optional<RegisterKey> key = parseRegisterKey(cells[0], &why);
-        const QString problems[] = {"", "empty", "malformed"};
-        QCOMPARE(key ? QStringLiteral("%1,%2").arg(key->functionCode).arg(key->registerNumber) : problems[int(why)],
-                 cells[1]);
-        QCOMPARE(key.has_value(), why == RegisterKeyProblem::None);
+        const std::optional<RegisterKey> key = parseRegisterKey(text, &why);
+        QCOMPARE(why, problem);
+        QCOMPARE(key ? key->functionCode : -1, function);
+        QCOMPARE(key ? int(key->registerNumber) : -1, registerNumber);
     }
 };
 

@@ -20,18 +20,21 @@ struct RecordingChart final : ChartSink
     int rounds = 0;
 };
 
-// `functions`: one character per quantity, its function code or '-' when it is not
-// read; `answers`: 'y' where the slave holds the register (200 + k at 100 + k).
-void setUpZone(RuntimeFixture &fx, int zone, int slave, const QString &functions, const QString &answers)
+// `functions`: per quantity its function code, -1 when it is not read; `answers`: where
+// the slave holds the register (200 + k at 100 + k).
+using Codes = QList<int>;
+using Answers = QList<bool>;
+const Answers AllAnswer(5, true);
+
+void setUpZone(RuntimeFixture &fx, int zone, int slave, const Codes &functions, const Answers &answers)
 {
     fx.slaves.insert(slave);
     setRow(fx.rt.model.editor.tables.ZoneReadTable, zone, {slave, 1});
     for (int k = 0; k < 5; ++k) {
-        const int functionCode = functions[k] == QLatin1Char('-') ? -1 : functions[k].digitValue();
-        fx.rt.model.editor.tables.ZoneReadTable.set(zone, zoneQuantityFunctionSlot(k), qint16(functionCode));
+        fx.rt.model.editor.tables.ZoneReadTable.set(zone, zoneQuantityFunctionSlot(k), qint16(functions[k]));
         fx.rt.model.editor.tables.ZoneReadTable.set(zone, zoneQuantityRegisterSlot(k), qint16(100 + k));
-        if (answers.mid(k, 1) == QLatin1String("y"))
-            fx.setValue(slave, functionCode, 100 + k, 200 + k);
+        if (answers[k])
+            fx.setValue(slave, functions[k], 100 + k, 200 + k);
     }
 }
 
@@ -53,28 +56,31 @@ private slots:
     // clears the count.
     void failureCountsPerRound_data()
     {
-        QTest::addColumn<QString>("functions");
-        QTest::addColumn<QString>("answers");
+        QTest::addColumn<Codes>("functions");
+        QTest::addColumn<Answers>("answers");
         QTest::addColumn<QList<int>>("counts");
         QTest::addColumn<QList<int>>("listed");
-
-        QTest::newRow("PV and SP only") << "33---" << "yy" << QList<int>{6, 6} << QList<int>{1, 1};
-        QTest::newRow("all five answer") << "33333" << "yyyyy" << QList<int>{0, 0} << QList<int>{0, 0};
-        QTest::newRow("slave absent") << "44444" << "nnnnn" << QList<int>{5, 10} << QList<int>{0, 1};
-        QTest::newRow("SP unused") << "3-333" << "y-yyy" << QList<int>{0, 0} << QList<int>{0, 0};
-        QTest::newRow("AL3 silent") << "33333" << "yyyyn" << QList<int>{1, 1} << QList<int>{0, 0};
-        QTest::newRow("nothing configured") << "-----" << "" << QList<int>{8, 16} << QList<int>{1, 1};
+        const Answers none(5, false);
+        QTest::newRow("PV and SP only") << Codes{3, 3, -1, -1, -1} << Answers{true, true, false, false, false}
+                                        << QList<int>{6, 6} << QList<int>{1, 1};
+        QTest::newRow("all five answer") << Codes(5, 3) << AllAnswer << QList<int>{0, 0} << QList<int>{0, 0};
+        QTest::newRow("slave absent") << Codes(5, 4) << none << QList<int>{5, 10} << QList<int>{0, 1};
+        QTest::newRow("SP unused") << Codes{3, -1, 3, 3, 3} << Answers{true, false, true, true, true}
+                                   << QList<int>{0, 0} << QList<int>{0, 0};
+        QTest::newRow("AL3 silent") << Codes(5, 3) << Answers{true, true, true, true, false} << QList<int>{1, 1}
+                                    << QList<int>{0, 0};
+        QTest::newRow("nothing configured") << Codes(5, -1) << none << QList<int>{8, 16} << QList<int>{1, 1};
     }
     void failureCountsPerRound()
     {
-        QFETCH(QString, functions);
-        QFETCH(QString, answers);
+        QFETCH(Codes, functions);
+        QFETCH(Answers, answers);
         QFETCH(QList<int>, counts);
         QFETCH(QList<int>, listed);
         RuntimeFixture fx;
         fx.rt.model.plant.zones.resize(2);
         fx.rt.model.plant.zones[1].name = QStringLiteral("Soggiorno");
-        setUpZone(fx, 0, 1, QStringLiteral("33333"), QStringLiteral("yyyyy"));
+        setUpZone(fx, 0, 1, Codes(5, 3), AllAnswer);
         setUpZone(fx, 1, 2, functions, answers);
 
         for (int round = 0; round < 2; ++round) {
@@ -87,7 +93,7 @@ private slots:
         QCOMPARE(fx.rt.services.alarms.FailCount(AlarmItemKind::Zone, 0), 0);
         // What was not read holds the invalid marker, for the synoptic's "--.-".
         for (int k = 0; k < 5; ++k)
-            QCOMPARE(fx.rt.model.values.ZoneValues[1][k] == InvalidValue, answers.mid(k, 1) != QLatin1String("y"));
+            QCOMPARE(fx.rt.model.values.ZoneValues[1][k] == InvalidValue, !answers[k]);
     }
 
     // Registers are scaled by the zone's decimals; coils and discrete inputs are not.
@@ -185,28 +191,18 @@ private slots:
         QCOMPARE(fx.rt.services.alarms.FailCount(AlarmItemKind::Zone, 1), 8);
     }
 
+
     // A simulated round leaves the line alone and takes a quarter of a second, as a real one would.
-    void simulation_data()
-    {
-        QTest::addColumn<bool>("communicate");
-        QTest::newRow("simulation") << false;
-        QTest::newRow("communicate") << true;
-    }
     void simulation()
     {
-        QFETCH(bool, communicate);
         RuntimeFixture fx;
-        fx.rt.services.master.setCommunicate(communicate);
-        fx.rt.model.plant.zones.resize(2);
-        setUpZone(fx, 0, 1, QStringLiteral("33333"), QStringLiteral("yyyyy"));
-        setUpZone(fx, 1, 2, QStringLiteral("11111"), QStringLiteral("yyyyy"));
-
+        fx.rt.services.master.setCommunicate(false);
+        fx.rt.model.plant.zones.resize(1);
+        setUpZone(fx, 0, 1, Codes(5, 3), AllAnswer);
         ReadAllMeasurements(fx.rt);
-        QCOMPARE(fx.pause.pauses(), communicate ? QList<int>{} : QList<int>{250});
-        QCOMPARE(fx.line.requests().size(), communicate ? 10 : 0);
+        QCOMPARE(fx.pause.pauses(), QList<int>{250});
+        QVERIFY(fx.line.requests().isEmpty());
         QCOMPARE(fx.rt.services.alarms.FailCount(AlarmItemKind::Zone, 0), 0);
-        QCOMPARE(fx.rt.services.alarms.FailCount(AlarmItemKind::Zone, 1), 0);
-        QCOMPARE(fx.panelTexts[StatusBar::ActivityPanel], (QStringList{"Lettura...", ""}));
     }
 };
 

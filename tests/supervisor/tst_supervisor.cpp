@@ -265,7 +265,6 @@ private slots:
         fx.rt.services.master.setCommunicate(false);
         supervisor.armAutoStart(true);
         QVERIFY(supervisor.TimerAutoStart().isActive());
-        QCOMPARE(supervisor.alarmIndication().Timer_Lampeggio().interval(), 350);
         QCOMPARE(fx.rt.display.statusBar.panel(StatusBar::MessagePanel), QStringLiteral("Avvio in corso..."));
         QCOMPARE(blinkImages(supervisor, 4), (QList<int>{3, 4, 3, 4}));
         QVERIFY(supervisor.alarmIndication().Timer_Lampeggio().isActive());
@@ -274,7 +273,6 @@ private slots:
         QVERIFY(!supervisor.acquisition().AutoStartPending());
         QVERIFY(supervisor.AcquisitionRunning());
         QVERIFY(!supervisor.alarmIndication().AlarmBlinkActive());
-        QCOMPARE(supervisor.alarmIndication().Timer_Lampeggio().interval(), 700);
         QCOMPARE(supervisor.acquisition().buttonImage(), AcquisitionState::AcquiringImage);
         QCOMPARE(fx.rt.display.statusBar.panel(StatusBar::MessagePanel), QString());
     }
@@ -319,34 +317,6 @@ private slots:
         QVERIFY(!supervisor.alarmIndication().Timer_Lampeggio().isActive());
     }
 
-    // The demo plant simulated for ten minutes: the start's round and one a minute reach
-    // the day's file, each with a field per zone.
-    void demoPlantInSimulation()
-    {
-        RuntimeFixture fx;
-        const QDir demo(QStringLiteral(TELVANE_SOURCE_DIR "/demo/plant"));
-        for (const QString &name : demo.entryList({QStringLiteral("*.ini")}, QDir::Files))
-            QVERIFY(QFile::copy(demo.filePath(name), fx.dir.filePath(name)));
-        Supervisor supervisor(fx.rt);
-        supervisor.setCommunicateWithInstruments(false);
-        supervisor.startUp();
-        const int zones = fx.rt.model.plant.zoneCount();
-        QVERIFY(zones > 0);
-
-        supervisor.MenuStart();
-        for (int tick = 0; tick < 600; ++tick) {
-            fx.clock.advance(1000);
-            supervisor.monitoring().MonitorCycle();
-        }
-        QVERIFY(fx.line.requests().isEmpty());
-        QCOMPARE(fx.pause.pauses(), QList<int>(11, 250));
-        QFile log(fx.dir.filePath(QStringLiteral("Dati/2026_11_14.csv")));
-        QVERIFY(log.open(QIODevice::ReadOnly));
-        const QList<QByteArray> lines = log.readAll().split('\n');
-        QCOMPARE(lines.size(), 11 + 1);
-        for (int i = 0; i < 11; ++i)
-            QVERIFY(lines[i].endsWith(";\r") && lines[i].count(';') == 1 + zones);
-    }
 };
 
 QTEST_GUILESS_MAIN(TestSupervisor)
