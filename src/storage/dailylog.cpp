@@ -97,8 +97,9 @@ std::optional<float> fieldValue(QStringView field)
     for (; i < field.size(); ++i) {
         const char16_t c = field[i].unicode();
         if (c >= u'0' && c <= u'9') {
-            mantissa = mantissa * 10 + (c - u'0');
-            ++digits;
+            // Past fifteen digits the general parser takes over; stop before overflowing.
+            if (++digits <= 15)
+                mantissa = mantissa * 10 + (c - u'0');
             if (decimals >= 0)
                 ++decimals;
         } else if ((c == u'.' || c == u',') && decimals < 0) {

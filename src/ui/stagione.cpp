@@ -77,7 +77,7 @@ Stagione::Stagione(Runtime &rt, Prompts &prompts, QWidget *parent)
     setObjectName(QStringLiteral("Stagione"));
     setWindowTitle(rt.model.mode.seasonCaption.isEmpty() ? QStringLiteral("Stagione") : rt.model.mode.seasonCaption);
     m_chooseFile = [this](const QString &folder) { return defaultChooser(this, folder); };
-    m_printTarget = [this] { return openPrintTarget(m_rt.model.ini.folder().root(), m_rt.devices.clock.now()); };
+    m_printTarget = [this] { return openPrintTarget(printoutPdfPath(m_rt.model.ini.folder().root(), m_rt.devices.clock.now())); };
 
     auto *recipes = new QGroupBox(QStringLiteral("Ricette del cambio stagione"), this);
     auto *grid = new QGridLayout(recipes);

@@ -121,7 +121,7 @@ private slots:
     {
         QLocale::setDefault(QLocale(QLocale::Italian, QLocale::Italy));
         JournalFixture fx;
-        PlantCommands commands(fx.rt, fx.prompts, fx.supervisor);
+        PlantCommands commands(fx.rt, fx.prompts, fx.supervisor.acquisition());
         fx.rt.cycleTasks.append(&commands);
         fx.rt.model.plant.SwitchControlMode = 1;
         fx.rt.model.plant.switches.resize(2);
@@ -140,7 +140,7 @@ private slots:
         fx.supervisor.SetAcquisitionState(true);
         commands.queueSwitch(1, false);    // unnamed and not configured
         commands.queueSetValue(0, QStringLiteral("21.5"));
-        fx.supervisor.MonitorCycle();
+        fx.supervisor.monitoring().MonitorCycle();
         QLocale::setDefault(QLocale::c());
 
         QCOMPARE(fx.seen, (QList<Seen>{{"Tecnico", "Comando", "Accensione Pompa", "confermato"},

@@ -35,7 +35,9 @@ void answerNextBox(const QString &answer, const QString &typed = {})
         if (!box)
             return answerNextBox(answer, typed); // not open yet: its own loop runs this again
         const QList<QPushButton *> all = box->findChildren<QPushButton *>();
-        seen = {box->parentWidget(), box->windowTitle()};
+        seen = Seen{};
+        seen.parent = box->parentWidget();
+        seen.title = box->windowTitle();
         seen.onTop = box->windowFlags().testFlag(Qt::WindowStaysOnTopHint);
         for (QPushButton *button : all)
             seen.buttons.append(button->text());

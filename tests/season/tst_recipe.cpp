@@ -17,7 +17,9 @@ struct Plant
     explicit Plant(int zones)
     {
         for (int zone = 0; zone < zones; ++zone) {
-            plant.zones.append(Zona{QStringLiteral("Zona %1").arg(zone + 1)});
+            Zona z;
+            z.name = QStringLiteral("Zona %1").arg(zone + 1);
+            plant.zones.append(z);
             table.set(zone, ZoneSlot::Address, qint16(10 + zone));
         }
     }

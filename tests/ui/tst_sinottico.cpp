@@ -193,7 +193,7 @@ private slots:
     // door on slave 9.
     std::unique_ptr<PlantCommands> wireCommands()
     {
-        auto commands = std::make_unique<PlantCommands>(rt(), rig->prompts, rig->supervisor);
+        auto commands = std::make_unique<PlantCommands>(rt(), rig->prompts, rig->supervisor.acquisition());
         connectSynopticCommands(*synoptic, *commands);
         RegisterTables &t = rt().model.editor.tables;
         setRow(t.SwitchWriteTable, 0, {4, 0, -1, -1, 5, 0x30, 5, 0x31, 1, 0});
