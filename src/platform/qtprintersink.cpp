@@ -158,7 +158,7 @@ void reportPrintout(const PrintTarget &target, Prompts &prompts)
                                 .arg(QDir::toNativeSeparators(target.pdfPath)));
     else
         prompts.warning(QStringLiteral("Stampa"), QStringLiteral("Impossibile scrivere la stampa nel file\n%1")
-                                                                     .arg(QDir::toNativeSeparators(target.pdfPath)));
+                                                      .arg(QDir::toNativeSeparators(target.pdfPath)));
 }
 
 void printTo(PrintTarget target, Prompts &prompts, const std::function<bool(PrinterSink &)> &job)
