@@ -39,8 +39,8 @@ bool writeValueLimits(IniStore &store, double min, double max)
 
 InfoPosition readInfoPosition(const IniStore &store)
 {
-    return {leadingInteger(store.ReadIniKey(ChartSection, QStringLiteral("Info_X"), QStringLiteral("0"))),
-            leadingInteger(store.ReadIniKey(ChartSection, QStringLiteral("Info_Y"), QStringLiteral("0")))};
+    return {leadingInteger(store.ReadIniKey(ChartSection, QStringLiteral("Info_X"), QStringLiteral("1000"))),
+            leadingInteger(store.ReadIniKey(ChartSection, QStringLiteral("Info_Y"), QStringLiteral("1000")))};
 }
 
 bool writeInfoPosition(IniStore &store, const InfoPosition &position)

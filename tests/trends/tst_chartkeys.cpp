@@ -72,8 +72,10 @@ private slots:
     void limitsAndInfoBoxWrittenBack()
     {
         SettingsFolder dir;
-        IniStore store = dir.store("[Grafico]\r\nT_Max=50\r\nInfo_X=1000\r\nInfo_Y=900\r\n");
-        QCOMPARE(readInfoPosition(store).x, 1000);
+        IniStore store = dir.store("[Grafico]\r\nT_Max=50\r\nInfo_X=450\r\nInfo_Y=900\r\n");
+        QCOMPARE(readInfoPosition(store).x, 450);
+        // Never moved: a little inside the plot's corner, not over its axis labels.
+        QCOMPARE(readInfoPosition(dir.store("[Grafico]\r\n", QStringLiteral("Telvane1.ini"))).y, 1000);
         QVERIFY(writeValueLimits(store, -12.5, 37));
         QVERIFY(writeInfoPosition(store, {150, 300}));
         const QByteArray file = dir.read(SettingsFolder::Industrial);
