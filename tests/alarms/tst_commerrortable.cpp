@@ -100,8 +100,8 @@ private slots:
         QCOMPARE(rig.table.lastLineFailure(), QStringLiteral("Nessun errore dall'ultimo riconoscimento"));
     }
 
-    // The reason is the one reported with the failure, not whatever the line did last;
-    // items outside the plant are ignored.
+    // The reason is the one reported with the failure, not whatever the line did last,
+    // and none is shown when none was given; items outside the plant are ignored.
     void lastFailureTellsWhy()
     {
         Rig rig;
@@ -118,6 +118,9 @@ private slots:
         const QString line = QStringLiteral("Zona Forno 2, 14/11/2026 10:16:30: Time out");
         QCOMPARE(rig.table.lastLineFailure(), line);
         QCOMPARE(QList<QVariantList>(lineFailure), QList<QVariantList>{{line}});
+        rig.alarms.ReportSwitchFailure(0);
+        QCOMPARE(rig.cell(2, CommErrorTable::LastFailureColumn), QStringLiteral("14/11/2026 10:16:30"));
+        QCOMPARE(rig.table.lastLineFailure(), QStringLiteral("Interruttore Pompa, 14/11/2026 10:16:30"));
     }
 };
 
