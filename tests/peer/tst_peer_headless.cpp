@@ -27,11 +27,16 @@ QByteArray plantIni(const QString &port, bool fiveQuantities, bool chrono = fals
                                  "Zone Testo=1\nZone Grafico=%1\nZone Crono=1\n[COM]\nPorta=%2\nFormato=9600,N,8,1\n"
                                  "Retry=1\nTimeOut=100\nBase Misura=5\nBase Remoto=0\nBase LED=0\nRemoto=0\nAttivita=0\n")
                       .arg(chrono ? 1 : 0).arg(port);
-    const char *zones[] = {"Soggiorno|1|1|3|1", "Cucina|2|2|4|0", "Camera|3|0|3|0"};
+    struct Zone
+    {
+        const char *name;
+        int slave, decimals, pvFunction, chrono;
+    };
+    const Zone zones[] = {{"Soggiorno", 1, 1, 3, 1}, {"Cucina", 2, 2, 4, 0}, {"Camera", 3, 0, 3, 0}};
     for (int zone = 0; zone < 3; ++zone) {
-        const QStringList z = QString::fromLatin1(zones[zone]).split('|');
+        const Zone &z = zones[zone];
         ini += QStringLiteral("[Zona 0%1]\nNome=%2\nIndirizzo=%3\nDecimali=%4\nPV_r=%5,1\nSP_w=6,2\nCronotermostato=%6\n")
-                   .arg(zone + 1).arg(z[0], z[1], z[2], z[3], z[4]) + others;
+                   .arg(zone + 1).arg(QLatin1String(z.name)).arg(z.slave).arg(z.decimals).arg(z.pvFunction).arg(z.chrono) + others;
     }
     ini += QStringLiteral("[Interruttore 01]\nNome=Caldaia\nIndirizzo=7\nDecimali=0\nOn_w=5,1\nOff_w=5,1\nVal_on=1\nVal_off=0\n"
                           "[Apriporta]\nNome=Porta\nTempo=100\nIndirizzo=7\nDecimali=0\nOn_w=5,5\nOff_w=5,5\nVal_on=1\nVal_off=0\n");
