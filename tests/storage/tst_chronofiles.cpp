@@ -148,27 +148,6 @@ private slots:
         QVERIFY(!HolidayList::containsDate({"Natale", "00/00/0000"}, QDate()));
     }
 
-    void saveChronoScheduleWritesZoneFlags()
-    {
-        IniStore ini = m_dir->store("[Zona 03]\r\nNome=Ufficio\r\nCronotermostato=0\r\n", "Telvane1.ini");
-        ChronoSchedule schedule;
-        schedule(0, 0, 0) = 16.5f;
-        ChronoZoneEnabled enabled{};
-        enabled[2] = true;
-        enabled[29] = true;
-        HolidayList holidays;
-        holidays.setEntries({"15/08/2026"});
-
-        QVERIFY(SaveChronoSchedule(ini, schedule, enabled, holidays));
-        QString flags;
-        for (int zone = 1; zone <= 30; ++zone)
-            flags += ini.ReadIniKey(QStringLiteral("Zona %1").arg(zone, 2, 10, QLatin1Char('0')), "Cronotermostato", "?");
-        QCOMPARE(flags, QStringLiteral("001000000000000000000000000001"));
-        QCOMPARE(ini.ReadIniKey("Zona 03", "Nome", ""), QStringLiteral("Ufficio"));
-        QVERIFY(scheduleFile().startsWith("16.5\r\n20.0\r\n"));
-        QCOMPARE(holidayFile(), QByteArray("15/08/2026\r\n"));
-    }
-
     void fullDiskKeepsTheOldSchedule()
     {
         IniStore ini(folder());
