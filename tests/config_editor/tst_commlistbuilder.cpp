@@ -155,6 +155,7 @@ W 200>20:5,10 [1])"));
         QTest::newRow("blanks around the comma") << QByteArray("3 , 12") << QByteArray("0") << "100>5:3 , 12 [0]" << 3 << 12;
         QTest::newRow("decimals not a number") << QByteArray("3,1") << QByteArray("x") << "100>5:3,1 [0]" << 3 << 1;
         QTest::newRow("no register") << QByteArray("3") << QByteArray("1") << "" << -1 << -1;
+        QTest::newRow("empty, not in use") << QByteArray() << QByteArray("1") << "" << -1 << -1;
         QTest::newRow("register not a number") << QByteArray("3,abc") << QByteArray("1") << "" << -1 << -1;
         QTest::newRow("function beyond a byte") << QByteArray("131,5") << QByteArray("1") << "" << -1 << -1;
     }

@@ -163,6 +163,7 @@ private slots:
         QTest::newRow("Cancel") << "Avviso" << false << false;
         QTest::newRow("style 3, Cancel") << "3" << false << false;
         QTest::newRow("style 4 has no Cancel") << "4" << false << true;
+        QTest::newRow("style 7 has no Cancel") << "7" << false << true;
         QTest::newRow("8 is no style") << "8" << false << false;
     }
     void msgBox()
@@ -204,6 +205,7 @@ private slots:
         QTest::addColumn<bool>("ok");
         QTest::newRow("same value") << 260 << true;
         QTest::newRow("another value") << 259 << false;
+        QTest::newRow("no answer") << -1 << false;
     }
     void readBack()
     {

@@ -173,6 +173,7 @@ private slots:
         QCOMPARE(pump->visiblePicture(), QStringLiteral("Img_on"));
         QCOMPARE(synoptic->switchItem(1)->visiblePicture(), QStringLiteral("Img_off"));
         QVERIFY(synoptic->ledItem(0)->isLit());
+        QCOMPARE(synoptic->ledItem(0)->colour(), 4);
 
         rig->supervisor.MenuStop();
         QCOMPARE(pump->visiblePicture(), QStringLiteral("Img_ind"));

@@ -17,6 +17,7 @@ private slots:
         QTest::addColumn<bool>("communicate");
         QTest::newRow("cmdSi") << "cmdSi" << true;
         QTest::newRow("cmdNo") << "cmdNo" << false;
+        QTest::newRow("Enter") << "Enter" << true;
         QTest::newRow("Esc") << "Esc" << true;
         QTest::newRow("close") << "close" << true;
     }
@@ -26,8 +27,8 @@ private slots:
         QFETCH(bool, communicate);
         Splash splash;
         splash.show();
-        if (answer == QLatin1String("Esc"))
-            QTest::keyClick(&splash, Qt::Key_Escape);
+        if (answer == QLatin1String("Enter") || answer == QLatin1String("Esc"))
+            QTest::keyClick(&splash, answer == QLatin1String("Enter") ? Qt::Key_Return : Qt::Key_Escape);
         else if (answer == QLatin1String("close"))
             splash.close();
         else

@@ -15,6 +15,7 @@
 #include <QPushButton>
 #include <QScrollBar>
 #include <QTest>
+#include <QToolButton>
 
 using namespace telvane;
 
@@ -75,6 +76,7 @@ private slots:
         Stagione *window = rig.window->seasonWindow();
         QVERIFY(window->isVisible());
         QCOMPARE(window->windowTitle(), QStringLiteral("Ricette"));
+        QCOMPARE(rig.button(QStringLiteral("5"))->text(), QStringLiteral("Ricette"));
         QCOMPARE(child<QLabel>(rig, "Lab_Attuale")->text(), QStringLiteral("Stagione attuale: Estate"));
         // Opening tells in the window, not in a box, that the recipe loaded.
         QVERIFY(rig.prompts.asked().isEmpty());
