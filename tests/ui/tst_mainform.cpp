@@ -78,29 +78,6 @@ private slots:
         QCOMPARE(rig.acquisitionImage(), AcquisitionState::StandbyImage);
     }
 
-    // Without a port only simulation starts; neither way says anything.
-    void startWithoutPort_data()
-    {
-        QTest::addColumn<bool>("communicate");
-        QTest::addColumn<QString>("state");
-        QTest::newRow("communicate") << true << Standby;
-        QTest::newRow("simulate") << false << Acquiring;
-    }
-    void startWithoutPort()
-    {
-        QFETCH(bool, communicate);
-        QFETCH(QString, state);
-        WindowRig rig;
-        rig.plant.line.setOpenRefused(true);
-        rig.supervisor.setCommunicateWithInstruments(communicate);
-        rig.startUp();
-        QCOMPARE(rig.panel(1), QStringLiteral("Nessuna COM"));
-        const QStringList messages = rig.messagesDuring([&] { rig.clickButton(QStringLiteral("8")); });
-        QCOMPARE(rig.panel(2), state);
-        QVERIFY(!messages.contains(Refused));
-        QVERIFY(rig.prompts.asked().isEmpty());
-    }
-
     void refusedWhileAcquiring_data()
     {
         QTest::addColumn<QString>("command");
