@@ -128,7 +128,7 @@ program_pid=
 elapsed=$(($(date +%s) - started))
 
 rounds=$(grep -c '^Pannello 3: Lettura\.\.\.$' "$out" || true)
-lines=$(cat "$plant"/Dati/*.csv 2>/dev/null | tr -d '\r' | grep -c . || true)
+lines=$(cat "$plant"/Dati/????_??_??.csv 2>/dev/null | tr -d '\r' | grep -c . || true)
 alarms=$(grep -c '^Allarme:' "$out" || true)
 port_lines=$(grep -c 'Porta seriale' "$work/stderr" || true)
 echo

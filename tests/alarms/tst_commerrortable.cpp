@@ -4,7 +4,6 @@
 #include "config_editor/registertables.h"
 #include "storage/plantconfig.h"
 
-#include <QLoggingCategory>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -33,6 +32,15 @@ struct Rig
     }
 
     QString cell(int row, int column) const { return table.index(row, column).data().toString(); }
+    // Each row's kind, name and address as shown.
+    QStringList rows() const
+    {
+        QStringList shown;
+        for (int row = 0; row < table.rowCount(); ++row)
+            shown << QStringList{cell(row, CommErrorTable::KindColumn), cell(row, CommErrorTable::NameColumn),
+                                 cell(row, CommErrorTable::AddressColumn)}.join(u' ');
+        return shown;
+    }
 
     ManualClock clock{QDateTime(QDate(2026, 11, 14), QTime(10, 15, 0))};
     PlantConfig plant;
@@ -48,27 +56,17 @@ class TestCommErrorTable : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase() { QLoggingCategory::setFilterRules(QStringLiteral("telvane.*=false")); }
-
     void rowsFollowThePlant()
     {
         Rig rig;
-        QCOMPARE(rig.table.rowCount(), 4);
-        const QStringList expected{"Zona Forno 1 1", "Zona Forno 2 2", "Interruttore Pompa 5", "LED Spia 8"};
-        for (int row = 0; row < rig.table.rowCount(); ++row) {
-            const QString shown = rig.cell(row, CommErrorTable::KindColumn) + QLatin1Char(' ')
-                                  + rig.cell(row, CommErrorTable::NameColumn) + QLatin1Char(' ')
-                                  + rig.cell(row, CommErrorTable::AddressColumn);
-            QCOMPARE(shown, expected[row]);
-        }
+        QCOMPARE(rig.rows(), (QStringList{"Zona Forno 1 1", "Zona Forno 2 2", "Interruttore Pompa 5", "LED Spia 8"}));
 
         // A reload changed the plant: the rows follow once the view refreshes, and a
         // failure of an item the view does not know yet is kept, not lost.
         rig.plant.zones.removeLast();
         rig.alarms.ReportSwitchFailure(3);
         rig.table.refresh();
-        QCOMPARE(rig.table.rowCount(), 3);
-        QCOMPARE(rig.cell(1, CommErrorTable::NameColumn), QStringLiteral("Pompa"));
+        QCOMPARE(rig.rows(), (QStringList{"Zona Forno 1 1", "Interruttore Pompa 5", "LED Spia 8"}));
         rig.plant.switches.resize(4);
         rig.table.refresh();
         QCOMPARE(rig.cell(4, CommErrorTable::TotalColumn), QStringLiteral("1"));
@@ -82,10 +80,7 @@ private slots:
 
         for (int i = 0; i < 3; ++i)
             rig.alarms.ReportSwitchFailure(0);
-        QCOMPARE(changed.size(), 3);
         QCOMPARE(changed.last().at(0).toModelIndex().row(), pump);
-        QCOMPARE(rig.cell(pump, CommErrorTable::ConsecutiveColumn), QStringLiteral("3"));
-        QCOMPARE(rig.cell(pump, CommErrorTable::TotalColumn), QStringLiteral("3"));
 
         // A good read ends the run of failures; the total remembers them.
         rig.alarms.clearFailCount(AlarmItemKind::Switch, 0);
@@ -93,13 +88,11 @@ private slots:
         rig.alarms.ReportSwitchFailure(0);
         QCOMPARE(rig.cell(pump, CommErrorTable::ConsecutiveColumn), QStringLiteral("1"));
         QCOMPARE(rig.cell(pump, CommErrorTable::TotalColumn), QStringLiteral("4"));
-        QCOMPARE(rig.cell(0, CommErrorTable::TotalColumn), QStringLiteral("0"));
 
         // The acknowledgement clears every total, the LEDs' too, whose alarm counts stay.
         for (int i = 0; i < 2; ++i)
             rig.alarms.ReportLedFailure(0);
         rig.alarms.ResetAlarms();
-        QCOMPARE(rig.cell(pump, CommErrorTable::ConsecutiveColumn), QStringLiteral("0"));
         QCOMPARE(rig.cell(pump, CommErrorTable::TotalColumn), QStringLiteral("0"));
         QCOMPARE(rig.cell(3, CommErrorTable::ConsecutiveColumn), QStringLiteral("2"));
         QCOMPARE(rig.cell(3, CommErrorTable::TotalColumn), QStringLiteral("0"));
@@ -107,33 +100,27 @@ private slots:
         QCOMPARE(rig.table.lastLineFailure(), QStringLiteral("Nessun errore dall'ultimo riconoscimento"));
     }
 
-    // The reason is the one reported with the failure, not whatever the line did last.
+    // The reason is the one reported with the failure, not whatever the line did last,
+    // and none is shown when none was given; items outside the plant are ignored.
     void lastFailureTellsWhy()
     {
-        for (const QString &reason : {QStringLiteral("Time out"), QString()}) {
-            Rig rig;
-            QSignalSpy lineFailure(&rig.table, &CommErrorTable::lastLineFailureChanged);
-            rig.clock.setNow(QDateTime(QDate(2026, 11, 14), QTime(10, 16, 30)));
-            rig.alarms.ReportZoneFailure(1, reason);
-
-            const QString expected = reason.isEmpty() ? QStringLiteral("14/11/2026 10:16:30")
-                                                      : QStringLiteral("14/11/2026 10:16:30  ") + reason;
-            QCOMPARE(rig.cell(1, CommErrorTable::LastFailureColumn), expected);
-            const QString line = QStringLiteral("Zona Forno 2, 14/11/2026 10:16:30")
-                                 + (reason.isEmpty() ? QString() : QStringLiteral(": ") + reason);
-            QCOMPARE(rig.table.lastLineFailure(), line);
-            QCOMPARE(lineFailure.size(), 1);
-            QCOMPARE(lineFailure.first().first().toString(), line);
-        }
-    }
-
-    void outOfRangeItemsAreIgnored()
-    {
         Rig rig;
+        QSignalSpy lineFailure(&rig.table, &CommErrorTable::lastLineFailureChanged);
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression("^No zone with index 30"));
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression("^No LED with index -1"));
         rig.alarms.ReportZoneFailure(MaxZones);
         rig.alarms.ReportLedFailure(-1);
-        QCOMPARE(rig.table.lastLineFailure(), QStringLiteral("Nessun errore dall'ultimo riconoscimento"));
-        QCOMPARE(rig.table.data(rig.table.index(7, 0)), QVariant());
+        QVERIFY(lineFailure.isEmpty() && !rig.alarms.AlarmPending());
+        rig.clock.setNow(QDateTime(QDate(2026, 11, 14), QTime(10, 16, 30)));
+        rig.alarms.ReportZoneFailure(1, QStringLiteral("Time out"));
+
+        QCOMPARE(rig.cell(1, CommErrorTable::LastFailureColumn), QStringLiteral("14/11/2026 10:16:30  Time out"));
+        const QString line = QStringLiteral("Zona Forno 2, 14/11/2026 10:16:30: Time out");
+        QCOMPARE(rig.table.lastLineFailure(), line);
+        QCOMPARE(QList<QVariantList>(lineFailure), QList<QVariantList>{{line}});
+        rig.alarms.ReportSwitchFailure(0);
+        QCOMPARE(rig.cell(2, CommErrorTable::LastFailureColumn), QStringLiteral("14/11/2026 10:16:30"));
+        QCOMPARE(rig.table.lastLineFailure(), QStringLiteral("Interruttore Pompa, 14/11/2026 10:16:30"));
     }
 };
 

@@ -46,12 +46,10 @@ private slots:
         QTest::newRow("coil on: 1 goes as FF00") << 5 << 1 << true << false << 0xFF00 << "04 05 0030 ff00" << true;
         QTest::newRow("coil on, 0 echoed") << 5 << 1 << true << false << 0 << "04 05 0030 ff00" << false;
         QTest::newRow("register off, 1 echoed") << 6 << 0 << false << false << 1 << "04 06 0031 0000" << false;
-        QTest::newRow("register negative value") << 6 << -5 << true << false << 0xFFFB << "04 06 0030 fffb" << true;
         QTest::newRow("simulated coil on") << 5 << 1 << true << true << 0 << "" << true;
     }
-    // Without remote/local registers the write is the only request and the only exchange
-    // counted: a doubtful result counts one failure and warns, a confirmed one clears
-    // the count.
+    // Without remote/local registers the write is the only request: a doubtful result
+    // warns, a confirmed one sets the switch's state.
     void coilValuesAndEchoes()
     {
         QFETCH(int, functionCode);
@@ -71,7 +69,6 @@ private slots:
         QCOMPARE(outcome, confirmed ? CommandOutcome::Confirmed : CommandOutcome::Doubtful);
         QCOMPARE(fx.takeRequests(), request.isEmpty() ? QStringList{} : QStringList{request});
         QCOMPARE(fx.prompts.asked(), confirmed ? QList<RecordingPrompts::Prompt>{} : QList{warning(on)});
-        QCOMPARE(fx.rt.services.alarms.FailCount(AlarmItemKind::Switch, 0), confirmed ? 0 : 1);
         const SwitchState state = on ? SwitchState::On : SwitchState::Off;
         QCOMPARE(fx.rt.services.items.switches[0], confirmed ? state : SwitchState::Undetermined);
         QCOMPARE(refreshes.count(), confirmed ? 1 : 0);
@@ -80,64 +77,49 @@ private slots:
     }
 
     // The remote state (slave 5) is read before the write and a local state of 0 written
-    // after it (slave 4); each exchange and the echo count once toward the alarm, and a
-    // good one clears the count. A coil written 2 is never confirmed.
+    // after it (slave 4); each exchange and the echo count once toward the alarm, each
+    // with the reason of its own exchange, and a good one clears the count.
     void failureCounts_data()
     {
         QTest::addColumn<bool>("remoteAnswers");
-        QTest::addColumn<bool>("switchAnswers");
-        QTest::addColumn<int>("valOn");
+        QTest::addColumn<int>("writeEcho"); // -1: no answer
+        QTest::addColumn<bool>("localAnswers");
         QTest::addColumn<int>("failCount");
-        QTest::newRow("all answer") << true << true << 1 << 0;
-        QTest::newRow("write doubtful") << true << true << 2 << 1;
-        QTest::newRow("everything silent") << false << false << 1 << 3;
+        QTest::addColumn<QStringList>("reasons");
+        QTest::newRow("all answer") << true << 0xFF00 << true << 0 << QStringList{};
+        QTest::newRow("echo does not confirm") << true << 0 << true << 1 << QStringList{"Eco non valida: 0 per 65280"};
+        QTest::newRow("only the write silent") << true << -1 << true << 1 << QStringList{"Time out"};
+        QTest::newRow("everything silent") << false << -1 << false << 3 << QStringList(3, "Time out");
     }
     void failureCounts()
     {
         QFETCH(bool, remoteAnswers);
-        QFETCH(bool, switchAnswers);
-        QFETCH(int, valOn);
+        QFETCH(int, writeEcho);
+        QFETCH(bool, localAnswers);
         QFETCH(int, failCount);
-        RuntimeFixture fx;
-        configureSwitch(fx, 5, valOn, 0);
-        setRow(fx.rt.model.editor.tables.SwitchReadTable, 0, {5, 0, 3, 0x10});
-        setRow(fx.rt.model.editor.tables.SwitchWriteTable, 0, {4, 0, 6, 0x11});
-        if (remoteAnswers)
-            fx.setValue(5, 3, 0x10, 1);
-        if (switchAnswers)
-            fx.slaves.insert(4);
-
-        SwitchCommand(fx.rt, fx.prompts, 0, true);
-        const QString write = RuntimeFixture::request(4, 5, 0x30, valOn == 1 ? 0xFF00 : 2);
-        QCOMPARE(fx.takeRequests(), (QStringList{"05 03 0010 0001", write, "04 06 0011 0000"}));
-        QCOMPARE(fx.rt.services.alarms.FailCount(AlarmItemKind::Switch, 0), failCount);
-    }
-
-    // Each failure is counted with the reason of its own exchange: here the write went
-    // unanswered while the local-state write after it was answered.
-    void failureReasons()
-    {
+        QFETCH(QStringList, reasons);
         RuntimeFixture fx;
         configureSwitch(fx, 5, 1, 0);
+        setRow(fx.rt.model.editor.tables.SwitchReadTable, 0, {5, 0, 3, 0x10});
         setRow(fx.rt.model.editor.tables.SwitchWriteTable, 0, {4, 0, 6, 0x11});
-        fx.line.setResponder([](const QByteArray &request) -> ScriptedLine::Reply {
-            if (request.at(1) == 5)
+        fx.line.setResponder([=](const QByteArray &request) -> ScriptedLine::Reply {
+            const int functionCode = request.at(1);
+            if (functionCode == 3)
+                return remoteAnswers ? ScriptedLine::withCrc(request.left(2) + QByteArray::fromHex("020001"))
+                                     : ScriptedLine::Reply();
+            const int echo = functionCode == 5 ? writeEcho : localAnswers ? 0 : -1;
+            if (echo < 0)
                 return {};
-            return ScriptedLine::withCrc(request.left(2) + QByteArray::fromHex("0000") + request.mid(4, 2));
+            return ScriptedLine::withCrc(request.left(4) + char(echo >> 8) + char(echo));
         });
-        QStringList reasons;
+        QStringList counted;
         QObject::connect(&fx.rt.services.alarms, &AlarmBook::failureCounted,
-                         [&](AlarmItemKind, int, const QString &reason) { reasons << reason; });
+                         [&](AlarmItemKind, int, const QString &reason) { counted << reason; });
 
-        QCOMPARE(SwitchCommand(fx.rt, fx.prompts, 0, true), CommandOutcome::Doubtful);
-        QCOMPARE(fx.line.requests().size(), 2);
-        QCOMPARE(reasons, QStringList{QStringLiteral("Time out")});
-
-        // A valid echo that does not confirm is a failure of its own.
-        reasons.clear();
-        fx.echoWrites(0);
         SwitchCommand(fx.rt, fx.prompts, 0, true);
-        QCOMPARE(reasons, QStringList{QStringLiteral("Eco non valida: 0 per 65280")});
+        QCOMPARE(fx.takeRequests(), (QStringList{"05 03 0010 0001", "04 05 0030 ff00", "04 06 0011 0000"}));
+        QCOMPARE(fx.rt.services.alarms.FailCount(AlarmItemKind::Switch, 0), failCount);
+        QCOMPARE(counted, reasons);
     }
 
     // Neither direction goes out when either write is missing, and nothing is said.

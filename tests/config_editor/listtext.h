@@ -3,6 +3,7 @@
 #include "config_editor/commlists.h"
 #include "config_editor/registertables.h"
 
+#include <QList>
 #include <QStringList>
 
 namespace telvane {
@@ -20,33 +21,25 @@ inline QString listsText(const CommLists &lists)
     return text.join('\n');
 }
 
-// The rows in use of the eight tables, as "ZR0: 5 1 ..." for row 0 of ZoneReadTable
-// (ZW, SR, SW, DR, DW, LR, LW for the others); rows not shown hold -1 in every slot.
-// A register above 32767 shows as the negative number the 16-bit slot holds.
-inline QString tablesText(const RegisterTables &t)
+// Every slot of one row of a register table, in slot order.
+template <typename Table>
+QList<int> tableRow(const Table &table, int row)
 {
-    QStringList text;
-    const auto appendRowsInUse = [&text](const char *name, const auto &table) {
-        for (int row = 0; row < table.rows(); ++row) {
-            QStringList cells;
-            for (int slot = 0; slot < table.slotCount(); ++slot)
-                cells << QString::number(table.at(row, slot));
-            if (cells.count("-1") < cells.size())
-                text << QStringLiteral("%1%2: %3").arg(name).arg(row).arg(cells.join(' '));
-        }
-    };
-    appendRowsInUse("ZR", t.ZoneReadTable);
-    appendRowsInUse("ZW", t.ZoneWriteTable);
-    appendRowsInUse("SR", t.SwitchReadTable);
-    appendRowsInUse("SW", t.SwitchWriteTable);
-    appendRowsInUse("DR", t.DoorReadTable);
-    appendRowsInUse("DW", t.DoorWriteTable);
-    appendRowsInUse("LR", t.LedReadTable);
-    appendRowsInUse("LW", t.LedWriteTable);
-    QString slaves;
-    for (const bool slave : t.zoneSlaveFlags)
-        slaves += slave ? '1' : '0';
-    return text.join('\n') + "\nslaves " + slaves;
+    QList<int> cells;
+    for (int slot = 0; slot < table.slotCount(); ++slot)
+        cells << table.at(row, slot);
+    return cells;
+}
+
+// The zones (from 0) flagged as slaves.
+inline QList<int> slaveZones(const RegisterTables &t)
+{
+    QList<int> zones;
+    for (int zone = 0; zone < int(t.zoneSlaveFlags.size()); ++zone) {
+        if (t.zoneSlaveFlags[zone])
+            zones << zone;
+    }
+    return zones;
 }
 
 } // namespace telvane

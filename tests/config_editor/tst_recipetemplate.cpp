@@ -19,10 +19,6 @@ private slots:
                                 "\r\n\r\n\r\n[Zona 01]\r\nIntervallo = 150\r\nLinee =0\r\n\r\n\r\n[Zona 02]\r\n"));
         QVERIFY(text.endsWith("\r\n\r\n\r\n[Zona 30]\r\nIntervallo = 150\r\nLinee =0\r\n"));
         QCOMPARE(text.count("[Zona "), 30);
-        // As the recipe reader will see it.
-        const IniStore store(dir.folder());
-        QCOMPARE(store.ReadIniKeyFrom("File", "ID", "", "Ricetta/InvioDati.prg"), QStringLiteral("Telvane"));
-        QCOMPARE(store.ReadIniKeyFrom("Zona 17", "Linee", "", "Ricetta/InvioDati.prg"), QStringLiteral("0"));
     }
 
     void missingFolderIsMade()

@@ -3,6 +3,7 @@
 #include "fieldbus/modbusframe.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace telvane {
 
@@ -44,7 +45,6 @@ void ScriptedLine::close()
 {
     ++m_closeCalls;
     deliverDue();
-    m_bytesLeftAtClose = int(m_input.size());
     m_input.clear();
     m_open = false;
 }
@@ -79,10 +79,7 @@ qint64 ScriptedLine::bytesAvailable()
 QByteArray ScriptedLine::readAll()
 {
     deliverDue();
-    const qsizetype count = m_readLimit > 0 ? qMin<qsizetype>(m_readLimit, m_input.size()) : m_input.size();
-    const QByteArray bytes = m_input.left(count);
-    m_input.remove(0, count);
-    return bytes;
+    return std::exchange(m_input, {});
 }
 
 void ScriptedLine::clearInput()
@@ -93,7 +90,6 @@ void ScriptedLine::clearInput()
 
 void ScriptedLine::yield(int ms)
 {
-    ++m_yieldCalls;
     if (m_duringYield)
         m_duringYield();
     const qint64 now = m_clock.monotonicMs();

@@ -62,8 +62,6 @@ public:
         m_openRefused = refused;
         m_refusal = error;
     }
-    // At most `bytes` per readAll, as a driver handing data over in pieces (0: all).
-    void setReadLimit(int bytes) { m_readLimit = bytes; }
     // Runs at the start of every yield: the event handlers a real event loop would run.
     void setDuringYield(std::function<void()> handler) { m_duringYield = std::move(handler); }
     // Runs at every open, before it succeeds or fails.
@@ -76,9 +74,6 @@ public:
     int openCalls() const { return m_openCalls; }
     int closeCalls() const { return m_closeCalls; }
     int writesWhileClosed() const { return m_writesWhileClosed; }
-    int yieldCalls() const { return m_yieldCalls; }
-    // Bytes still waiting in the input when the port was last closed.
-    int bytesLeftAtClose() const { return m_bytesLeftAtClose; }
     const QString &port() const { return m_port; }
     const QString &format() const { return m_format; }
 
@@ -120,7 +115,6 @@ private:
     bool m_openRefused = false;
     QString m_refusal;
     QString m_lastError;
-    int m_readLimit = 0;
     QString m_port;
     QString m_format = QStringLiteral("9600,N,8,1");
 
@@ -128,8 +122,6 @@ private:
     int m_openCalls = 0;
     int m_closeCalls = 0;
     int m_writesWhileClosed = 0;
-    int m_yieldCalls = 0;
-    int m_bytesLeftAtClose = 0;
 };
 
 } // namespace telvane

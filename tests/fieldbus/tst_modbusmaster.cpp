@@ -238,7 +238,7 @@ private slots:
         bench.master.setRandomSource([random] { return random; });
         QCOMPARE(bench.master.ReadRegister(functionCode, 7, 3), value);
         QCOMPARE(bench.master.WriteRegister(6, 7, -1234, 3), -1234);
-        QCOMPARE(bench.line.openCalls() + bench.line.yieldCalls() + bench.clock.monotonicMs(), 0);
+        QCOMPARE(bench.line.openCalls() + bench.clock.monotonicMs(), 0);
     }
 
     // A handler run by the event loop while a reply is awaited must not start a second
@@ -303,9 +303,7 @@ private slots:
         QTest::addColumn<int>("address");
         QTest::addColumn<int>("waitedMs");
         const int quiet = ModbusMaster::LateReplyQuietMs;
-        QTest::newRow("another request at once") << 0 << 1 << quiet;
         QTest::newRow("another request 40 ms later") << 40 << 1 << quiet - 40;
-        QTest::newRow("another request after the interval") << quiet << 1 << 0;
         QTest::newRow("the same request at once") << 0 << 0 << 0;
     }
     void quietIntervalAfterATimeOut()

@@ -30,8 +30,6 @@ private slots:
             << ProbeCommand{"/dev/ttyUSB0", "19200,E,8,1", 250, 3, 247, 4, 65535, std::nullopt, 10};
         QTest::newRow("broadcast, lowest value") << "--port 2 --slave 0 --fc 6 --address 7 --value -32768"
                                                  << ProbeCommand{.port = "2", .functionCode = 6, .address = 7, .value = -32768};
-        QTest::newRow("diagnostics write") << "--port 2 --slave 1 --fc 8 --address 0 --value 4660"
-                                           << ProbeCommand{.port = "2", .slave = 1, .functionCode = 8, .value = 4660};
     }
     void accepted()
     {

@@ -17,13 +17,25 @@ using namespace telvane;
 
 namespace {
 
-QByteArray fileBytes(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
 const QDateTime Evening(QDate(2026, 11, 30), QTime(23, 59, 58));
+
+// A journal in a folder of its own, on a clock at the end of November.
+struct JournalRig
+{
+    QTemporaryDir dir;
+    ManualClock clock{Evening};
+    OperatorJournal journal{ProgramFolder(dir.path()), clock};
+
+    QString november() const { return dir.filePath(QStringLiteral("Dati/Giornale_2026_11.csv")); }
+    bool record(const char *event) { return journal.record(QStringLiteral("Tecnico"), QLatin1String(event)); }
+    QStringList events(const char *fileName = "Giornale_2026_11.csv") const
+    {
+        QStringList events;
+        for (const JournalEntry &entry : journal.readJournal(QLatin1String(fileName)))
+            events << entry.event;
+        return events;
+    }
+};
 
 } // namespace
 
@@ -39,8 +51,6 @@ private slots:
         QTest::addColumn<QString>("detail");
         QTest::addColumn<QString>("line");
         QTest::addColumn<QString>("readBack");
-        QTest::newRow("plain") << "Accensione Pompa" << "30/11/2026 23:59:58;Tecnico;Comando;Accensione Pompa;confermato"
-                               << "Accensione Pompa";
         QTest::newRow("separator quoted") << "Ricetta;nuova.prg"
                                           << "30/11/2026 23:59:58;Tecnico;Comando;\"Ricetta;nuova.prg\";confermato"
                                           << "Ricetta;nuova.prg";
@@ -50,7 +60,6 @@ private slots:
         QTest::newRow("line breaks become blanks")
             << "Valore\r\nSoggiorno\nx" << "30/11/2026 23:59:58;Tecnico;Comando;Valore Soggiorno x;confermato"
             << "Valore Soggiorno x";
-        QTest::newRow("empty") << "" << "30/11/2026 23:59:58;Tecnico;Comando;;confermato" << "";
     }
     void lineRoundTrip()
     {
@@ -75,7 +84,6 @@ private slots:
         QTest::newRow("quote never closed") << "30/11/2026 23:59:58;Tecnico;Comando;\"Zona;x;confermato";
         QTest::newRow("no date") << "31/11/2026 10:00:00;Tecnico;Start;;";
         QTest::newRow("one field too many") << "30/11/2026 23:59:58;Tecnico;Start;;;";
-        QTest::newRow("empty") << "";
     }
     void damagedLines()
     {
@@ -87,77 +95,56 @@ private slots:
     // and the spreadsheet read them back in order, the newest month listed first.
     void oneFilePerMonth()
     {
-        QTemporaryDir dir;
-        ManualClock clock(Evening);
-        OperatorJournal journal(ProgramFolder(dir.path()), clock);
-        QSignalSpy announced(&journal, &OperatorJournal::recorded);
+        JournalRig rig;
+        QSignalSpy announced(&rig.journal, &OperatorJournal::recorded);
+        QVERIFY(rig.journal.record(QStringLiteral("Anonimo"), QStringLiteral("Start"), QStringLiteral("automatico")));
+        rig.clock.advance(1000);
+        QVERIFY(rig.record("Login"));
+        rig.clock.advance(1000);
+        QVERIFY(rig.record("Stop"));
 
-        QVERIFY(journal.record(QStringLiteral("Anonimo"), QStringLiteral("Start"), QStringLiteral("automatico")));
-        clock.advance(1000);
-        QVERIFY(journal.record(QStringLiteral("Tecnico"), QStringLiteral("Login"), QStringLiteral("Tecnico")));
-        clock.advance(1000);
-        QVERIFY(journal.record(QStringLiteral("Tecnico"), QStringLiteral("Stop")));
-
-        QCOMPARE(fileBytes(dir.filePath(QStringLiteral("Dati/Giornale_2026_11.csv"))),
-                 "Data e ora;Livello utente;Evento;Dettaglio;Esito\r\n"
-                 "30/11/2026 23:59:58;Anonimo;Start;automatico;\r\n"
-                 "30/11/2026 23:59:59;Tecnico;Login;Tecnico;\r\n");
-        QCOMPARE(journal.journalFiles(), (QStringList{"Giornale_2026_12.csv", "Giornale_2026_11.csv"}));
-        const QList<JournalEntry> december = journal.readJournal(QStringLiteral("Giornale_2026_12.csv"));
+        QFile file(rig.november());
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QCOMPARE(file.readAll(), "Data e ora;Livello utente;Evento;Dettaglio;Esito\r\n"
+                                 "30/11/2026 23:59:58;Anonimo;Start;automatico;\r\n"
+                                 "30/11/2026 23:59:59;Tecnico;Login;;\r\n");
+        QCOMPARE(rig.journal.journalFiles(), (QStringList{"Giornale_2026_12.csv", "Giornale_2026_11.csv"}));
+        const QList<JournalEntry> december = rig.journal.readJournal(QStringLiteral("Giornale_2026_12.csv"));
         QCOMPARE(december, (QList<JournalEntry>{{QDateTime(QDate(2026, 12, 1), QTime(0, 0)), "Tecnico", "Stop", "", ""}}));
-        QCOMPARE(journal.readJournal(QStringLiteral("Giornale_2026_11.csv")).size(), 2);
+        QCOMPARE(rig.events(), (QStringList{"Start", "Login"}));
         QCOMPARE(announced.size(), 3);
         QCOMPARE(announced.last().at(0).value<JournalEntry>(), december.first());
     }
 
     // A crash in the middle of a line leaves a fragment: the next entry starts on a line
-    // of its own, and reading skips only the fragment. A folder "Dati" removed while
-    // running is made again.
-    void crashFragmentAndMissingFolder()
+    // of its own, and reading skips only the fragment. An entry a full disk does not take
+    // is not half-written, and it is still announced, so that the headless output keeps
+    // it. A folder "Dati" removed while running is made again.
+    void nothingLostOrHalfWritten()
     {
-        QTemporaryDir dir;
-        ManualClock clock(Evening);
-        OperatorJournal journal(ProgramFolder(dir.path()), clock);
-        journal.record(QStringLiteral("Tecnico"), QStringLiteral("Start"));
-        const QString path = dir.filePath(QStringLiteral("Dati/Giornale_2026_11.csv"));
-        QFile file(path);
+        JournalRig rig;
+        rig.record("Start");
+        QFile file(rig.november());
         QVERIFY(file.open(QIODevice::Append));
         file.write("30/11/2026 23:59:58;Tecn");
         file.close();
+        QVERIFY(rig.record("Stop"));
+        QCOMPARE(rig.events(), (QStringList{"Start", "Stop"}));
 
-        QVERIFY(journal.record(QStringLiteral("Tecnico"), QStringLiteral("Stop")));
-        const QList<JournalEntry> entries = journal.readJournal(QFileInfo(path).fileName());
-        QCOMPARE(entries.size(), 2);
-        QCOMPARE(entries.last().event, QStringLiteral("Stop"));
-
-        QVERIFY(QDir(dir.filePath(QStringLiteral("Dati"))).removeRecursively());
-        QVERIFY(journal.record(QStringLiteral("Tecnico"), QStringLiteral("Rileggi")));
-        QCOMPARE(journal.readJournal(QFileInfo(path).fileName()).size(), 1);
-    }
-
-    // A full disk: the entry that does not fit is not half-written (the next one, once
-    // there is room, reads back whole), and it is still announced, so that the headless
-    // output keeps it.
-    void fullDisk()
-    {
-        QTemporaryDir dir;
-        ManualClock clock(Evening);
-        OperatorJournal journal(ProgramFolder(dir.path()), clock);
-        QVERIFY(journal.record(QStringLiteral("Tecnico"), QStringLiteral("Start")));
-        const QString path = dir.filePath(QStringLiteral("Dati/Giornale_2026_11.csv"));
-        const qint64 size = QFileInfo(path).size();
-        QSignalSpy announced(&journal, &OperatorJournal::recorded);
+        const qint64 size = QFileInfo(file).size();
+        QSignalSpy announced(&rig.journal, &OperatorJournal::recorded);
         {
             const FileSizeLimit limit(size + 10);
-            QVERIFY(!journal.record(QStringLiteral("Tecnico"), QStringLiteral("Comando"), QStringLiteral("Apertura porta"),
-                                    QStringLiteral("confermato")));
+            QVERIFY(!rig.record("Comando"));
         }
-        QCOMPARE(QFileInfo(path).size(), size);
+        QCOMPARE(QFileInfo(file).size(), size);
         QCOMPARE(announced.size(), 1);
-        QVERIFY(journal.record(QStringLiteral("Tecnico"), QStringLiteral("Stop")));
-        const QList<JournalEntry> entries = journal.readJournal(QFileInfo(path).fileName());
-        QCOMPARE(entries.size(), 2);
-        QCOMPARE(entries.last().event, QStringLiteral("Stop"));
+        QVERIFY(rig.record("Rileggi"));
+        QCOMPARE(rig.events(), (QStringList{"Start", "Stop", "Rileggi"}));
+
+        QVERIFY(QDir(rig.dir.filePath(QStringLiteral("Dati"))).removeRecursively());
+        QVERIFY(rig.record("Login"));
+        QCOMPARE(rig.events(), QStringList{"Login"});
     }
 };
 

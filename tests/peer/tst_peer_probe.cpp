@@ -1,7 +1,6 @@
 // telvane-probe as a technician uses it, against pymodbus's slave on a pty pair.
 
 #include "peer/peerslave.h"
-#include "support/datarows.h"
 
 #include <QProcess>
 #include <QTest>
@@ -22,32 +21,43 @@ private slots:
     }
     void cleanupTestCase() { m_peer.reset(); }
 
-    // arguments|standard output|exit status. The rows run in order: a write is read back,
-    // and arguments refused touch nothing on the line.
+    // The rows run in order: a write is read back.
+    // Missing items are refused with exception 2; slave 4 is absent.
     void answers_data()
     {
-        addRows({"--slave 3 --fc 1 --address 0|1\n|0", "--slave 3 --fc 2 --address 1|0\n|0",
-                 "--slave 3 --fc 3 --address 1|-10\n|0", "--slave 3 --fc 4 --address 2 --repeat 3|1000\n1000\n1000\n|0",
-                 "--slave 3 --fc 8 --address 0 --value 4660|4660\n|0",
-                 "--slave 3 --fc 6 --address 40 --value -123|-123\n|0", "--slave 3 --fc 3 --address 40|-123\n|0",
-                 "--slave 3 --fc 3 --address 99|2 (Exception)\n|0", "--slave 4 --fc 3 --address 0|-99999 Time out\n|1",
-                 "--slave 4 --fc 6 --address 0 --value 1 --retry 2|-99999 Time out\n|1",
-                 "--slave 0 --fc 6 --address 40 --value 9|-99999 Broadcast\n|1",
-                 "--slave 3 --fc 5 --address 0 --value 0 --repeat 0||2", "--slave 3 --fc 7 --address 0||2",
-                 "--slave 3 --fc 1 --address 0|1\n|0"});
+        QTest::addColumn<QString>("arguments");
+        QTest::addColumn<QString>("output");
+        QTest::addColumn<int>("exitCode");
+        QTest::newRow("coil") << "--slave 3 --fc 1 --address 0" << "1\n" << 0;
+        QTest::newRow("discrete input") << "--slave 3 --fc 2 --address 1" << "0\n" << 0;
+        QTest::newRow("coil off") << "--slave 3 --fc 5 --address 0 --value 0" << "0\n" << 0;
+        QTest::newRow("coil read back") << "--slave 3 --fc 1 --address 0" << "0\n" << 0;
+        QTest::newRow("negative register") << "--slave 3 --fc 3 --address 1" << "-10\n" << 0;
+        QTest::newRow("repeated") << "--slave 3 --fc 4 --address 2 --repeat 3" << "1000\n1000\n1000\n" << 0;
+        QTest::newRow("diagnostics") << "--slave 3 --fc 8 --address 0 --value 4660" << "4660\n" << 0;
+        QTest::newRow("write") << "--slave 3 --fc 6 --address 40 --value -123" << "-123\n" << 0;
+        QTest::newRow("written value read back") << "--slave 3 --fc 3 --address 40" << "-123\n" << 0;
+        QTest::newRow("exception") << "--slave 3 --fc 3 --address 99" << "2 (Exception)\n" << 0;
+        QTest::newRow("refused write") << "--slave 3 --fc 6 --address 99 --value 1" << "-99999 (Exception)\n" << 1;
+        QTest::newRow("missing slave") << "--slave 4 --fc 3 --address 0" << "-99999 Time out\n" << 1;
+        QTest::newRow("broadcast") << "--slave 0 --fc 6 --address 40 --value 9" << "-99999 Broadcast\n" << 1;
+        QTest::newRow("broadcast carried out") << "--slave 3 --fc 3 --address 40" << "9\n" << 0;
+        QTest::newRow("wrong argument") << "--slave 3 --fc 7 --address 0" << "" << 2;
     }
     void answers()
     {
-        const QStringList cells = rowCells();
+        QFETCH(QString, arguments);
+        QFETCH(QString, output);
+        QFETCH(int, exitCode);
         QProcess probe;
         probe.start(QStringLiteral(TELVANE_PROBE), QStringList{QStringLiteral("--port"), m_peer->port(),
                                                                QStringLiteral("--timeout"), QStringLiteral("300")}
-                                                       + QProcess::splitCommand(cells[0]));
+                                                       + QProcess::splitCommand(arguments));
         QVERIFY(probe.waitForFinished(30000));
-        QCOMPARE(QString::fromUtf8(probe.readAllStandardOutput()), cells[1]);
-        QCOMPARE(probe.exitCode(), cells[2].toInt());
+        QCOMPARE(QString::fromUtf8(probe.readAllStandardOutput()), output);
+        QCOMPARE(probe.exitCode(), exitCode);
         const QString err = QString::fromUtf8(probe.readAllStandardError());
-        QVERIFY2(cells[2] == QLatin1String("2") ? err.contains(QStringLiteral("--help")) : err.isEmpty(), qPrintable(err));
+        QVERIFY2(exitCode == 2 ? err.contains(QStringLiteral("--help")) : err.isEmpty(), qPrintable(err));
     }
 
     void portThatDoesNotExist()

@@ -45,25 +45,15 @@ const QByteArray WithMessage = Header +
                                "02 = 0,MSGBOX,Controllare la zona 2;Avviso\r\n03 = 5,1,1;Remoto\r\n" +
                                Zone3;
 
-// Answers every box Yes or OK and remembers the texts; a step box may first run `onStep`.
+// Answers every box Yes or OK and remembers the texts; a step box first runs `onStep`.
 class AnsweringPrompts final : public Prompts
 {
 public:
-    bool question(const QString &, const QString &text) override
-    {
-        texts.append(text);
-        return true;
-    }
+    bool question(const QString &, const QString &text) override { return texts.append(text), true; }
     void warning(const QString &, const QString &text) override { texts.append(text); }
     void information(const QString &, const QString &text) override { texts.append(text); }
     std::optional<QString> textInput(const QString &, const QString &, const QString &) override { return {}; }
-    bool acknowledge(const QString &, const QString &text, Icon, bool) override
-    {
-        texts.append(text);
-        if (onStep)
-            onStep();
-        return true;
-    }
+    bool acknowledge(const QString &, const QString &text, Icon, bool) override { return texts.append(text), onStep(), true; }
 
     QStringList texts;
     std::function<void()> onStep;

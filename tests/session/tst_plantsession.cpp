@@ -36,12 +36,6 @@ SP_w=6,2
 Cronotermostato=1
 )";
 
-// Every set point of the schedule, as a file holding one line repeats it to the end.
-void writeSchedule(const RuntimeFixture &rig, const QByteArray &setPoint)
-{
-    rig.writeFile(QStringLiteral("Crono/Cronotermostato.cts"), setPoint + "\r\n");
-}
-
 } // namespace
 
 class TestPlantSession : public QObject
@@ -64,46 +58,32 @@ private slots:
     }
 
     // The editor's rebuild starts every set point at 20.0; start-up and reload both read
-    // the schedule again afterwards, and the instruments get the current slot once more.
+    // the schedule afterwards (start-up makes the missing files), and the instruments
+    // get the current slot once more.
     void scheduleSurvivesStartUpAndReload()
     {
         RuntimeFixture rig;
         rig.writeFile(QStringLiteral("Telvane0.ini"), "[Generale]\r\nModo=1\r\n");
         rig.writeFile(QStringLiteral("Telvane1.ini"), PlantIni);
-        rig.writeFile(QStringLiteral("Crono/Festivita.cts"), "\r\n");
-        writeSchedule(rig, "21.5");
         rig.slaves.insert(1);
         Supervisor supervisor(rig.rt);
         PlantSession session(rig.rt, supervisor, rig.prompts);
 
         session.startUp();
-        QCOMPARE(rig.rt.model.chrono(ChronoSchedule::Slots - 1, ChronoSchedule::Zones - 1, ChronoSchedule::Days - 1), 21.5f);
+        for (const char *file : {"Crono/Cronotermostato.cts", "Crono/Festivita.cts"})
+            QVERIFY2(QFile::exists(rig.dir.filePath(QLatin1String(file))), file);
         supervisor.MenuStart();
         rig.takeRequests();
         supervisor.monitoring().MonitorCycle();
-        QCOMPARE(rig.takeRequests(), QStringList{"01 06 0002 00d7"});
+        QCOMPARE(rig.takeRequests(), QStringList{"01 06 0002 00c8"});
         supervisor.monitoring().MonitorCycle();
         QVERIFY(rig.takeRequests().isEmpty());
 
-        writeSchedule(rig, "18.0");
+        rig.writeFile(QStringLiteral("Crono/Cronotermostato.cts"), "18.0\r\n");
         session.reload();
-        QCOMPARE(rig.rt.model.chrono(0, 0, 0), 18.0f);
+        QCOMPARE(rig.rt.model.chrono(ChronoSchedule::Slots - 1, ChronoSchedule::Zones - 1, ChronoSchedule::Days - 1), 18.0f);
         supervisor.monitoring().MonitorCycle();
         QCOMPARE(rig.takeRequests(), QStringList{"01 06 0002 00b4"});
-    }
-
-    // Without the files, start-up makes them with the default set point.
-    void missingScheduleStartsAtTwenty()
-    {
-        RuntimeFixture rig;
-        rig.writeFile(QStringLiteral("Telvane0.ini"), "[Generale]\r\nModo=1\r\n");
-        rig.writeFile(QStringLiteral("Telvane1.ini"), PlantIni);
-        Supervisor supervisor(rig.rt);
-        PlantSession session(rig.rt, supervisor, rig.prompts);
-        session.startUp();
-        QCOMPARE(rig.rt.model.chrono(10, 0, 3), 20.0f);
-        QVERIFY(QFile::exists(rig.dir.filePath(QStringLiteral("Crono/Cronotermostato.cts"))));
-        QVERIFY(QFile::exists(rig.dir.filePath(QStringLiteral("Crono/Festivita.cts"))));
     }
 };
 

@@ -57,21 +57,6 @@ private slots:
         QCOMPARE(dataFile("2027_01_01.csv"), QByteArray("new year\r\n"));
     }
 
-    void failedAppendLosesOnlyThatLine()
-    {
-        ManualClock clock(QDateTime(QDate(2026, 3, 1), QTime(12, 0)));
-        DailyLog log(m_dir->folder(), clock);
-        QVERIFY(log.AppendDailyLogLine("first"));
-        // Something in the way of the next day's file.
-        QVERIFY(QDir().mkpath(m_dir->path("Dati/2026_03_02.csv")));
-        clock.advance(24 * 3600 * 1000);
-        QTest::ignoreMessage(QtWarningMsg, QRegularExpression("2026_03_02.csv.*lost"));
-        QVERIFY(!log.AppendDailyLogLine("lost"));
-        clock.setNow(QDateTime(QDate(2026, 3, 1), QTime(12, 2)));
-        QVERIFY(log.AppendDailyLogLine("third"));
-        QCOMPARE(dataFile("2026_03_01.csv"), QByteArray("first\r\nthird\r\n"));
-    }
-
     // A full disk takes only part of a line: that part is cut off again, so the next line
     // does not continue it and the day reads back whole. A fragment left by a crash is
     // closed off before the next line.

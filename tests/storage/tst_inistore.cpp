@@ -77,10 +77,8 @@ private slots:
         QCOMPARE(dir.read("Telvane0.ini"), QByteArray("[Generale]\r\nModo=1\r\n"));
         QCOMPARE(store.currentIniName(), QStringLiteral("Telvane1.ini"));
 
-        dir.write("Telvane0.ini", "; selettore\r\n[Generale]\r\nModo=1\r\n");
         QVERIFY(!ChangeSettingsFile(store, true).CivilMode);
         QCOMPARE(store.currentIniName(), QStringLiteral("Telvane2.ini"));
-        QCOMPARE(dir.read("Telvane0.ini"), QByteArray("; selettore\r\n[Generale]\r\nModo=0\r\n"));
     }
 
     // Another program's edit is seen even when it keeps the file's size and time, and
@@ -96,8 +94,6 @@ private slots:
         dir.write(SettingsFolder::Industrial, "[A]\r\nk=2\r\n");
         setModified(path, before);
         QCOMPARE(store.ReadIniKey("A", "k", "default"), QStringLiteral("2"));
-        dir.write(SettingsFolder::Industrial, "[A]\r\n");
-        QCOMPARE(store.ReadIniKey("A", "k", "default"), QStringLiteral("default"));
         QVERIFY(QFile::remove(path));
         QCOMPARE(store.ReadIniKey("A", "k", "default"), QStringLiteral("default"));
     }
@@ -108,7 +104,6 @@ private slots:
         dir.write("x.ini", "[A]\r\nk=1\r\n");
         const QString path = dir.path("x.ini");
         IniFileCache cache(-1);
-        QCOMPARE(cache.load(path)->value("A", "k"), QStringLiteral("1"));
         QCOMPARE(cache.load(path)->value("A", "k"), QStringLiteral("1"));
         const QDateTime time = modified(path);
         dir.write("x.ini", "[A]\r\nk=2\r\n");
@@ -152,7 +147,6 @@ private slots:
     {
         SettingsFolder dir;
         IniStore store = dir.store("; impianto\r\n[COM]\r\nPorta = 1\r\nRetry=1\r\n\r\n[Zona 01]\r\nNome=Sala\r\n");
-        const QString path = dir.path(SettingsFolder::Industrial);
         QVERIFY(store.WriteIniKeys({{"com", "porta", "3"},
                                     {"Zona 01", "Indirizzo", "5"},
                                     {"Zona 02", "Nome", "Cucina"},
@@ -162,8 +156,6 @@ private slots:
         QCOMPARE(dir.read(SettingsFolder::Industrial),
                  QByteArray("; impianto\r\n[COM]\r\nPorta =3\r\nRetry=1\r\nTimeOut=400\r\n\r\n"
                             "[Zona 01]\r\nNome=Sala\r\nIndirizzo=7\r\n\r\n[Zona 02]\r\nNome=Cucina\r\nIndirizzo=6\r\n"));
-        QCOMPARE(store.ReadIniKey("Zona 02", "Indirizzo", ""), QStringLiteral("6"));
-        QVERIFY(QFileInfo::exists(path));
     }
 
     void batchWithAnUnwritableKeyWritesNothing()
@@ -177,6 +169,7 @@ private slots:
         QCOMPARE(store.ReadIniKey("A", "k", ""), QStringLiteral("1"));
     }
 
+    // Another program watching the file's time sees no change that is none.
     void unchangedValueIsNotRewritten()
     {
         SettingsFolder dir;
@@ -186,16 +179,6 @@ private slots:
         setModified(path, old);
         QVERIFY(store.WriteIniKey("a", "K", "1"));
         QCOMPARE(modified(path), old);
-    }
-
-    void readIniKeyFromNamedFiles()
-    {
-        SettingsFolder dir;
-        dir.write("Ricetta/Estate.prg", "[Zona 01]\r\nSP=\"22.5\"\r\n");
-        const IniStore store(dir.folder());
-        QCOMPARE(store.ReadIniKeyFrom("Zona 01", "SP", "", "Ricetta/Estate.prg"), QStringLiteral("22.5"));
-        QCOMPARE(store.ReadIniKeyFrom("zona 01", "sp", "", dir.path("Ricetta/Estate.prg")), QStringLiteral("22.5"));
-        QCOMPARE(store.ReadIniKeyFrom("Zona 01", "SP", "none", "Ricetta/Inverno.prg"), QStringLiteral("none"));
     }
 
     // What a save killed half-way leaves beside the settings, chrono and recipe files is

@@ -36,7 +36,6 @@ private slots:
     void parseSingle()
     {
         QCOMPARE(telvane::parseSingle("20,5"), std::optional<float>(20.5f));
-        QCOMPARE(telvane::parseSingle("340282346638528859811704183484516925440"), std::optional<float>(3.4028234e38f));
         QCOMPARE(telvane::parseSingle("-1" + QString(39, '0')), std::nullopt);
         QCOMPARE(telvane::parseSingle("nan"), std::nullopt);
     }

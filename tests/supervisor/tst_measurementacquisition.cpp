@@ -190,20 +190,6 @@ private slots:
         QCOMPARE(fx.rt.services.alarms.FailCount(AlarmItemKind::Zone, 0), 8);
         QCOMPARE(fx.rt.services.alarms.FailCount(AlarmItemKind::Zone, 1), 8);
     }
-
-
-    // A simulated round leaves the line alone and takes a quarter of a second, as a real one would.
-    void simulation()
-    {
-        RuntimeFixture fx;
-        fx.rt.services.master.setCommunicate(false);
-        fx.rt.model.plant.zones.resize(1);
-        setUpZone(fx, 0, 1, Codes(5, 3), AllAnswer);
-        ReadAllMeasurements(fx.rt);
-        QCOMPARE(fx.pause.pauses(), QList<int>{250});
-        QVERIFY(fx.line.requests().isEmpty());
-        QCOMPARE(fx.rt.services.alarms.FailCount(AlarmItemKind::Zone, 0), 0);
-    }
 };
 
 QTEST_GUILESS_MAIN(TestMeasurementAcquisition)

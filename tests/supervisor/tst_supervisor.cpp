@@ -58,13 +58,10 @@ private slots:
         supervisor.load();
 
         QCOMPARE(fx.rt.display.statusBar.panel(StatusBar::StatePanel), QStringLiteral("Standby"));
-        QCOMPARE(supervisor.acquisition().buttonImage(), AcquisitionState::StandbyImage);
         QVERIFY(!supervisor.AcquisitionRunning() && supervisor.acquisition().AutoStartPending());
         QCOMPARE(fx.rt.services.alarms.FailCount(AlarmItemKind::Switch, 0), 0);
-        QVERIFY(!supervisor.monitoring().Timer_Monitor().isActive() && !supervisor.TimerAutoStart().isActive());
         for (const char *folder : {"Dati", "Crono", "Ricetta"})
             QVERIFY2(QDir(fx.dir.filePath(QLatin1String(folder))).exists(), folder);
-        QCOMPARE(fx.rt.model.mode.CurrentIniName, QStringLiteral("Telvane2.ini"));
     }
 
     void startUp_data()

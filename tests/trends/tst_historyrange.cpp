@@ -59,8 +59,7 @@ private slots:
     // Every shape of number a day file may hold reads as the general number parser reads it.
     void valuesReadAsTheNumberParser()
     {
-        const QStringList fields = {"21.5", "-0,25", "+3", "7.", ".5", "-0.0", "123456789012.345",
-                                    "1234567890123456.5", " 4.5", "0.1", "99.99"};
+        const QStringList fields = {"-0,25", "+3", "7.", ".5", "-0.0", "123456789012.345", "1234567890123456.5", " 4.5", "0.1"};
         QByteArray line = "14/11/2026 10:00:00;";
         for (const QString &field : fields)
             line += field.toLatin1() + ';';

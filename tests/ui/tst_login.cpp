@@ -55,7 +55,6 @@ private slots:
         QTest::newRow("technician") << "Tecnico" << "Qx7" << "cmdOK" << "Utente: Tecnico" << true << false << false;
         QTest::newRow("admin by Enter") << "Admin" << "Wm4" << "Enter" << admin << false << true << false;
         QTest::newRow("password case") << "Tecnico" << "qx7" << "cmdOK" << anonymous << false << false << true;
-        QTest::newRow("empty") << "" << "" << "cmdOK" << anonymous << false << false << false;
         QTest::newRow("Annulla") << "Tecnico" << "Qx7" << "cmdCancel" << admin << false << true << false;
         QTest::newRow("Escape") << "Tecnico" << "Qx7" << "Escape" << admin << false << true << false;
     }

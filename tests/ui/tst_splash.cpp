@@ -1,7 +1,5 @@
-#include "ui/about.h"
 #include "ui/splash.h"
 
-#include <QLabel>
 #include <QPushButton>
 #include <QTest>
 
@@ -37,17 +35,6 @@ private slots:
             QTest::mouseClick(splash.findChild<QPushButton *>(answer), Qt::LeftButton);
         QVERIFY(!splash.isVisible());
         QCOMPARE(splash.communicate(), communicate);
-    }
-
-    void bothWindowsNameTheProduct()
-    {
-        Splash splash;
-        About about;
-        for (QWidget *window : {static_cast<QWidget *>(&splash), static_cast<QWidget *>(&about)}) {
-            QCOMPARE(window->findChild<QLabel *>(QStringLiteral("lblProductName"))->text(), QStringLiteral("Telvane"));
-            QCOMPARE(window->findChild<QLabel *>(QStringLiteral("lblVersion"))->text(),
-                     QStringLiteral("Versione " TELVANE_VERSION));
-        }
     }
 };
 

@@ -15,6 +15,7 @@
 #include <QPushButton>
 #include <QScrollBar>
 #include <QTest>
+#include <QToolButton>
 
 using namespace telvane;
 
@@ -75,8 +76,8 @@ private slots:
         Stagione *window = rig.window->seasonWindow();
         QVERIFY(window->isVisible());
         QCOMPARE(window->windowTitle(), QStringLiteral("Ricette"));
+        QCOMPARE(rig.button(QStringLiteral("5"))->text(), QStringLiteral("Ricette"));
         QCOMPARE(child<QLabel>(rig, "Lab_Attuale")->text(), QStringLiteral("Stagione attuale: Estate"));
-        QCOMPARE(child<QLineEdit>(rig, "Txt_Inverno")->text(), QStringLiteral("Inverno.prg"));
         // Opening tells in the window, not in a box, that the recipe loaded.
         QVERIFY(rig.prompts.asked().isEmpty());
         QCOMPARE(child<QLabel>(rig, "Lab_Esito")->text(), QStringLiteral("Il file Inverno.prg è stato caricato correttamente."));
@@ -92,7 +93,6 @@ private slots:
         auto *names = child<QListWidget>(rig, "Lst_NomePar");
         window->parentWidget()->resize(900, 500);
         QTRY_VERIFY(names->verticalScrollBar()->maximum() > 0);
-        QVERIFY(names->verticalScrollBar()->maximum() > 0);
         names->verticalScrollBar()->setValue(names->verticalScrollBar()->maximum());
         for (const QString &name : ListNames)
             QCOMPARE(child<QListWidget>(rig, name)->verticalScrollBar()->value(), names->verticalScrollBar()->value());

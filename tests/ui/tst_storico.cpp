@@ -47,87 +47,87 @@ class TestStorico : public QObject
 {
     Q_OBJECT
 
+    std::unique_ptr<WindowRig> rig;
+    Storico *history = nullptr;
+
+    QString plantFile(const QString &name) const { return rig->plant.rt.model.ini.folder().filePath(name); }
+
 private slots:
     void initTestCase()
     {
         QLoggingCategory::setFilterRules(QStringLiteral("telvane.*.debug=false\ntelvane.storage.warning=false"));
         QLocale::setDefault(QLocale(QLocale::Italian, QLocale::Italy));
     }
+    void init()
+    {
+        rig = std::make_unique<WindowRig>();
+        startUpWithSettings(*rig, TwoZones);
+        history = rig->window->historyWindow();
+    }
+    void cleanup() { rig.reset(); }
 
     // The points before the damage are drawn and the operator is told which day it was.
     void damagedDay()
     {
-        WindowRig rig;
-        startUpWithSettings(rig, TwoZones);
-        writeDay(rig, Day2, "15/11/2026 08:00:00;20.5;18.0;\r\n15/11/2026 08:01:00;21.0;18.5;\r\n"
+        writeDay(*rig, Day2, "15/11/2026 08:00:00;20.5;18.0;\r\n15/11/2026 08:01:00;21.0;18.5;\r\n"
                             "15/11/2026 08:02:00;21.5;19.0\r\n15/11/2026 08:03:00;22.0;19.5;\r\n");
-        rig.clickButton(QStringLiteral("4"));
-        Storico &history = *rig.window->historyWindow();
-        showDays(history, Day2, Day2);
+        rig->clickButton(QStringLiteral("4"));
+        showDays(*history, Day2, Day2);
 
         const RecordingPrompts::Prompt expected{
             RecordingPrompts::Kind::Warning, QStringLiteral("Storico"),
             QStringLiteral("Attenzione: Il file relativo alla giornata di 15/11/2026 è danneggiato. Il caricameto dei "
                            "dati potrebbe essere errato o incompleto.")};
-        QCOMPARE(rig.prompts.asked(), QList<RecordingPrompts::Prompt>{expected});
-        QCOMPARE(history.shownPoints()->trace(1).size(), 3);
-        QCOMPARE(history.shownPoints()->trace(2).size(), 2);
-        QVERIFY(history.panel().chart().drawnPointCount() == 5);
+        QCOMPARE(rig->prompts.asked(), QList<RecordingPrompts::Prompt>{expected});
+        QCOMPARE(history->shownPoints()->trace(1).size(), 3);
+        QCOMPARE(history->shownPoints()->trace(2).size(), 2);
+        QVERIFY(history->panel().chart().drawnPointCount() == 5);
     }
 
     void dayWithoutFile()
     {
-        WindowRig rig;
-        startUpWithSettings(rig, TwoZones);
-        Storico &history = *rig.window->historyWindow();
-        showDays(history, Day1, Day1);
-        QCOMPARE(history.statusText(), QStringLiteral("Nessun dato registrato il 14/11/2026."));
-        QVERIFY(rig.prompts.asked().isEmpty());
-        QCOMPARE(history.shownPoints()->pointCount(), 0);
+        showDays(*history, Day1, Day1);
+        QCOMPARE(history->statusText(), QStringLiteral("Nessun dato registrato il 14/11/2026."));
+        QVERIFY(rig->prompts.asked().isEmpty());
+        QCOMPARE(history->shownPoints()->pointCount(), 0);
     }
 
     // The calendar shows in bold the days that have a file, and a click on a day shows it.
     void calendarMarksAndOpensDays()
     {
-        WindowRig rig;
-        startUpWithSettings(rig, TwoZones);
-        Storico &history = *rig.window->historyWindow();
-        QCalendarWidget &calendar = history.calendar();
+        QCalendarWidget &calendar = history->calendar();
         calendar.setCurrentPage(2026, 11);
         // A file written while the window was closed is in bold when it opens.
-        writeDay(rig, Day1, "14/11/2026 08:00:00;20.5;18.0;\r\n");
-        rig.clickButton(QStringLiteral("4"));
+        writeDay(*rig, Day1, "14/11/2026 08:00:00;20.5;18.0;\r\n");
+        rig->clickButton(QStringLiteral("4"));
         QCOMPARE(calendar.dateTextFormat(Day1).fontWeight(), int(QFont::Bold));
         QVERIFY(calendar.dateTextFormat(Day2).fontWeight() != int(QFont::Bold));
 
-        QTRY_VERIFY(!history.loading());
-        QSignalSpy shown(&history, &Storico::daysShown);
+        QTRY_VERIFY(!history->loading());
+        QSignalSpy shown(history, &Storico::daysShown);
         emit calendar.clicked(Day1);
         QVERIFY(shown.wait(10000));
-        QCOMPARE(history.shownPoints()->trace(1).size(), 1);
+        QCOMPARE(history->shownPoints()->trace(1).size(), 1);
     }
 
     // Two days shown as one chart go to one spreadsheet file, in the Italian way.
     void rangeExportedAndReadBack()
     {
-        WindowRig rig;
-        startUpWithSettings(rig, TwoZones);
-        writeDay(rig, Day1, "14/11/2026 23:59:00;20.5;18.0;\r\n");
-        writeDay(rig, Day2, "15/11/2026 00:00:05;21.5;-99999.0;\r\n15/11/2026 00:01:05;22.0;19.0;\r\n");
-        Storico &history = *rig.window->historyWindow();
-        showDays(history, Day1, Day2);
+        writeDay(*rig, Day1, "14/11/2026 23:59:00;20.5;18.0;\r\n");
+        writeDay(*rig, Day2, "15/11/2026 00:00:05;21.5;-99999.0;\r\n15/11/2026 00:01:05;22.0;19.0;\r\n");
+        showDays(*history, Day1, Day2);
 
-        const QString csv = rig.plant.rt.model.ini.folder().filePath(QStringLiteral("intervallo.csv"));
-        QVERIFY(history.exportCsv(csv));
+        const QString csv = plantFile(QStringLiteral("intervallo.csv"));
+        QVERIFY(history->exportCsv(csv));
         const QStringList lines = QString::fromUtf8(readAll(csv)).remove(QChar(0xFEFF)).split(QStringLiteral("\r\n"));
         QCOMPARE(lines, (QStringList{"Data e ora;Soggiorno;Cucina", "14/11/2026 23:59:00;20,5;18",
                                      "15/11/2026 00:00:05;21,5;", "15/11/2026 00:01:05;22;19", ""}));
 
-        const QString png = rig.plant.rt.model.ini.folder().filePath(QStringLiteral("intervallo.png"));
-        QVERIFY(history.exportPng(png));
+        const QString png = plantFile(QStringLiteral("intervallo.png"));
+        QVERIFY(history->exportPng(png));
         QVERIFY(!QImage(png).isNull());
-        QVERIFY(!history.exportCsv(rig.plant.rt.model.ini.folder().filePath(QStringLiteral("assente/x.csv"))));
-        QCOMPARE(rig.prompts.asked().size(), 1);
+        QVERIFY(!history->exportCsv(plantFile(QStringLiteral("assente/x.csv"))));
+        QCOMPARE(rig->prompts.asked().size(), 1);
     }
 
     // Without a printer the chart goes to a PDF beside the plant's files, and the
@@ -136,17 +136,14 @@ private slots:
     {
         if (!QPrinterInfo::defaultPrinter().isNull())
             QSKIP("this machine has a default printer");
-        WindowRig rig;
-        startUpWithSettings(rig, TwoZones);
-        writeDay(rig, Day1, "14/11/2026 08:00:00;20.5;18.0;\r\n14/11/2026 09:00:00;21.5;17.0;\r\n");
-        Storico &history = *rig.window->historyWindow();
-        showDays(history, Day1, Day1);
+        writeDay(*rig, Day1, "14/11/2026 08:00:00;20.5;18.0;\r\n14/11/2026 09:00:00;21.5;17.0;\r\n");
+        showDays(*history, Day1, Day1);
 
-        const QString pdf = history.print();
-        QCOMPARE(pdf, rig.plant.rt.model.ini.folder().filePath(QStringLiteral("Storico_2026_11_14.pdf")));
+        const QString pdf = history->print();
+        QCOMPARE(pdf, plantFile(QStringLiteral("Storico_2026_11_14.pdf")));
         QVERIFY(readAll(pdf).startsWith("%PDF"));
-        QCOMPARE(rig.prompts.asked().size(), 1);
-        QVERIFY(rig.prompts.asked()[0].text.endsWith(QDir::toNativeSeparators(pdf)));
+        QCOMPARE(rig->prompts.asked().size(), 1);
+        QVERIFY(rig->prompts.asked()[0].text.endsWith(QDir::toNativeSeparators(pdf)));
     }
 };
 

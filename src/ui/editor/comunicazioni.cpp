@@ -8,6 +8,7 @@
 #include "config_editor/printlayout.h"
 #include "config_editor/recipetemplate.h"
 #include "storage/modesettings.h"
+#include "supervisor/chartlogging.h"
 #include "supervisor/runtime.h"
 #include "supervisor/supervisor.h"
 #include "ui/editor/chronopage.h"
@@ -329,6 +330,13 @@ void Comunicazioni::refresh()
 
 void Comunicazioni::toggleOption(const QString &key, QAction *entry)
 {
+    // The chart-logging choice acts at once on the running rounds, and is saved so that
+    // the reloads that follow keep it.
+    if (key == QLatin1String("Grafico")) {
+        MenuVediGraf(m_rt);
+        refresh();
+        return;
+    }
     const bool on = entry->isChecked();
     if (!m_rt.model.ini.WriteIniKeys({{QStringLiteral("Generale"), key, on ? QStringLiteral("1") : QStringLiteral("0")}})) {
         entry->setChecked(!on);
