@@ -237,6 +237,10 @@ void TrendChart::redraw()
         traces.append(std::move(drawn));
     }
     m_traces->setTraces(std::move(traces), plot);
+    // Over a week that is millions of readings: counted once per drawing, not at
+    // every move of the cursor.
+    for (int trace = 1; trace <= TrendSet::Traces; ++trace)
+        m_stats[trace - 1] = m_points ? m_points->trace(trace).stats(m_from, m_to) : TrendStats{};
     updateInfo();
 }
 
@@ -273,7 +277,7 @@ void TrendChart::updateInfo()
         const TrendSeries &series = m_points->trace(trace);
         if (!m_visible[trace - 1] || series.isEmpty())
             continue;
-        const TrendStats stats = series.stats(m_from, m_to);
+        const TrendStats &stats = m_stats[trace - 1];
         QString atCursor;
         if (m_cursorMs >= 0) {
             const std::optional<float> value = series.valueAt(m_cursorMs, CursorReachMs);

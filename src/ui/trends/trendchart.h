@@ -104,6 +104,8 @@ private:
     QStringList m_names;
     int m_traceCount = 0;
     std::array<bool, TrendSet::Traces> m_visible;
+    // Of the shown time range, as of the last drawing.
+    std::array<TrendStats, TrendSet::Traces> m_stats{};
 
     bool m_followAll = true;
     qint64 m_from = 0;
