@@ -7,6 +7,13 @@
 
 namespace telvane {
 
+namespace {
+
+// Of the workspace, for a window that expands: a margin stays to reach the others.
+constexpr double ExpandedShare = 0.94;
+
+} // namespace
+
 ChildWindows::ChildWindows(QMdiArea &area, QObject *parent)
     : QObject(parent)
     , m_area(area)
@@ -117,15 +124,21 @@ ChildWindows::Child *ChildWindows::childOf(const QWidget *window)
 }
 
 // A window opens in the middle of the workspace the first time; afterwards where the
-// operator left it.
+// operator left it. A window that asks to expand (the charts) takes most of the
+// workspace, so a large screen shows more of its time axis.
 void ChildWindows::place(Child &child)
 {
     if (child.placed)
         return;
     child.placed = true;
     child.subWindow->adjustSize();
-    const QSize size = child.subWindow->size();
     const QRect area = m_area.viewport()->rect();
+    const QSizePolicy policy = child.window->sizePolicy();
+    if (policy.horizontalPolicy() == QSizePolicy::Expanding && policy.verticalPolicy() == QSizePolicy::Expanding) {
+        const QSize room = area.size() * ExpandedShare;
+        child.subWindow->resize(child.subWindow->size().expandedTo(room).boundedTo(area.size()));
+    }
+    const QSize size = child.subWindow->size();
     child.subWindow->move(std::max(0, (area.width() - size.width()) / 2),
                           std::max(0, (area.height() - size.height()) / 3));
 }

@@ -140,6 +140,10 @@ private slots:
         expectShown({false, true, false});
         rig.chooseMenuEntry(QStringLiteral("MenuFunzioni"), QStringLiteral("MenuGrafico"));
         expectShown({false, false, true});
+        // The chart takes most of the workspace; the login form keeps its own size.
+        const int room = rig.window->centralWidget()->width();
+        QVERIFY2(windows[2]->parentWidget()->width() > room * 9 / 10, qPrintable(QString::number(room)));
+        QVERIFY2(windows[0]->parentWidget()->width() < room / 2, qPrintable(QString::number(room)));
         rig.chooseMenuEntry(QStringLiteral("MenuFunzioni"), QStringLiteral("MenuGrafico"));
         expectShown({false, false, false});
         rig.clickButton(QStringLiteral("1"));

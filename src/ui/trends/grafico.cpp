@@ -28,6 +28,7 @@ Grafico::Grafico(IniStore &ini, PlantConfig &plant, std::function<bool()> chartL
     m_panel->chart().setPoints(&m_live.points());
     m_live.onRound = [this] { roundArrived(); };
     updateMemoryText();
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
     resize(1000, 600);
 }
 

@@ -117,6 +117,7 @@ Storico::Storico(const DailyLog &log, IniStore &ini, PlantConfig &plant, Prompts
     m_progressTimer->setInterval(ProgressPollMs);
 
     markDaysWithFiles();
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
     resize(1100, 620);
 }
 
