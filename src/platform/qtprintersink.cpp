@@ -22,7 +22,13 @@ constexpr qreal LineSpacing = 1.1;
 } // namespace
 
 QtPrinterSink::QtPrinterSink(std::unique_ptr<QPrinter> printer)
-    : m_printer(std::move(printer))
+    : QtPrinterSink(*printer)
+{
+    m_owned = std::move(printer);
+}
+
+QtPrinterSink::QtPrinterSink(QPrinter &printer)
+    : m_printer(&printer)
     , m_font(QStringLiteral("Arial"), 10)
 {
     m_printer->setPageMargins(QMarginsF(MarginMm, MarginMm, MarginMm, MarginMm), QPageLayout::Millimeter);
@@ -55,7 +61,7 @@ bool QtPrinterSink::begin()
 {
     if (m_painter.isActive() || !m_ok)
         return m_ok;
-    if (!m_painter.begin(m_printer.get())) {
+    if (!m_painter.begin(m_printer)) {
         qCWarning(lcPlatform).noquote() << "Cannot print on" << m_printer->printerName() << m_printer->outputFileName();
         m_ok = false;
         return false;
@@ -85,7 +91,7 @@ void QtPrinterSink::printLine(const QList<PrintTab> &texts)
     if (!begin())
         return;
     m_painter.setFont(m_font);
-    const QFontMetricsF metrics(m_font, m_printer.get());
+    const QFontMetricsF metrics(m_font, m_printer);
     const qreal pageHeight = m_printer->pageLayout().paintRectPixels(m_printer->resolution()).height();
     const qreal lineHeight = m_font.pointSizeF() * LineSpacing * m_printer->resolution() / 72.0;
     if (m_y > 0 && m_y + lineHeight > pageHeight)

@@ -25,6 +25,8 @@ class QtPrinterSink final : public PrinterSink
 {
 public:
     explicit QtPrinterSink(std::unique_ptr<QPrinter> printer);
+    // On a printer owned by someone else, such as a print preview.
+    explicit QtPrinterSink(QPrinter &printer);
     ~QtPrinterSink() override;
 
     // The system's default printer; null when the system has none.
@@ -48,7 +50,8 @@ public:
 private:
     bool begin();
 
-    std::unique_ptr<QPrinter> m_printer;
+    std::unique_ptr<QPrinter> m_owned;
+    QPrinter *m_printer;
     QPainter m_painter;
     QFont m_font;
     qreal m_y = 0;

@@ -14,6 +14,8 @@
 #include <QListWidget>
 #include <QMenu>
 #include <QLoggingCategory>
+#include <QPrintPreviewDialog>
+#include <QPrintPreviewWidget>
 #include <QPushButton>
 #include <QTest>
 #include <QToolButton>
@@ -208,6 +210,29 @@ private slots:
         QCOMPARE(rig.rig.prompts.asked().size(), 2);
         QCOMPARE(rig.rig.prompts.asked()[1].kind, RecordingPrompts::Kind::Information);
         QVERIFY(rig.rig.prompts.asked()[1].text.contains(pdf));
+    }
+
+    // The preview draws the lists without asking, and the schedule as the page shows it.
+    void previewShowsThePagesWithoutPrinting()
+    {
+        EditorRig rig;
+        const auto openPreview = [&](QWidget *from, const QString &button) {
+            rig.click(from, button);
+            auto *dialog = rig.editor->findChild<QPrintPreviewDialog *>(QStringLiteral("Anteprima"));
+            return dialog ? dialog->findChild<QPrintPreviewWidget *>() : nullptr;
+        };
+        QPrintPreviewWidget *lists = openPreview(rig.editor, QStringLiteral("Cmd_Anteprima"));
+        QVERIFY(lists);
+        QTRY_COMPARE(lists->pageCount(), 1);
+        delete lists->window();
+        rig.trigger(QStringLiteral("MenuCambiaIni"));
+        rig.rig.entry(QStringLiteral("MenuCrono"))->trigger();
+        QPrintPreviewWidget *schedule = openPreview(rig.editor->chronoPage(), QStringLiteral("Cmd_AnteprimaCT"));
+        QVERIFY(schedule);
+        QTRY_COMPARE(schedule->pageCount(), 1);
+        delete schedule->window();
+        QVERIFY(rig.rig.prompts.asked().isEmpty());
+        QVERIFY(!QFileInfo::exists(rig.rig.plant.dir.filePath(QStringLiteral("stampa.pdf"))));
     }
 };
 

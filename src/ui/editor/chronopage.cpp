@@ -99,6 +99,10 @@ ChronoPage::ChronoPage(QWidget *parent)
     layout->addLayout(holidays);
 
     bottom->addWidget(buttons[6]);
+    auto *preview = new QPushButton(QStringLiteral("Anteprima di stampa..."), this);
+    preview->setObjectName(QStringLiteral("Cmd_AnteprimaCT"));
+    connect(preview, &QPushButton::clicked, this, &ChronoPage::previewRequested);
+    bottom->addWidget(preview);
     bottom->addStretch();
     bottom->addWidget(buttons[0]);
     bottom->addWidget(buttons[1]);

@@ -38,6 +38,7 @@ signals:
     // Index 0 confirms, 1 closes without saving.
     void closeRequested(int index);
     void printRequested();
+    void previewRequested();
 
 private:
     void buttonClicked(int index);

@@ -23,6 +23,8 @@
 #include <QListView>
 #include <QMenu>
 #include <QMenuBar>
+#include <QPrintPreviewDialog>
+#include <QPrinter>
 #include <QPushButton>
 #include <QStackedWidget>
 #include <QStringListModel>
@@ -94,7 +96,14 @@ Comunicazioni::Comunicazioni(Runtime &rt, Supervisor &supervisor, Prompts &promp
     m_print = new QPushButton(QStringLiteral("Stampa le liste"), m_listsPage);
     m_print->setObjectName(QStringLiteral("Cmd_Stampa"));
     connect(m_print, &QPushButton::clicked, this, &Comunicazioni::PrintCommLists);
-    lists->addWidget(m_print, 2, 3, Qt::AlignRight);
+    auto *preview = new QPushButton(QStringLiteral("Anteprima di stampa..."), m_listsPage);
+    preview->setObjectName(QStringLiteral("Cmd_Anteprima"));
+    connect(preview, &QPushButton::clicked, this, &Comunicazioni::previewCommLists);
+    auto *printButtons = new QHBoxLayout;
+    printButtons->addStretch();
+    printButtons->addWidget(preview);
+    printButtons->addWidget(m_print);
+    lists->addLayout(printButtons, 2, 0, 1, -1);
     m_stack->addWidget(m_listsPage);
     layout->addWidget(m_stack, 1);
 
@@ -104,6 +113,7 @@ Comunicazioni::Comunicazioni(Runtime &rt, Supervisor &supervisor, Prompts &promp
     m_stack->addWidget(m_chronoPage);
     connect(m_chronoPage, &ChronoPage::closeRequested, this, &Comunicazioni::closeChronoPage);
     connect(m_chronoPage, &ChronoPage::printRequested, this, &Comunicazioni::PrintChronoSchedule);
+    connect(m_chronoPage, &ChronoPage::previewRequested, this, &Comunicazioni::previewChronoSchedule);
 
     connect(&m_supervisor, &Supervisor::editorFrameEnabledRequested, this, &Comunicazioni::setFrameEnabled);
     refresh();
@@ -387,6 +397,37 @@ void Comunicazioni::PrintChronoSchedule()
     const QString product = QLatin1String(ProductName);
     print([this, &product](PrinterSink &printer) {
         return telvane::PrintChronoSchedule(m_prompts, printer, m_chronoPage->printout(), product, m_rt.devices.clock.now());
+    });
+}
+
+// A window of its own, not modal: the technician may compare the pages with the editor.
+// The job is made again at every drawing, so the preview shows what the page holds then;
+// the preview's print button draws it on the printer chosen there, without asking.
+void Comunicazioni::preview(const std::function<PrintJob()> &makeJob)
+{
+    auto *dialog = new QPrintPreviewDialog(this);
+    dialog->setObjectName(QStringLiteral("Anteprima"));
+    dialog->setWindowTitle(QStringLiteral("Anteprima di stampa"));
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    connect(dialog, &QPrintPreviewDialog::paintRequested, this, [makeJob](QPrinter *printer) {
+        QtPrinterSink sink(*printer);
+        playPrintJob(makeJob(), sink);
+    });
+    dialog->resize(window()->size());
+    dialog->open();
+}
+
+void Comunicazioni::previewCommLists()
+{
+    preview([this] {
+        return commListsPrintJob(m_rt.model.editor.lists, QLatin1String(ProductName), m_rt.devices.clock.now());
+    });
+}
+
+void Comunicazioni::previewChronoSchedule()
+{
+    preview([this] {
+        return chronoSchedulePrintJob(m_chronoPage->printout(), QLatin1String(ProductName), m_rt.devices.clock.now());
     });
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "config_editor/printlayout.h"
 #include "platform/qtprintersink.h"
 
 #include <QHash>
@@ -63,6 +64,9 @@ public:
     void MenuCambiaIni();
     void PrintCommLists();
     void PrintChronoSchedule();
+    // The same printouts shown in a preview window first, printed from there.
+    void previewCommLists();
+    void previewChronoSchedule();
 
     // Room for the four lists side by side and for the largest page.
     QSize sizeHint() const override { return QSize(1060, 640); }
@@ -89,6 +93,7 @@ private:
     void writeRecipeTemplate();
     void tryInstrument(FieldPage *page, const QString &section);
     void print(const std::function<bool(PrinterSink &)> &job);
+    void preview(const std::function<PrintJob()> &makeJob);
 
     Runtime &m_rt;
     Supervisor &m_supervisor;
