@@ -81,6 +81,9 @@ private slots:
             "[A]\r\nx=1\r\n; note\r\n\r\n[B]\r\ny=2\r\n", "[A]\r\nx=1\r\n; note\r\nk=9\r\n\r\n[B]\r\ny=2\r\n");
         row("missing section is appended", "[A]\r\nx=1\r\n", "[A]\r\nx=1\r\n\r\n[Zona 02]\r\nNome=Cucina\r\n",
             "Zona 02", "Nome", "Cucina");
+        row("a name with a trailing blank writes the first of the sections it names",
+            "[Sinottico]\r\nCampo_1=A\r\n[Sinottico ]\r\nCampo_1=A\r\n",
+            "[Sinottico]\r\nCampo_1=B\r\n[Sinottico ]\r\nCampo_1=A\r\n", "Sinottico ", "Campo_1", "B");
         row("Windows-1252 file is written as UTF-8", "[A]\r\nu=\xB0" "C\r\nk=1\r\n",
             "[A]\r\nu=\xC2\xB0" "C\r\nk=5 \xE2\x82\xAC\r\n", "A", "k", QString::fromUtf16(u"5 €"));
     }
