@@ -18,6 +18,10 @@ namespace {
 // fits one A4 page in size 8, as on the plants' old printers.
 constexpr qreal MarginMm = 5;
 constexpr qreal LineSpacing = 1.1;
+// A tab column is Arial's average character (904/2048 of the type size) whatever font
+// stands in for Arial here: the fallback fonts are wider on average, and with their
+// width the fourth column of the communication lists (tab 130) fell off an A4 page.
+constexpr qreal ArialAverageWidth = 904.0 / 2048.0;
 
 } // namespace
 
@@ -96,7 +100,7 @@ void QtPrinterSink::printLine(const QList<PrintTab> &texts)
     const qreal lineHeight = m_font.pointSizeF() * LineSpacing * m_printer->resolution() / 72.0;
     if (m_y > 0 && m_y + lineHeight > pageHeight)
         newPage();
-    const qreal column = metrics.averageCharWidth();
+    const qreal column = m_font.pointSizeF() * ArialAverageWidth * m_printer->resolution() / 72.0;
     for (const PrintTab &text : texts)
         m_painter.drawText(QPointF(text.column * column, m_y + metrics.ascent()), text.text);
     m_y += lineHeight;

@@ -3,7 +3,9 @@
 #include "platform/qtprintersink.h"
 
 #include <QApplication>
+#include <QPrinter>
 #include <QProcess>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -24,6 +26,21 @@ QStringList pdfPages(const QString &path)
     if (!pages.isEmpty() && pages.last().trimmed().isEmpty())
         pages.removeLast();
     return pages;
+}
+
+// How far right any word of the PDF reaches, against its page's width (points).
+std::pair<double, double> rightmostWordAndPageWidth(const QString &path)
+{
+    QProcess tool;
+    tool.start(QStringLiteral("pdftotext"), {QStringLiteral("-bbox"), path, QStringLiteral("-")});
+    if (!tool.waitForFinished(30000) || tool.exitCode() != 0)
+        return {-1, -1};
+    const QString html = QString::fromUtf8(tool.readAllStandardOutput());
+    double rightmost = 0;
+    for (const QRegularExpressionMatch &word : QRegularExpression(QStringLiteral("xMax=\"([0-9.]+)\"")).globalMatch(html))
+        rightmost = std::max(rightmost, word.captured(1).toDouble());
+    const QRegularExpressionMatch page = QRegularExpression(QStringLiteral("<page width=\"([0-9.]+)\"")).match(html);
+    return {rightmost, page.captured(1).toDouble()};
 }
 
 QString lineWith(const QString &page, const QString &text)
@@ -74,6 +91,16 @@ private slots:
                  qPrintable(midnight));
         QVERIFY(!pages[0].contains("18:30"));
         QVERIFY(pages[1].contains("18:30 26"));
+        // The last column stays on the paper, whatever font stands in for Arial, also on
+        // a printer of the screen's resolution as the print preview draws.
+        QPrinter screen(QPrinter::ScreenResolution);
+        screen.setOutputFormat(QPrinter::PdfFormat);
+        screen.setPageSize(QPageSize(QPageSize::A4));
+        screen.setOutputFileName(dir.filePath(QStringLiteral("anteprima.pdf")));
+        QtPrinterSink preview(screen);
+        playPrintJob(chronoSchedulePrintJob(schedule, "Telvane", Now), preview);
+        const auto [rightmost, pageWidth] = rightmostWordAndPageWidth(screen.outputFileName());
+        QVERIFY2(rightmost > 0 && rightmost < pageWidth, qPrintable(QStringLiteral("%1 of %2").arg(rightmost).arg(pageWidth)));
     }
 };
 
