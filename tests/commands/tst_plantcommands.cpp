@@ -10,7 +10,7 @@ using namespace telvane;
 
 namespace {
 
-enum class Click { SwitchOnImage, SwitchOffImage, DoorOpener };
+enum class Click { SwitchOnImage, SwitchOffImage, DoorOpener, ZoneValue, UnreadZoneValue };
 
 const QString SwitchOnWrite = QStringLiteral("04 05 0030 ff00");
 const QString SwitchOffWrite = QStringLiteral("04 05 0031 0000");
@@ -53,6 +53,10 @@ struct CommandsFixture : RuntimeFixture
             return commands.switchOffImageClicked(0);
         case Click::DoorOpener:
             return commands.doorOpenerClicked();
+        case Click::ZoneValue:
+            return commands.zoneValueDoubleClicked(0, QStringLiteral("21,5 °C"));
+        case Click::UnreadZoneValue:
+            return commands.zoneValueDoubleClicked(0, QStringLiteral("--.-"));
         }
     }
 };
@@ -69,50 +73,98 @@ class TestPlantCommands : public QObject
 private slots:
     void initTestCase() { QLoggingCategory::setFilterRules(QStringLiteral("telvane.*.debug=false")); }
 
-    // What a click sends at once and what the next tick sends.
+    // What a click or a double-click on a zone's value sends at once and what the next
+    // tick sends, with the value box it asks and how each command ended.
     void clicks_data()
     {
         QTest::addColumn<Click>("click");
         QTest::addColumn<bool>("acquiring");
+        QTest::addColumn<UserLevel>("user");
         QTest::addColumn<int>("switchControlMode");
+        QTest::addColumn<std::optional<QString>>("answer");
+        QTest::addColumn<bool>("asked");
         QTest::addColumn<QStringList>("atOnce");
         QTest::addColumn<QStringList>("nextTick");
+        QTest::addColumn<QList<CommandOutcome>>("told");
+        const UserLevel tech{true, false};
+        const std::optional<QString> none;
+        const QList<CommandOutcome> confirmed{CommandOutcome::Confirmed};
+        const QList<CommandOutcome> refused{CommandOutcome::Refused};
+        const QStringList nothing;
         // The picture shown "on" switches off only while acquiring, then at once and
         // again from the queue; the one shown "off" switches on at once only standing by.
-        QTest::newRow("Img_on standing by") << Click::SwitchOnImage << false << 1 << QStringList{} << QStringList{};
-        QTest::newRow("Img_on acquiring") << Click::SwitchOnImage << true << 1 << QStringList{SwitchOffWrite}
-                                          << QStringList{SwitchOffWrite};
-        QTest::newRow("Img_off standing by") << Click::SwitchOffImage << false << 1 << QStringList{SwitchOnWrite}
-                                             << QStringList{};
-        QTest::newRow("Img_off acquiring") << Click::SwitchOffImage << true << 1 << QStringList{}
-                                           << QStringList{SwitchOnWrite};
-        QTest::newRow("Img_on, switches not commanded") << Click::SwitchOnImage << true << 0 << QStringList{}
-                                                        << QStringList{};
-        QTest::newRow("Img_off, switches not commanded") << Click::SwitchOffImage << false << 2 << QStringList{}
-                                                         << QStringList{};
+        QTest::newRow("Img_on standing by") << Click::SwitchOnImage << false << tech << 1 << none << false << nothing
+                                            << nothing << QList<CommandOutcome>{};
+        QTest::newRow("Img_on acquiring") << Click::SwitchOnImage << true << tech << 1 << none << false
+                                          << QStringList{SwitchOffWrite} << QStringList{SwitchOffWrite}
+                                          << confirmed + confirmed;
+        QTest::newRow("Img_off standing by") << Click::SwitchOffImage << false << tech << 1 << none << false
+                                             << QStringList{SwitchOnWrite} << nothing << confirmed;
+        QTest::newRow("Img_off acquiring") << Click::SwitchOffImage << true << tech << 1 << none << false << nothing
+                                           << QStringList{SwitchOnWrite} << confirmed;
+        QTest::newRow("Img_on, switches not commanded") << Click::SwitchOnImage << true << tech << 0 << none << false
+                                                        << nothing << nothing << QList<CommandOutcome>{};
+        QTest::newRow("Img_off, switches not commanded") << Click::SwitchOffImage << false << tech << 2 << none
+                                                         << false << nothing << nothing << QList<CommandOutcome>{};
         // The door does not look at the switches' mode.
-        QTest::newRow("door standing by") << Click::DoorOpener << false << 0 << DoorPulse << QStringList{};
-        QTest::newRow("door acquiring") << Click::DoorOpener << true << 0 << QStringList{} << DoorPulse;
+        QTest::newRow("door standing by") << Click::DoorOpener << false << tech << 0 << none << false << DoorPulse
+                                          << nothing << confirmed;
+        QTest::newRow("door acquiring") << Click::DoorOpener << true << tech << 0 << none << false << nothing
+                                        << DoorPulse << confirmed;
+        // Anonymous: a second of "Privilegi insufficienti", nothing on the line, no box,
+        // whether the command runs at once or from the queue.
+        QTest::newRow("anonymous, switch from the queue") << Click::SwitchOffImage << true << UserLevel{} << 1 << none
+                                                          << false << nothing << nothing << refused;
+        QTest::newRow("anonymous, door at once") << Click::DoorOpener << false << UserLevel{} << 0 << none << false
+                                                 << nothing << nothing << refused;
+        // A double-click on a zone's value first drops a value still waiting (zone 2's 40),
+        // then asks for the new one and queues it; refusals here are silent.
+        QTest::newRow("value, technician") << Click::ZoneValue << true << tech << 1 << std::optional<QString>(" 22,5 ")
+                                           << true << nothing << QStringList{"0c 06 0050 00e1"} << confirmed;
+        QTest::newRow("value, anonymous") << Click::ZoneValue << true << UserLevel{} << 1
+                                          << std::optional<QString>("22,5") << false << nothing << nothing
+                                          << QList<CommandOutcome>{};
+        QTest::newRow("value, no valid reading") << Click::UnreadZoneValue << true << tech << 1
+                                                 << std::optional<QString>("22,5") << false << nothing << nothing
+                                                 << QList<CommandOutcome>{};
+        QTest::newRow("value, cancel") << Click::ZoneValue << true << tech << 1 << none << true << nothing << nothing
+                                       << QList<CommandOutcome>{};
     }
     void clicks()
     {
         QFETCH(Click, click);
         QFETCH(bool, acquiring);
+        QFETCH(UserLevel, user);
         QFETCH(int, switchControlMode);
+        QFETCH(std::optional<QString>, answer);
+        QFETCH(bool, asked);
         QFETCH(QStringList, atOnce);
         QFETCH(QStringList, nextTick);
+        QFETCH(QList<CommandOutcome>, told);
         CommandsFixture fx(acquiring);
-        fx.login(true, false);
+        fx.rt.services.user = user;
         fx.rt.model.plant.SwitchControlMode = qint16(switchControlMode);
+        if (click == Click::ZoneValue || click == Click::UnreadZoneValue) {
+            fx.commands.queueSetValue(1, QStringLiteral("40"));
+            fx.prompts.scriptTextInput(answer);
+        }
 
         fx.click(click);
         QCOMPARE(fx.takeRequests(), atOnce);
         fx.supervisor.monitoring().MonitorCycle();
         QCOMPARE(fx.takeRequests(), nextTick);
         fx.supervisor.monitoring().MonitorCycle();
-        QVERIFY(fx.takeRequests().isEmpty());
-        QCOMPARE(fx.told.size(), atOnce.isEmpty() ? 0 + !nextTick.isEmpty() : 1 + !nextTick.isEmpty());
-        QVERIFY(fx.prompts.asked().isEmpty());
+        QCOMPARE(fx.takeRequests(), QStringList());
+        QCOMPARE(fx.told, told);
+        const RecordingPrompts::Prompt box{RecordingPrompts::Kind::TextInput, "Modifica parametro...",
+                                           "Inserire il valore da impostare:"};
+        QCOMPARE(fx.prompts.asked(), asked ? QList{box} : QList<RecordingPrompts::Prompt>());
+        const bool refusal = told == QList{CommandOutcome::Refused};
+        if (click != Click::DoorOpener || refusal) // the door's pulse pauses on its own
+            QCOMPARE(fx.pause.pauses(), refusal ? QList<int>{1000} : QList<int>());
+        if (refusal)
+            QCOMPARE(fx.panelTexts[StatusBar::MessagePanel], (QStringList{"Privilegi insufficienti", ""}));
+        QCOMPARE(fx.rt.services.alarms.FailCount(AlarmItemKind::Switch, 0), 0);
     }
 
     // A click that would act at once while the line waits for another reply waits for
@@ -134,74 +186,6 @@ private slots:
         fx.line.setDuringYield([&] { fx.supervisor.monitoring().MonitorCycle(); });
         fx.commands.switchOnImageClicked(0);
         QCOMPARE(fx.supervisor.monitoring().CycleCounter(), 1);
-    }
-
-    void setValue_data()
-    {
-        QTest::addColumn<bool>("acquiring");
-        QTest::addColumn<UserLevel>("user");
-        QTest::addColumn<QString>("shown");
-        QTest::addColumn<std::optional<QString>>("answer");
-        QTest::addColumn<bool>("asked");
-        QTest::addColumn<QStringList>("nextTick");
-        const UserLevel technician{true, false};
-        QTest::newRow("technician") << true << technician << "21,5 °C" << std::optional<QString>(" 22,5 ") << true
-                                    << QStringList{"0c 06 0050 00e1"};
-        // Refusals for the user's level are silent here: no box, no panel text.
-        QTest::newRow("anonymous") << true << UserLevel{} << "21,5 °C" << std::optional<QString>("22,5") << false
-                                   << QStringList{};
-        QTest::newRow("no valid reading") << true << technician << "--.-" << std::optional<QString>("22,5") << false
-                                          << QStringList{};
-        QTest::newRow("cancel") << true << technician << "21,5 °C" << std::optional<QString>() << true
-                                << QStringList{};
-    }
-    // A double-click on a zone's value asks for the new value and queues it for the
-    // next tick; a new double-click first drops a value still waiting.
-    void setValue()
-    {
-        QFETCH(bool, acquiring);
-        QFETCH(UserLevel, user);
-        QFETCH(QString, shown);
-        QFETCH(std::optional<QString>, answer);
-        QFETCH(bool, asked);
-        QFETCH(QStringList, nextTick);
-        CommandsFixture fx(acquiring);
-        fx.rt.services.user = user;
-        fx.commands.queueSetValue(1, QStringLiteral("40"));
-        fx.prompts.scriptTextInput(answer);
-
-        fx.commands.zoneValueDoubleClicked(0, shown);
-        QVERIFY(fx.line.requests().isEmpty());
-        const RecordingPrompts::Prompt box{RecordingPrompts::Kind::TextInput, "Modifica parametro...",
-                                           "Inserire il valore da impostare:"};
-        QCOMPARE(fx.prompts.asked(), asked ? QList{box} : QList<RecordingPrompts::Prompt>());
-        fx.supervisor.monitoring().MonitorCycle();
-        QCOMPARE(fx.takeRequests(), nextTick);
-        QVERIFY(fx.pause.pauses().isEmpty());
-    }
-
-    // Anonymous: a second of "Privilegi insufficienti", nothing on the line, no box and
-    // no count toward any alarm, whether the command runs at once or from the queue.
-    void rightsRefusalSendsNothing_data()
-    {
-        QTest::addColumn<Click>("click");
-        QTest::addColumn<bool>("acquiring");
-        QTest::newRow("switch from the queue") << Click::SwitchOffImage << true;
-        QTest::newRow("door at once") << Click::DoorOpener << false;
-    }
-    void rightsRefusalSendsNothing()
-    {
-        QFETCH(Click, click);
-        QFETCH(bool, acquiring);
-        CommandsFixture fx(acquiring);
-        fx.click(click);
-        fx.supervisor.monitoring().MonitorCycle();
-        QVERIFY(fx.line.requests().isEmpty());
-        QVERIFY(fx.prompts.asked().isEmpty());
-        QCOMPARE(fx.pause.pauses(), QList<int>{1000});
-        QCOMPARE(fx.panelTexts[StatusBar::MessagePanel], (QStringList{"Privilegi insufficienti", ""}));
-        QCOMPARE(fx.rt.services.alarms.FailCount(AlarmItemKind::Switch, 0), 0);
-        QCOMPARE(fx.told, QList{CommandOutcome::Refused});
     }
 
     // One tick runs the door, the switch-off, the switch-on and the set value, each as it

@@ -37,6 +37,9 @@ const QString ActivityRead = QStringLiteral("05 03 0050 0001");
 // switch states (On_r, Off_r) and the LED lamp.
 const int FullTickRequests = 4 + 2 + 2 + 1;
 
+// What the operator or the timer does.
+enum class Act { Tick, Start, Reload, Stop };
+
 // One of each item on slaves 1 to 4, the line probe on slave 5: every register has its
 // own address, so the wire tells which poll ran.
 struct CycleFixture : RuntimeFixture
@@ -72,9 +75,25 @@ struct CycleFixture : RuntimeFixture
         rt.model.editor.comm.remoteEnabled = true;
         rt.cycleTasks.append(&task);
     }
+
+    void act(Act what)
+    {
+        switch (what) {
+        case Act::Tick:
+            return supervisor.monitoring().MonitorCycle();
+        case Act::Start:
+            return supervisor.MenuStart();
+        case Act::Reload:
+            return supervisor.MenuRileggi();
+        case Act::Stop:
+            return supervisor.MenuStop();
+        }
+    }
 };
 
 } // namespace
+
+Q_DECLARE_METATYPE(Act)
 
 class TestMonitorCycle : public QObject
 {
@@ -171,18 +190,18 @@ private slots:
     // skipped.
     void clicksDuringATick_data()
     {
-        QTest::addColumn<QString>("click");
+        QTest::addColumn<QList<Act>>("clicks");
         QTest::addColumn<int>("tickRequests");
         QTest::addColumn<int>("counterAfter");
-        QTest::newRow("stop") << "stop" << 1 << 1;
-        QTest::newRow("stop, then start") << "stop start" << 1 << 0;
-        QTest::newRow("start while acquiring") << "start" << FullTickRequests << 0;
-        QTest::newRow("reload") << "reload" << FullTickRequests << 1;
-        QTest::newRow("another tick") << "tick" << FullTickRequests << 1;
+        QTest::newRow("stop") << QList{Act::Stop} << 1 << 1;
+        QTest::newRow("stop, then start") << QList{Act::Stop, Act::Start} << 1 << 0;
+        QTest::newRow("start while acquiring") << QList{Act::Start} << FullTickRequests << 0;
+        QTest::newRow("reload") << QList{Act::Reload} << FullTickRequests << 1;
+        QTest::newRow("another tick") << QList{Act::Tick} << FullTickRequests << 1;
     }
     void clicksDuringATick()
     {
-        QFETCH(QString, click);
+        QFETCH(QList<Act>, clicks);
         QFETCH(int, tickRequests);
         QFETCH(int, counterAfter);
         CycleFixture fx(1, 1, 1);
@@ -192,26 +211,19 @@ private slots:
             if (std::exchange(clicked, true))
                 return;
             const qsizetype sent = fx.line.requests().size();
-            if (click.startsWith(QLatin1String("stop")))
-                fx.supervisor.MenuStop();
-            if (click.endsWith(QLatin1String("start")))
-                fx.supervisor.MenuStart();
-            else if (click == QLatin1String("reload"))
-                fx.supervisor.MenuRileggi();
-            else if (click == QLatin1String("tick"))
-                fx.supervisor.monitoring().MonitorCycle();
+            for (Act click : clicks)
+                fx.act(click);
             QCOMPARE(fx.line.requests().size(), sent);
         });
 
         fx.supervisor.monitoring().MonitorCycle();
         QVERIFY(clicked);
-        const QStringList requests = fx.takeRequests();
         const QStringList startRead{MeasurementRead, "01 03 0001 0001", "02 01 0022 0001", "02 01 0023 0001"};
-        const bool reads = click.endsWith(QLatin1String("start")) || click == QLatin1String("reload");
-        QCOMPARE(requests.size(), tickRequests + (reads ? startRead.size() : 0));
-        QCOMPARE(requests.mid(tickRequests), reads ? startRead : QStringList{});
-        QCOMPARE(fx.supervisor.AcquisitionRunning(), click != QLatin1String("stop"));
-        QCOMPARE(fx.supervisor.monitoring().Timer_Monitor().isActive(), click != QLatin1String("stop"));
+        const bool reads = clicks.last() == Act::Start || clicks.last() == Act::Reload;
+        QCOMPARE(fx.takeRequests().mid(tickRequests), reads ? startRead : QStringList{});
+        const bool stopped = clicks == QList{Act::Stop};
+        QCOMPARE(fx.supervisor.AcquisitionRunning(), !stopped);
+        QCOMPARE(fx.supervisor.monitoring().Timer_Monitor().isActive(), !stopped);
         QCOMPARE(fx.supervisor.monitoring().CycleCounter(), counterAfter);
     }
 
@@ -221,14 +233,14 @@ private slots:
     // line in the day's file. A later Start talks to the instruments again.
     void stopEndsARoundOnASilentLine_data()
     {
-        QTest::addColumn<QString>("during");
-        QTest::newRow("tick") << "tick";
-        QTest::newRow("start's read") << "start";
-        QTest::newRow("reload") << "reload";
+        QTest::addColumn<Act>("during");
+        QTest::newRow("tick") << Act::Tick;
+        QTest::newRow("start's read") << Act::Start;
+        QTest::newRow("reload") << Act::Reload;
     }
     void stopEndsARoundOnASilentLine()
     {
-        QFETCH(QString, during);
+        QFETCH(Act, during);
         CycleFixture fx(0, 1, 0);
         fx.rt.services.master.setAttempts(3);
         fx.rt.display.ChartLoggingOption = true;
@@ -236,19 +248,14 @@ private slots:
         fx.rt.model.plant.switches.clear();
         for (int zone = 0; zone < 3; ++zone)
             setRow(fx.rt.model.editor.tables.ZoneReadTable, zone, {9, 1, 3, 0x10, 3, 0, 3, 1});
-        fx.supervisor.SetAcquisitionState(during != QLatin1String("start"));
+        fx.supervisor.SetAcquisitionState(during != Act::Start);
         int stopsAsked = 0;
         fx.line.setDuringYield([&] {
             if (stopsAsked++ == 0)
                 fx.supervisor.MenuStop();
         });
 
-        if (during == QLatin1String("tick"))
-            fx.supervisor.monitoring().MonitorCycle();
-        else if (during == QLatin1String("start"))
-            fx.supervisor.MenuStart();
-        else
-            fx.supervisor.MenuRileggi();
+        fx.act(during);
         QCOMPARE(fx.takeRequests(), QStringList{fx.request(9, 3, 0, 1)});
         QVERIFY(!fx.line.isOpen());
         QVERIFY(!fx.supervisor.AcquisitionRunning());
@@ -270,35 +277,28 @@ private slots:
     // taken and counted against the instruments.
     void noTickDuringARead_data()
     {
-        QTest::addColumn<QString>("click");
+        QTest::addColumn<Act>("click");
+        QTest::addColumn<bool>("duringATick");
         QTest::addColumn<int>("ticksRun");
         QTest::addColumn<int>("counterAfter");
-        QTest::newRow("start while acquiring") << "start" << 0 << 0;
-        QTest::newRow("start during a tick") << "start in tick" << 1 << 0;
-        QTest::newRow("reload during a tick") << "reload in tick" << 1 << 1;
+        QTest::newRow("start while acquiring") << Act::Start << false << 0 << 0;
+        QTest::newRow("start during a tick") << Act::Start << true << 1 << 0;
+        QTest::newRow("reload during a tick") << Act::Reload << true << 1 << 1;
     }
     void noTickDuringARead()
     {
-        QFETCH(QString, click);
+        QFETCH(Act, click);
+        QFETCH(bool, duringATick);
         QFETCH(int, ticksRun);
         QFETCH(int, counterAfter);
         CycleFixture fx(1, 1, 1);
         fx.supervisor.SetAcquisitionState(true);
         QSignalSpy ticks(&fx.supervisor.monitoring(), &MonitoringCycle::tickFinished);
-        bool clicked = !click.endsWith(QLatin1String("in tick"));
-        fx.line.setDuringYield([&] {
-            if (std::exchange(clicked, true))
-                fx.supervisor.monitoring().MonitorCycle(); // the timer fires
-            else if (click.startsWith(QLatin1String("start")))
-                fx.supervisor.MenuStart();
-            else
-                fx.supervisor.MenuRileggi();
-        });
+        bool clicked = !duringATick;
+        // Every reply wait after the click is where the timer fires.
+        fx.line.setDuringYield([&] { fx.act(std::exchange(clicked, true) ? Act::Tick : click); });
 
-        if (click == QLatin1String("start"))
-            fx.supervisor.MenuStart();
-        else
-            fx.supervisor.monitoring().MonitorCycle();
+        fx.act(duringATick ? Act::Tick : click);
         QCOMPARE(ticks.size(), ticksRun);
         QCOMPARE(fx.supervisor.monitoring().CycleCounter(), counterAfter);
         QCOMPARE(fx.rt.services.alarms.FailCount(AlarmItemKind::Led, 0), 0);

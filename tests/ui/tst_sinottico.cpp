@@ -57,7 +57,13 @@ class TestSinottico : public QObject
 
     Runtime &rt() { return rig->plant.rt; }
     QGraphicsView *view() { return synoptic->view(); }
-    QString key(const QString &section, const QString &name) { return rt().model.ini.ReadIniKey(section, name, QString()); }
+    QString key(const char *section, const char *name) { return rt().model.ini.ReadIniKey(section, name, QString()); }
+    // Where the settings place an item: its X and Y keys (or Info_X, Info_Y), in twips.
+    QPoint stored(const char *section, const QString &prefix = {})
+    {
+        const auto read = [&](const char *axis) { return rt().model.ini.ReadIniKey(section, prefix + axis, QString()).toInt(); };
+        return {read("X"), read("Y")};
+    }
 
     // Where `itemPoint` of `item` is on the screen, in the view's viewport.
     QPoint at(const QGraphicsItem *item, QPointF itemPoint)
@@ -65,6 +71,8 @@ class TestSinottico : public QObject
         return view()->mapFromScene(item->mapToScene(itemPoint));
     }
     QPoint centreOf(const QGraphicsItem *item) { return at(item, item->boundingRect().center()); }
+    QPoint markerOf(int zone) { return at(synoptic->zoneMarker(zone), synoptic->zoneMarker(zone)->markerRect().center()); }
+    QString labelText(QWidget *panel, const char *name) { return panel->findChild<QLabel *>(name)->text(); }
 
     void click(QPoint where, Qt::MouseButton button = Qt::LeftButton)
     {
@@ -138,15 +146,14 @@ private slots:
         rig->plant.setValue(1, 3, 1, 215); // PV 21.5
         rig->plant.setValue(1, 3, 2, 200); // SP 20.0
         rig->supervisor.MenuStart();
-        ZoneMarkerItem *living = synoptic->zoneMarker(0);
-        QCOMPARE(living->labTempText(), QStringLiteral("20.0 °C"));
-        QCOMPARE(living->labTemp1Text(), QStringLiteral("21.5 °C"));
-        // Zone 2's instrument does not answer.
-        QCOMPARE(synoptic->zoneMarker(1)->labTempText(), QStringLiteral("--.-"));
-
+        // Set value and reading of zone 1, set value of zone 2 (whose instrument does not answer).
+        const auto texts = [this] {
+            return QStringList{synoptic->zoneMarker(0)->labTempText(), synoptic->zoneMarker(0)->labTemp1Text(),
+                               synoptic->zoneMarker(1)->labTempText()};
+        };
+        QCOMPARE(texts(), (QStringList{"20.0 °C", "21.5 °C", "--.-"}));
         rig->supervisor.MenuStop();
-        QCOMPARE(living->labTempText(), QStringLiteral("--.-"));
-        QCOMPARE(living->labTemp1Text(), QStringLiteral("--.-"));
+        QCOMPARE(texts(), (QStringList{"--.-", "--.-", "--.-"}));
     }
 
     void onlyChangedItemsRepaint()
@@ -180,11 +187,16 @@ private slots:
         QVERIFY(!synoptic->ledItem(0)->isLit());
     }
 
-    // The window's clicks through the same wiring as the program, onto the plant's
-    // commands: switch 1 on slave 4 (shown on), switch 2 on slave 5 (shown off), the
-    // door on slave 9.
-    std::unique_ptr<PlantCommands> wireCommands()
+    // A technician at the window, its clicks through the same wiring as the program onto
+    // the plant's commands: switch 1 on slave 4 (shown on), switch 2 on slave 5 (shown
+    // off), the door on slave 9; zone 1 reads 21.5 (set 20.0), zone 2 stays silent.
+    std::unique_ptr<PlantCommands> wireCommands(bool acquiring)
     {
+        rig->plant.setValue(1, 3, 1, 215);
+        rig->plant.setValue(1, 3, 2, 200);
+        rig->plant.login(true, false);
+        if (acquiring)
+            rig->supervisor.MenuStart();
         auto commands = std::make_unique<PlantCommands>(rt(), rig->prompts, rig->supervisor.acquisition());
         connectSynopticCommands(*synoptic, *commands);
         RegisterTables &t = rt().model.editor.tables;
@@ -202,8 +214,7 @@ private slots:
     // Standing by, Img_on does nothing, Img_off switches on and the door opens at once.
     void clicksStandingByActAtOnce()
     {
-        rig->plant.login(true, false);
-        const auto commands = wireCommands();
+        const auto commands = wireCommands(false);
         click(centreOf(synoptic->switchItem(0)));
         QCOMPARE(rig->plant.takeRequests(), QStringList());
         click(centreOf(synoptic->switchItem(1)));
@@ -217,11 +228,7 @@ private slots:
     // Acquiring, Img_off, the door and a set value wait in the queue for the next tick.
     void clicksWhileAcquiringAreQueued()
     {
-        rig->plant.setValue(1, 3, 1, 215);
-        rig->plant.setValue(1, 3, 2, 200);
-        rig->plant.login(true, false);
-        rig->supervisor.MenuStart();
-        const auto commands = wireCommands();
+        const auto commands = wireCommands(true);
         click(centreOf(synoptic->switchItem(1)));
         click(centreOf(synoptic->doorButton()));
         QCOMPARE(rig->plant.takeRequests(), QStringList());
@@ -229,8 +236,7 @@ private slots:
         QVERIFY(commands->queue().PendingDoorOpen);
 
         rig->prompts.scriptTextInput(QStringLiteral(" 21.5 "));
-        ZoneMarkerItem *living = synoptic->zoneMarker(0);
-        doubleClick(at(living, living->labTempRect().center()));
+        doubleClick(at(synoptic->zoneMarker(0), synoptic->zoneMarker(0)->labTempRect().center()));
         QCOMPARE(rig->prompts.asked(), (QList<RecordingPrompts::Prompt>{{RecordingPrompts::Kind::TextInput,
                                                                         "Modifica parametro...",
                                                                         "Inserire il valore da impostare:"}}));
@@ -260,12 +266,7 @@ private slots:
         QFETCH(bool, cancel);
         QFETCH(QString, answer);
         QFETCH(int, boxes);
-        rig->plant.setValue(1, 3, 1, 215);
-        rig->plant.setValue(1, 3, 2, 200); // zone 2 stays silent: "--.-"
-        rig->plant.login(true, false);
-        if (acquiring)
-            rig->supervisor.MenuStart();
-        const auto commands = wireCommands();
+        const auto commands = wireCommands(acquiring);
         commands->queueSetValue(zone, QStringLiteral("19"));
         rig->prompts.scriptTextInput(cancel ? std::nullopt : std::optional<QString>(answer));
         ZoneMarkerItem *marker = synoptic->zoneMarker(zone);
@@ -293,15 +294,10 @@ private slots:
         QFETCH(int, button);
         QFETCH(bool, moves);
         rig->plant.login(technician, administrator);
-        ZoneMarkerItem *living = synoptic->zoneMarker(0);
-        const QPoint from = at(living, living->markerRect().center());
-
-        drag(from, from + QPoint(100, 40), Qt::MouseButton(button));
-
-        const QPointF expected = moves ? QPointF(1500 + 1500, 900 + 600) : QPointF(1500, 900);
-        QCOMPARE(living->pos(), expected);
-        QCOMPARE(key(QStringLiteral("Zona 01"), QStringLiteral("X")), QString::number(int(expected.x())));
-        QCOMPARE(key(QStringLiteral("Zona 01"), QStringLiteral("Y")), QString::number(int(expected.y())));
+        drag(markerOf(0), markerOf(0) + QPoint(100, 40), Qt::MouseButton(button));
+        const QPoint expected = moves ? QPoint(1500 + 1500, 900 + 600) : QPoint(1500, 900);
+        QCOMPARE(synoptic->zoneMarker(0)->pos(), QPointF(expected));
+        QCOMPARE(stored("Zona 01"), expected);
     }
 
     // Every kind of item moves the same way and writes its own keys.
@@ -309,59 +305,52 @@ private slots:
     {
         rig->plant.login(false, true);
         const QPoint step(20, 10); // 300 x 150 twips
-        drag(centreOf(synoptic->switchItem(1)), centreOf(synoptic->switchItem(1)) + step, Qt::RightButton);
-        drag(centreOf(synoptic->ledItem(0)), centreOf(synoptic->ledItem(0)) + step, Qt::RightButton);
-        drag(centreOf(synoptic->doorButton()), centreOf(synoptic->doorButton()) + step, Qt::RightButton);
-        drag(centreOf(synoptic->webcamButton()), centreOf(synoptic->webcamButton()) + step, Qt::RightButton);
-        QCOMPARE(key(QStringLiteral("Interruttore 02"), QStringLiteral("X")), QStringLiteral("6300"));
-        QCOMPARE(key(QStringLiteral("Interruttore 02"), QStringLiteral("Y")), QStringLiteral("1650"));
-        QCOMPARE(key(QStringLiteral("LED 01"), QStringLiteral("X")), QStringLiteral("7800"));
-        QCOMPARE(key(QStringLiteral("Apriporta"), QStringLiteral("Y")), QStringLiteral("4650"));
-        QCOMPARE(key(QStringLiteral("Webcam"), QStringLiteral("X")), QStringLiteral("3300"));
+        const std::pair<const QGraphicsItem *, const char *> items[] = {{synoptic->switchItem(1), "Interruttore 02"},
+                                                                        {synoptic->ledItem(0), "LED 01"},
+                                                                        {synoptic->doorButton(), "Apriporta"},
+                                                                        {synoptic->webcamButton(), "Webcam"}};
+        for (const auto &[item, section] : items) {
+            const QPoint before = stored(section);
+            drag(centreOf(item), centreOf(item) + step, Qt::RightButton);
+            QCOMPARE(stored(section), before + QPoint(300, 150));
+        }
 
         // The information panel writes its zone's "Info_" keys.
-        click(at(synoptic->zoneMarker(1), synoptic->zoneMarker(1)->markerRect().center()));
+        click(markerOf(1));
         PanelItem *info = synoptic->infoPanel();
         QVERIFY(info->isVisible());
         QCOMPARE(info->pos(), QPointF(300, 300));
         const QPoint grip = at(info, QPointF(4, 4));
         drag(grip, grip + step, Qt::RightButton);
-        QCOMPARE(key(QStringLiteral("Zona 02"), QStringLiteral("Info_X")), QStringLiteral("600"));
-        QCOMPARE(key(QStringLiteral("Zona 02"), QStringLiteral("Info_Y")), QStringLiteral("450"));
-        QCOMPARE(key(QStringLiteral("Zona 02"), QStringLiteral("X")), QStringLiteral("4500"));
+        QCOMPARE(stored("Zona 02", "Info_"), QPoint(600, 450));
+        QCOMPARE(stored("Zona 02"), QPoint(4500, 3000));
     }
 
     void dragStopsAtThePlansEdge()
     {
         rig->plant.login(false, true);
         ZoneMarkerItem *kitchen = synoptic->zoneMarker(1);
-        const QPoint from = at(kitchen, kitchen->markerRect().center());
-        drag(from, from + QPoint(2000, 2000), Qt::RightButton);
+        drag(markerOf(1), markerOf(1) + QPoint(2000, 2000), Qt::RightButton);
         const QSizeF size = kitchen->sceneBoundingRect().size();
         const QPointF edge(PlanWidthTwips - std::floor(size.width()), PlanHeightTwips - std::floor(size.height()));
         QVERIFY2(qAbs(kitchen->pos().x() - edge.x()) <= 1 && qAbs(kitchen->pos().y() - edge.y()) <= 1,
                  qPrintable(QStringLiteral("at %1,%2").arg(kitchen->pos().x()).arg(kitchen->pos().y())));
-        QCOMPARE(key(QStringLiteral("Zona 02"), QStringLiteral("X")), QString::number(int(kitchen->pos().x())));
-        drag(at(kitchen, kitchen->markerRect().center()), QPoint(-500, -500), Qt::RightButton);
+        QCOMPARE(key("Zona 02", "X"), QString::number(int(kitchen->pos().x())));
+        drag(markerOf(1), QPoint(-500, -500), Qt::RightButton);
         QCOMPARE(kitchen->pos(), QPointF(0, 0));
-        QCOMPARE(key(QStringLiteral("Zona 02"), QStringLiteral("Y")), QStringLiteral("0"));
+        QCOMPARE(stored("Zona 02"), QPoint(0, 0));
     }
 
     void informationPanel()
     {
-        QVERIFY(rt().model.ini.WriteIniKeys({{QStringLiteral("Zona 01"), QStringLiteral("Info_X"), QStringLiteral("2400")},
-                                       {QStringLiteral("Zona 01"), QStringLiteral("Info_Y"), QStringLiteral("1200")}}));
-        ZoneMarkerItem *living = synoptic->zoneMarker(0);
-        click(at(living, living->markerRect().center()));
+        QVERIFY(rt().model.ini.WriteIniKeys({{"Zona 01", "Info_X", "2400"}, {"Zona 01", "Info_Y", "1200"}}));
+        click(markerOf(0));
         PanelItem *info = synoptic->infoPanel();
         QVERIFY(info->isVisible());
         QCOMPARE(info->pos(), QPointF(2400, 1200));
-        QWidget *panel = info->widget();
-        QCOMPARE(panel->findChild<QLabel *>(QStringLiteral("Lab_Nome"))->text(), QStringLiteral("Soggiorno"));
-        QCOMPARE(panel->findChild<QLabel *>(QStringLiteral("Campo_1"))->text(), QStringLiteral("30 m²"));
-
-        auto *close = panel->findChild<QPushButton *>(QStringLiteral("Cmd_Chiudi"));
-        click(at(info, close->geometry().center()));
+        QCOMPARE(labelText(info->widget(), "Lab_Nome"), QStringLiteral("Soggiorno"));
+        QCOMPARE(labelText(info->widget(), "Campo_1"), QStringLiteral("30 m²"));
+        click(at(info, info->widget()->findChild<QPushButton *>("Cmd_Chiudi")->geometry().center()));
         QVERIFY(!info->isVisible());
         QVERIFY(synoptic->infoPanelClosed());
     }
@@ -374,7 +363,7 @@ private slots:
         QVERIFY(panelItem->isVisible());
         QCOMPARE(panelItem->pos(), QPointF(300, 300));
         WebcamPanel *panel = synoptic->webcamPanel();
-        QCOMPARE(panel->findChild<QLabel *>(QStringLiteral("Lab_Nome_WC"))->text(), QStringLiteral("Ingresso"));
+        QCOMPARE(labelText(panel, "Lab_Nome_WC"), QStringLiteral("Ingresso"));
         QCOMPARE(panel->statusText(), QStringLiteral("Nessuna telecamera collegata."));
         QCOMPARE(rig->camera.starts, 1);
 
@@ -383,11 +372,10 @@ private slots:
         click(centreOf(synoptic->doorButton()));
         QCOMPARE(door.count(), 1);
 
-        auto *audio = panel->findChild<QCheckBox *>(QStringLiteral("Chk_Audio"));
-        click(at(panelItem, QPoint(audio->geometry().left() + 8, audio->geometry().center().y())));
+        const QRect audio = panel->findChild<QCheckBox *>("Chk_Audio")->geometry();
+        click(at(panelItem, QPoint(audio.left() + 8, audio.center().y())));
         QVERIFY(rig->camera.audio);
-        auto *close = panel->findChild<QPushButton *>(QStringLiteral("Cmd_ChiudiWC"));
-        click(at(panelItem, close->geometry().center()));
+        click(at(panelItem, panel->findChild<QPushButton *>("Cmd_ChiudiWC")->geometry().center()));
         QVERIFY(!panelItem->isVisible());
         QVERIFY(!rig->camera.isActive());
         QCOMPARE(rig->camera.stops, 1);
@@ -437,11 +425,10 @@ private slots:
         const double twipsPerPixel = PlanWidthTwips / double(planOnScreen.width());
 
         ZoneMarkerItem *living = synoptic->zoneMarker(0);
-        const QPoint from = at(living, living->markerRect().center());
-        drag(from, from + QPoint(100, 0), Qt::RightButton);
+        drag(markerOf(0), markerOf(0) + QPoint(100, 0), Qt::RightButton);
         QVERIFY2(qAbs(living->pos().x() - (1500 + 100 * twipsPerPixel)) <= twipsPerPixel,
                  qPrintable(QString::number(living->pos().x())));
-        QCOMPARE(key(QStringLiteral("Zona 01"), QStringLiteral("X")), QString::number(int(living->pos().x())));
+        QCOMPARE(key("Zona 01", "X"), QString::number(int(living->pos().x())));
     }
 };
 
