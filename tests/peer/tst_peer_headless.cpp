@@ -25,7 +25,7 @@ QByteArray plantIni(const QString &port, bool fiveQuantities, bool chrono = fals
     const QString others = fiveQuantities ? QStringLiteral("SP_r=3,2\nAL1_r=3,3\nAL2_r=3,4\nAL3_r=3,5\n") : QString();
     QString ini = QStringLiteral("[Generale]\nZone=3\nInterruttori=1\nLED=0\nApriporta=1\nGrafico=1\nCronotermostato=%1\n"
                                  "Zone Testo=1\nZone Grafico=%1\nZone Crono=1\n[COM]\nPorta=%2\nFormato=9600,N,8,1\n"
-                                 "Retry=1\nTimeOut=100\nBase Misura=5\nBase Remoto=0\nBase LED=0\nRemoto=0\nAttivita=0\n")
+                                 "Retry=1\nTimeOut=300\nBase Misura=5\nBase Remoto=0\nBase LED=0\nRemoto=0\nAttivita=0\n")
                       .arg(chrono ? 1 : 0).arg(port);
     struct Zone
     {
