@@ -12,7 +12,7 @@ packages=(
 if [ "${1:-}" = "--test" ]; then
   packages+=(
     libclang-rt-14-dev xvfb xauth
-    socat python3-pymodbus python3-serial python3-serial-asyncio libmodbus-dev libbenchmark-dev poppler-utils
+    socat python3-pymodbus python3-serial python3-serial-asyncio libmodbus-dev libbenchmark-dev poppler-utils systemd
   )
 elif [ $# -gt 0 ]; then
   echo "Uso: $0 [--test]" >&2

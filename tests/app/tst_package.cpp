@@ -64,7 +64,19 @@ private slots:
         // The unit starts the program the package installed, on the instance's folder.
         QFile unit(QDir(root).filePath(QStringLiteral("usr/lib/systemd/system/telvane-headless@.service")));
         QVERIFY(unit.open(QIODevice::ReadOnly));
-        QVERIFY(unit.readAll().contains("\nExecStart=/usr/bin/telvane --headless --communicate --dir /var/lib/telvane/%i\n"));
+        QByteArray text = unit.readAll();
+        QVERIFY(text.contains("\nExecStart=/usr/bin/telvane --headless --communicate --dir /var/lib/telvane/%i\n"));
+        // And systemd finds nothing wrong with an instance of it, run from where it was unpacked.
+        QFile instance(QDir(work.path()).filePath(QStringLiteral("telvane-headless@demo.service")));
+        QVERIFY(instance.open(QIODevice::WriteOnly));
+        instance.write(text.replace("/usr/bin/telvane", QDir(root).filePath(QStringLiteral("usr/bin/telvane")).toUtf8()));
+        instance.close();
+        QProcess verify;
+        verify.setProcessChannelMode(QProcess::MergedChannels); // a doubtful setting is only a warning
+        verify.start(QStringLiteral("systemd-analyze"), {"verify", "--man=no", instance.fileName()});
+        QVERIFY(verify.waitForFinished(60000));
+        const QByteArray said = verify.readAll();
+        QVERIFY2(verify.exitCode() == 0 && said.trimmed().isEmpty(), said.constData());
     }
 };
 
