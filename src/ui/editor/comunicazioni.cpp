@@ -63,6 +63,8 @@ Comunicazioni::Comunicazioni(Runtime &rt, Supervisor &supervisor, Prompts &promp
     , m_listsPage(new QWidget(m_stack))
 {
     setObjectName(QStringLiteral("Comunicazioni"));
+    // Long pages and long lists: on a large screen they show without scrolling.
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
     setWindowTitle(QStringLiteral("Comunicazioni"));
 
     auto *layout = new QVBoxLayout(this);
