@@ -1,3 +1,4 @@
+#include "storage/chartsettings.h"
 #include "storage/displayresets.h"
 #include "storage/inistore.h"
 #include "storage/plantconfigloader.h"
@@ -45,11 +46,9 @@ QByteArray numbered(const char *word, int count)
     return text;
 }
 
-enum class GeneralKey { Zones, Leds, TextQuantity, ChronoQuantity, Door };
-
 } // namespace
 
-class TestPlantConfigLoader : public QObject
+class TestPlantConfig : public QObject
 {
     Q_OBJECT
 
@@ -63,12 +62,14 @@ private slots:
             "[Generale]\r\nZone=2\r\nInterruttori=1\r\nLED=1\r\nApriporta=1\r\nWebcam=1\r\nZone Unita=%\r\n"
             "Zone Testo=0\r\nZone Grafico=4\r\nZone Crono=2\r\n"
             "[Zona 01]\r\nNome=Forno\r\nX=1500\r\nY=2250\r\nIcona=Tforno.bmp\r\nInfo_X=9\r\n"
-            "[Zona 02]\r\nNome=Laboratorio analisi  Nord\r\nX=45\r\n"
+            "[Zona 02]\r\nNome=Laboratorio analisi  Nord\r\nX=45\r\nColore=&H123456\r\n"
             "[Interruttore 01]\r\nNome=Pompa\r\nX=10\r\nY=20\r\n"
             "[LED 01]\r\nNome=Allarme\r\nX=30\r\nY=40\r\n"
             "[Apriporta]\r\nNome=Cancello\r\nX=50\r\nY=60\r\n"
             "[Webcam]\r\nNome=Camera\r\nX=70\r\n"
-            "[Grafico]\r\nT_Min_Ass=-20\r\nT_Max_Ass=1200.5\r\n"
+            "[Grafico]\r\nT_Min_Ass=-20\r\nT_Max_Ass=1200.5\r\nColore_Sfondo=&HC0FFFF\r\nColore_Bordo=255\r\n"
+            "Colore_Griglia=&H8000\r\nColore_Cursore=&H1\r\nColore_Off1=&H2\r\nColore_Off2=&H3\r\nT_Min=-5\r\nT_Max=80,5\r\n"
+            "[Zona 03]\r\nColore=&H654321\r\n"
             "[Sinottico]\r\nImmagine=Casa.png\r\nSuonoPorta=porta.wav\r\nSuonoAllarme=sirena.wav\r\n"));
         QCOMPARE(describe(config), QString(R"(unit % text 0 chart 4 chrono 2, chart limits -20..1200.5
 zone 'Forno' 1500,2250 'Tforno.bmp'
@@ -83,34 +84,54 @@ picture Casa.png sounds 'porta.wav' 'sirena.wav')"));
         QCOMPARE(config.chart.traceLabels[1], QStringLiteral("Laboratorio analisi"));
         QCOMPARE(config.chart.traceLabels[2], QStringLiteral("--------"));
         QCOMPARE(config.chart.absoluteMax, 1200.5f);
+        const ChartSettings &chart = config.chart;
+        const QList<quint32> colours{chart.background, chart.border, chart.grid, chart.cursor, chart.off1, chart.off2};
+        QCOMPARE(colours, QList<quint32>({0xC0FFFF, 0xFF, 0x8000, 1, 2, 3}));
+        QCOMPARE(chart.displayMin, -5.0f);
+        QCOMPARE(chart.displayMax, 80.5f);
+        QCOMPARE(chart.absoluteMin, -20.0f);
+        // Each zone's trace has its own zone's colour; zones beyond the count keep the built-in one.
+        const ChartSettings builtIn;
+        QCOMPARE(chart.traceColors[0], builtIn.traceColors[0]);
+        QCOMPARE(chart.traceColors[1], 0x00123456u);
+        QCOMPARE(chart.traceColors[2], builtIn.traceColors[2]);
         // A plant that never set the switches' command mode keeps commanding them.
         QCOMPARE(config.SwitchControlMode, 1);
     }
 
-    void generalKeysAreKeptInRange_data()
+    // A hand-edited value that went wrong is kept in range and named in the log, so a
+    // technician finds it.
+    void handEditedValuesAreKeptInRange()
     {
-        QTest::addColumn<QByteArray>("general");
-        QTest::addColumn<GeneralKey>("key");
-        QTest::addColumn<int>("expected");
-        QTest::newRow("Zone 31") << QByteArray("Zone=31") << GeneralKey::Zones << 30;
-        QTest::newRow("12 LEDs") << QByteArray("LED=12") << GeneralKey::Leds << 10;
-        QTest::newRow("beyond 32 bits") << QByteArray("Zone=99999999999") << GeneralKey::Zones << 30;
-        QTest::newRow("Zone Testo 7 is 1") << QByteArray("Zone Testo=7") << GeneralKey::TextQuantity << 1;
-        QTest::newRow("Zone Crono -2 is 0") << QByteArray("Zone Crono=-2") << GeneralKey::ChronoQuantity << 0;
-        QTest::newRow("door present above 0") << QByteArray("Apriporta=2") << GeneralKey::Door << 1;
-    }
-    void generalKeysAreKeptInRange()
-    {
-        QFETCH(QByteArray, general);
-        QFETCH(GeneralKey, key);
-        QFETCH(int, expected);
-        const QByteArray items = numbered("Zona", MaxZones + 1) + numbered("Interruttore", 12);
-        const PlantConfig c = load(m_dir.store("[Generale]\r\n" + general + "\r\n" + items));
-        const int values[] = {c.zoneCount(), c.ledCount(), c.zoneDisplay.textQuantity, c.zoneDisplay.chronoQuantity, c.apriporta.present};
-        QCOMPARE(values[int(key)], expected);
-        // Items come from their own numbered sections, in order.
-        if (c.zoneCount() > 0)
-            QCOMPARE(c.zones.last().name, QStringLiteral("Zona%1").arg(c.zoneCount(), 2, 10, QLatin1Char('0')));
+        QByteArray items = numbered("Zona", MaxZones + 1) + numbered("Interruttore", 12) + numbered("LED", 12);
+        items.replace("Nome=Zona01\r\n", "Nome=Zona01\r\nX=dieci\r\n");
+        const IniStore store = m_dir.store("[Generale]\r\nZone=31\r\nInterruttori=12\r\nLED=12\r\nZone Testo=7\r\n"
+                                           "Zone Crono=-2\r\nApriporta=2\r\n"
+                                           "[Grafico]\r\nColore_Sfondo=bianco\r\nColore_Bordo=\r\nT_Max=alto\r\n" + items);
+        QTest::failOnWarning(QRegularExpression("."));
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(R"(^\[Generale\] Interruttori = "12" is outside 0\.\.10; using 10$)"));
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(R"(^\[Zona 01\] X = "dieci" is not a number; using 300$)"));
+        for (const char *key : {"Zone", "LED", "Zone Testo", "Zone Crono", "Colore_Sfondo", "Colore_Bordo", "T_Max"})
+            QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("^\\[.*\\] %1 = ").arg(key)));
+        const PlantConfig c = load(store);
+        QCOMPARE(c.zoneCount(), MaxZones);
+        QCOMPARE(c.switchCount(), MaxSwitches);
+        QCOMPARE(c.ledCount(), MaxLeds);
+        QCOMPARE(c.zoneDisplay.textQuantity, 1);
+        QCOMPARE(c.zoneDisplay.chronoQuantity, 0);
+        QVERIFY(c.apriporta.present);
+        QCOMPARE(c.zones[0].x, 300);
+        // Items come from their own numbered sections, in order, up to the last.
+        QCOMPARE(c.zones.last().name, QStringLiteral("Zona30"));
+        QCOMPARE(c.chart.traceLabels[MaxZones - 1], QStringLiteral("Zona30"));
+        QCOMPARE(c.leds.last().name, QStringLiteral("LED10"));
+        const ChartSettings builtIn;
+        QCOMPARE(c.chart.background, builtIn.background);
+        QCOMPARE(c.chart.border, builtIn.border);
+        QCOMPARE(c.chart.displayMax, builtIn.displayMax);
+
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(R"(^\[Generale\] Zone = )"));
+        QCOMPARE(load(m_dir.store("[Generale]\r\nZone=99999999999\r\n" + numbered("Zona", MaxZones + 1))).zoneCount(), MaxZones);
     }
 
     void synopticFields()
@@ -167,26 +188,6 @@ picture Casa.png sounds 'porta.wav' 'sirena.wav')"));
         QCOMPARE(seen, QStringList({"zone 2 1 0 Nuova.jpg", "indicator 2 1 0 Nuova.jpg"}));
     }
 
-    // A technician finds a hand-edited value that went wrong in the log, once per read.
-    void badValuesAreLogged_data()
-    {
-        QTest::addColumn<QByteArray>("settings");
-        QTest::addColumn<QString>("warning");
-        QTest::newRow("count beyond the maximum") << QByteArray("[Generale]\r\nInterruttori=12\r\n")
-                                                  << R"(^\[Generale\] Interruttori = "12" is outside 0\.\.10; using 10$)";
-        QTest::newRow("position") << QByteArray("[Generale]\r\nZone=1\r\n[Zona 01]\r\nX=dieci\r\n")
-                                  << R"(^\[Zona 01\] X = "dieci" is not a number; using 300$)";
-    }
-    void badValuesAreLogged()
-    {
-        QFETCH(QByteArray, settings);
-        QFETCH(QString, warning);
-        const IniStore store = m_dir.store(settings);
-        QTest::failOnWarning(QRegularExpression("."));
-        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(warning));
-        load(store);
-    }
-
     // Every marker of a demo plant must land on its picture (drawn at 15 twips per
     // pixel), or the operator cannot reach it.
     void demoPlants_data()
@@ -221,5 +222,5 @@ picture Casa.png sounds 'porta.wav' 'sirena.wav')"));
     }
 };
 
-QTEST_GUILESS_MAIN(TestPlantConfigLoader)
-#include "tst_plantconfigloader.moc"
+QTEST_GUILESS_MAIN(TestPlantConfig)
+#include "tst_plantconfig.moc"
