@@ -134,10 +134,29 @@ struct LedCase
     int threshold = 0, colour = 1, condition = 1;
 };
 
+// The line check parsed from `lines`: address, function and register; whether it stays on.
+struct ProbeCase
+{
+    QStringList lines;
+    QList<int> probe;
+    bool activity = true, activityAfter = true;
+};
+
+// A switch's and the door opener's writing keys (the same for both): the lines from the
+// address on (empty: none) and Val_on, Val_off as held.
+struct WriteCase
+{
+    QByteArray keys;
+    QString onLine, offLine;
+    QList<int> values;
+};
+
 } // namespace
 
 Q_DECLARE_METATYPE(ZoneCase)
 Q_DECLARE_METATYPE(LedCase)
+Q_DECLARE_METATYPE(ProbeCase)
+Q_DECLARE_METATYPE(WriteCase)
 
 // What the editor's reload puts on the wire: the reading and writing lists and their
 // register tables, the serial settings and the check of the line.
@@ -251,29 +270,24 @@ private slots:
     // The same keys for a switch and the door opener: only the value slots differ.
     void writtenValues_data()
     {
-        QTest::addColumn<QByteArray>("keys");
-        QTest::addColumn<QString>("onLine"); // from the address on; empty: none
-        QTest::addColumn<QString>("offLine");
-        QTest::addColumn<QList<int>>("values"); // Val_on, Val_off
-        QTest::newRow("comma and negative") << QByteArray("On_w=6,1;Off_w=6,2;Val_on=7,25;Val_off=-0.5")
-                                            << ">20:6,1 @ 7,25 [1]" << ">20:6,2 @ -0.5 [1]" << QList<int>{72, -5};
-        QTest::newRow("coil has no decimals") << QByteArray("On_w=2,1;Off_w=6,2;Val_on=3.7;Val_off=3.7")
-                                              << ">20:2,1 @ 3.7 [0]" << ">20:6,2 @ 3.7 [1]" << QList<int>{3, 37};
-        QTest::newRow("no On_w") << QByteArray("Off_w=6,1;Val_on=1;Val_off=1") << "" << ">20:6,1 @ 1 [1]" << QList<int>{-1, 10};
-        QTest::newRow("beyond 16 bits") << QByteArray("On_w=6,1;Val_on=3276.8") << ">20:6,1 @ 3276.8 [1]" << "" << QList<int>{0, -1};
+        QTest::addColumn<WriteCase>("c");
+        QTest::newRow("comma and negative")
+            << WriteCase{"On_w=6,1;Off_w=6,2;Val_on=7,25;Val_off=-0.5", ">20:6,1 @ 7,25 [1]", ">20:6,2 @ -0.5 [1]", {72, -5}};
+        QTest::newRow("coil has no decimals")
+            << WriteCase{"On_w=2,1;Off_w=6,2;Val_on=3.7;Val_off=3.7", ">20:2,1 @ 3.7 [0]", ">20:6,2 @ 3.7 [1]", {3, 37}};
+        QTest::newRow("no On_w") << WriteCase{"Off_w=6,1;Val_on=1;Val_off=1", "", ">20:6,1 @ 1 [1]", {-1, 10}};
+        QTest::newRow("beyond 16 bits") << WriteCase{"On_w=6,1;Val_on=3276.8", ">20:6,1 @ 3276.8 [1]", "", {0, -1}};
     }
     void writtenValues()
     {
-        QFETCH(QByteArray, keys);
-        QFETCH(QString, onLine);
-        QFETCH(QString, offLine);
-        QFETCH(QList<int>, values);
+        QFETCH(WriteCase, c);
+        const QByteArray &keys = c.keys;
         Editor editor("[Interruttore 01];Indirizzo=20;Decimali=1;" + keys + ";[Apriporta];Indirizzo=20;Decimali=1;" + keys);
         BuildSwitchWriteList(editor.ini, 1, editor.state.lists, editor.state.tables);
         BuildDoorWriteList(editor.ini, true, editor.state.lists, editor.state.tables);
         QStringList lines;
         for (const char *code : {"200", "400"}) {
-            for (const QString &line : {onLine, offLine}) {
+            for (const QString &line : {c.onLine, c.offLine}) {
                 if (!line.isEmpty())
                     lines << code + line;
             }
@@ -281,41 +295,31 @@ private slots:
         QCOMPARE(editor.state.lists.Lst_Scritture.lines, lines);
         const SwitchTable &switches = editor.state.tables.SwitchWriteTable;
         const DoorTable &door = editor.state.tables.DoorWriteTable;
-        QCOMPARE((QList<int>{switches.at(0, SwitchSlot::ValOn), switches.at(0, SwitchSlot::ValOff)}), values);
-        QCOMPARE((QList<int>{door.at(0, DoorSlot::ValOn), door.at(0, DoorSlot::ValOff)}), values);
+        QCOMPARE((QList<int>{switches.at(0, SwitchSlot::ValOn), switches.at(0, SwitchSlot::ValOff)}), c.values);
+        QCOMPARE((QList<int>{door.at(0, DoorSlot::ValOn), door.at(0, DoorSlot::ValOff)}), c.values);
     }
 
     // The check reads the register of the first reading line; without one it is off.
     void lineProbe_data()
     {
-        QTest::addColumn<bool>("activity");
-        QTest::addColumn<QStringList>("lines");
-        QTest::addColumn<QList<int>>("probe"); // address, function, register
-        QTest::addColumn<bool>("activityAfter");
-        const QList<int> none{-1, -1, -1};
-        QTest::newRow("first of two zone lines")
-            << true << QStringList{"100>5:3,40001 [1]", "100>5:3,40002 [1]"} << QList<int>{5, 3, 40001} << true;
-        QTest::newRow("LED line without blanks") << true << QStringList{"301>255:4,0@<>22,5[1]"} << QList<int>{255, 4, 0} << true;
-        QTest::newRow("blanks around the comma") << true << QStringList{"101>12:3 , 12 [0]"} << QList<int>{12, 3, 12} << true;
-        QTest::newRow("check off") << false << QStringList{"100>5:3,1 [1]"} << none << false;
-        QTest::newRow("no lines") << true << QStringList() << none << false;
+        QTest::addColumn<ProbeCase>("c");
+        QTest::newRow("first of two zone lines") << ProbeCase{{"100>5:3,40001 [1]", "100>5:3,40002 [1]"}, {5, 3, 40001}};
+        QTest::newRow("LED line without blanks") << ProbeCase{{"301>255:4,0@<>22,5[1]"}, {255, 4, 0}};
+        QTest::newRow("blanks around the comma") << ProbeCase{{"101>12:3 , 12 [0]"}, {12, 3, 12}};
+        QTest::newRow("check off") << ProbeCase{{"100>5:3,1 [1]"}, {-1, -1, -1}, false, false};
+        QTest::newRow("no lines") << ProbeCase{{}, {-1, -1, -1}, true, false};
         // A first line that cannot be read leaves the check on, without a probe.
-        QTest::newRow("not a line") << true << QStringList{"hello"} << none << true;
-        QTest::newRow("no register") << true << QStringList{"100>5:3 [0]"} << none << true;
-        QTest::newRow("address not a number") << true << QStringList{"100>x:3,1 [0]"} << none << true;
-        QTest::newRow("address too long") << true << QStringList{"100>99999999999:3,1 [0]"} << none << true;
+        for (const char *line : {"hello", "100>5:3 [0]", "100>x:3,1 [0]", "100>99999999999:3,1 [0]"})
+            QTest::addRow("%s", line) << ProbeCase{{line}, {-1, -1, -1}};
     }
     void lineProbe()
     {
-        QFETCH(bool, activity);
-        QFETCH(QStringList, lines);
-        QFETCH(QList<int>, probe);
-        QFETCH(bool, activityAfter);
-        if (activityAfter && probe.first() == -1)
+        QFETCH(ProbeCase, c);
+        if (c.activityAfter && c.probe.first() == -1)
             QTest::ignoreMessage(QtWarningMsg, QRegularExpression("No line probe"));
-        const LineProbe parsed = ParseLineProbe(activity, lines);
-        QCOMPARE((QList<int>{parsed.address, parsed.functionCode, parsed.registerNumber}), probe);
-        QCOMPARE(activity, activityAfter);
+        const LineProbe parsed = ParseLineProbe(c.activity, c.lines);
+        QCOMPARE((QList<int>{parsed.address, parsed.functionCode, parsed.registerNumber}), c.probe);
+        QCOMPARE(c.activity, c.activityAfter);
     }
 
     // Each step of a reload sees the results of the steps before it and none after.
@@ -428,92 +432,53 @@ private slots:
         QCOMPARE(editor.state.comm.lineActivity, on);
     }
 
-    void serialSettings_data()
-    {
-        QTest::addColumn<QByteArray>("keys");
-        QTest::addColumn<QString>("port");
-        QTest::addColumn<QString>("format");
-        QTest::addColumn<int>("retries");
-        QTest::addColumn<float>("timeout");
-        QTest::addColumn<QList<int>>("periods"); // Base Misura, Base Remoto, Base LED
-        QTest::newRow("every key") << QByteArray("Porta=3;Formato=19200,N,8,1;Retry=4;TimeOut=250;Base Misura=120;Base Remoto=5;Base LED=2")
-                                   << "3" << "19200,N,8,1" << 4 << 0.25f << QList<int>{120, 5, 2};
-        QTest::newRow("periods at their limits") << QByteArray("Base Misura=300;Base Remoto=30;Base LED=0")
-                                                 << "1" << "9600,N,8,1" << 1 << 0.5f << QList<int>{300, 30, 0};
-        QTest::newRow("periods beyond") << QByteArray("Base Misura=301;Base Remoto=31;Base LED=-5")
-                                        << "1" << "9600,N,8,1" << 1 << 0.5f << QList<int>{300, 30, 30};
-        QTest::newRow("blanks around") << QByteArray("Porta = /dev/ttyUSB0 ;Formato=  4800,E,8,1  ")
-                                       << "/dev/ttyUSB0" << "4800,E,8,1" << 1 << 0.5f << QList<int>{60, 3, 3};
-    }
+    // The serial settings as read; the port is tried once by opening it and left closed:
+    // the master opens it for each operation.
     void serialSettings()
     {
-        QFETCH(QByteArray, keys);
-        QFETCH(QString, port);
-        QFETCH(QString, format);
-        QFETCH(int, retries);
-        QFETCH(float, timeout);
-        QFETCH(QList<int>, periods);
-        Editor editor("[COM];" + keys);
+        Editor editor("[COM];Porta = /dev/ttyUSB0 ;Formato=  19200,E,8,1  ;Retry=4;TimeOut=250;Base Misura=120;Base Remoto=5;Base LED=2");
         editor.loadComm();
         const CommSettings &s = editor.state.comm;
-        QCOMPARE(s.port, port);
-        QCOMPARE(s.format, format);
-        QCOMPARE((QList<int>{s.measurementPeriod, s.remotePeriod, s.ledPeriod}), periods);
-        // The master works with what was read.
-        QCOMPARE(editor.master.attempts(), retries);
-        QCOMPARE(editor.master.replyTimeout(), timeout);
-        // The port was tried by opening it, and left closed: the master opens it for each
-        // operation.
-        QCOMPARE(s.statusText, "COM" + port + ":" + format);
-        QCOMPARE(editor.line.port(), port);
-        QCOMPARE(editor.line.format(), format);
+        const auto periods = [&s] { return QList<int>{s.measurementPeriod, s.remotePeriod, s.ledPeriod}; };
+        QCOMPARE(periods(), (QList<int>{120, 5, 2}));
+        QCOMPARE(editor.master.attempts(), 4);
+        QCOMPARE(editor.master.replyTimeout(), 0.25f);
+        QCOMPARE(s.statusText, QStringLiteral("COM/dev/ttyUSB0:19200,E,8,1"));
+        QCOMPARE(editor.line.port(), QStringLiteral("/dev/ttyUSB0"));
+        QCOMPARE(editor.line.format(), QStringLiteral("19200,E,8,1"));
         QCOMPARE(editor.line.openCalls(), 1);
         QVERIFY(s.portAvailable && !editor.line.isOpen());
-    }
+        // Periods are kept within their limits.
+        editor.ini.WriteIniKeys({{"COM", "Base Misura", "300"}, {"COM", "Base Remoto", "30"}, {"COM", "Base LED", "0"}});
+        editor.loadComm();
+        QCOMPARE(periods(), (QList<int>{300, 30, 0}));
+        editor.ini.WriteIniKeys({{"COM", "Base Misura", "301"}, {"COM", "Base Remoto", "31"}, {"COM", "Base LED", "-5"}});
+        editor.loadComm();
+        QCOMPARE(periods(), (QList<int>{300, 30, 30}));
 
-    void portThatDoesNotOpen()
-    {
-        Editor editor("[COM];Porta=7;Formato=4800,N,8,1");
-        editor.line.setFormat("19200,N,8,1");
+        // A format that cannot be used: no port, and the line is neither touched nor re-pointed.
+        const int opened = editor.line.openCalls();
+        for (const auto &[format, reason] : {std::pair{"9600,X,8,1", "parità"}, {"veloce,N,8,1", "velocità"}, {"", "virgole"}}) {
+            editor.ini.WriteIniKeys({{"COM", "Porta", "2"}, {"COM", "Formato", format}});
+            QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("\\[COM\\] Formato = .*%1.*no serial port").arg(reason)));
+            editor.loadComm();
+            QVERIFY2(!s.portAvailable && s.statusText == "Nessuna COM", format);
+            QCOMPARE(editor.line.openCalls(), opened);
+            QCOMPARE(editor.line.port(), QStringLiteral("/dev/ttyUSB0"));
+        }
+        // A port that does not open: no port and the line keeps its format, until the port is back.
+        editor.ini.WriteIniKey("COM", "Formato", "4800,N,8,1");
         editor.line.setOpenRefused(true, "No such file or directory");
-        editor.state.comm.portAvailable = true;
         QTest::ignoreMessage(QtWarningMsg, QRegularExpression("cannot be opened.*No such file"));
         editor.loadComm();
-        QVERIFY(!editor.state.comm.portAvailable);
-        QCOMPARE(editor.state.comm.statusText, QStringLiteral("Nessuna COM"));
-        QCOMPARE(editor.line.format(), QStringLiteral("19200,N,8,1"));
-        // Once the port is back, loading again brings the line into use.
+        QVERIFY(!s.portAvailable);
+        QCOMPARE(s.statusText, QStringLiteral("Nessuna COM"));
+        QCOMPARE(editor.line.format(), QStringLiteral("19200,E,8,1"));
         editor.line.setOpenRefused(false);
         editor.loadComm();
-        QVERIFY(editor.state.comm.portAvailable);
-        QCOMPARE(editor.state.comm.statusText, QStringLiteral("COM7:4800,N,8,1"));
+        QVERIFY(s.portAvailable);
+        QCOMPARE(s.statusText, QStringLiteral("COM2:4800,N,8,1"));
         QCOMPARE(editor.line.format(), QStringLiteral("4800,N,8,1"));
-    }
-
-    void badFormat_data()
-    {
-        QTest::addColumn<QByteArray>("format");
-        QTest::addColumn<QString>("reason"); // a word of the warning
-        QTest::newRow("parity") << QByteArray("9600,X,8,1") << "parità";
-        QTest::newRow("speed") << QByteArray("veloce,N,8,1") << "velocità";
-        QTest::newRow("empty") << QByteArray() << "virgole";
-    }
-    void badFormat()
-    {
-        QFETCH(QByteArray, format);
-        QFETCH(QString, reason);
-        Editor editor("[COM];Porta=2;Formato=" + format);
-        editor.line.setPort("1");
-        editor.line.setFormat("19200,N,8,1");
-        editor.state.comm.portAvailable = true;
-        QTest::ignoreMessage(QtWarningMsg, QRegularExpression("\\[COM\\] Formato = .*" + reason + ".*no serial port"));
-        editor.loadComm();
-        QVERIFY(!editor.state.comm.portAvailable);
-        QCOMPARE(editor.state.comm.statusText, QStringLiteral("Nessuna COM"));
-        // The line is neither touched nor re-pointed.
-        QCOMPARE(editor.line.openCalls(), 0);
-        QCOMPARE(editor.line.port(), QStringLiteral("1"));
-        QCOMPARE(editor.line.format(), QStringLiteral("19200,N,8,1"));
     }
 };
 

@@ -1,12 +1,17 @@
+#include "base/prompts.h"
 #include "config_editor/chronopagemodel.h"
+#include "config_editor/commlists.h"
 #include "config_editor/editorpages.h"
 #include "config_editor/instrumenttrial.h"
 #include "config_editor/pagemodel.h"
+#include "config_editor/printlayout.h"
 #include "config_editor/recipetemplate.h"
 #include "storage/chronofiles.h"
 #include "storage/holidaylist.h"
 #include "support/runtimefixture.h"
 #include "support/settingsfixture.h"
+
+#include <QRegularExpression>
 
 using namespace telvane;
 
@@ -33,10 +38,58 @@ QString refused(FieldKind kind, const QString &text, const QString &reason, int 
     return problem.contains(reason) && !problem.isEmpty() ? QString() : QStringLiteral("'%1' gives '%2'").arg(text, problem);
 }
 
+const QDateTime Now(QDate(2026, 11, 23), QTime(9, 5, 7));
+
+// A printout by page, each line its texts joined by "|" (their columns left out).
+QList<QStringList> pagesOf(const PrintJob &job)
+{
+    QList<QStringList> pages{{}};
+    for (const PrintStep &step : job) {
+        if (step.kind == PrintStep::Kind::NewPage)
+            pages.append(QStringList());
+        if (step.kind != PrintStep::Kind::Line)
+            continue;
+        QStringList cells;
+        for (const PrintTab &tab : step.texts)
+            cells.append(tab.text);
+        pages.last().append(cells.join('|'));
+    }
+    return pages;
+}
+
+ChronoPrintout schedule(bool withEvening)
+{
+    ChronoPrintout page;
+    page.zone = "Zona 01 - Soggiorno";
+    page.dayCaptions = {"Lun", "Mar", "Mer", "Gio", "Ven", "Sab", "Dom"};
+    const int slotCount = withEvening ? 96 : 74;
+    for (int day = 0; day < 7; ++day) {
+        QStringList lines;
+        for (int slot = 0; slot < slotCount; ++slot)
+            lines.append(QStringLiteral("%1:%2 %3").arg(slot / 4, 2, 10, QChar('0')).arg(slot % 4 * 15, 2, 10, QChar('0')).arg(day));
+        page.dayLines.append(lines);
+    }
+    page.holidayCaption = "Festività";
+    return page;
+}
+
+class RecordingPrinter final : public PrinterSink
+{
+public:
+    void setFontName(const QString &) override { ++steps; }
+    void setFontSize(int) override { ++steps; }
+    void setBold(bool) override { ++steps; }
+    void printLine(const QList<PrintTab> &) override { ++steps; }
+    void newPage() override { ++steps; }
+    void endDocument() override { ++ended; }
+    int steps = 0;
+    int ended = 0;
+};
+
 } // namespace
 
 // The editor's pages: what a technician may type, what a confirmed page saves, and the
-// tools beside them (the instrument trial and the recipe template).
+// tools beside them (the instrument trial, the recipe template and the printouts).
 class TestEditorPages : public QObject
 {
     Q_OBJECT
@@ -238,6 +291,58 @@ private slots:
                                 "\r\n\r\n\r\n[Zona 01]\r\nIntervallo = 150\r\nLinee =0\r\n\r\n\r\n[Zona 02]\r\n"));
         QVERIFY(text.endsWith("\r\n\r\n\r\n[Zona 30]\r\nIntervallo = 150\r\nLinee =0\r\n"));
         QCOMPARE(text.count("[Zona "), 30);
+    }
+
+    void commListsPrintSideBySide()
+    {
+        CommLists lists;
+        lists.Lst_Letture.lines = {"100>1:3,1 [1]", "100>1:3,2 [1]", "300>7:3,10 @ >=25 [0]"};
+        lists.Lst_RemW.lines = {"100>1:5,9 [0]"};
+        const QStringList heading{"", "", "Telvane", "", "DATA E ORA = 23/11/2026 / 09:05:07", "", ""};
+        const QStringList rows{"100>1:3,1 [1]|||100>1:5,9 [0]", "100>1:3,2 [1]|||", "300>7:3,10 @ >=25 [0]|||"};
+        QCOMPARE(pagesOf(commListsPrintJob(lists, "Telvane", Now)), QList<QStringList>{heading + rows});
+        // Empty lists print the heading only.
+        QCOMPARE(pagesOf(commListsPrintJob(CommLists(), "Telvane", Now)), QList<QStringList>{heading});
+    }
+
+    void chronoPrintBreaksBefore1830()
+    {
+        const QList<QStringList> pages = pagesOf(chronoSchedulePrintJob(schedule(true), "Telvane", Now));
+        QCOMPARE(pages.size(), 2);
+        const QStringList first = pages[0].filter(QRegularExpression("."));
+        const QStringList second = pages[1].filter(QRegularExpression("."));
+        QCOMPARE(first.mid(0, 4), QStringList({"Telvane", "IMPOSTAZIONE CRONOTERMOSTATO ZONA: Zona 01 - Soggiorno",
+                                              "Stampato il 23/11/2026 alle ore 09:05:07", "Lun|Mar|Mer|Gio|Ven|Sab|Dom"}));
+        QCOMPARE(first.last(), QStringLiteral("18:15 0|18:15 1|18:15 2|18:15 3|18:15 4|18:15 5|18:15 6"));
+        QCOMPARE(second.mid(0, 4), QStringList({"Telvane", "IMPOSTAZIONE CRONOTERMOSTATO ZONA: Zona 01 - Soggiorno",
+                                               "Lun|Mar|Mer|Gio|Ven|Sab|Dom",
+                                               "18:30 0|18:30 1|18:30 2|18:30 3|18:30 4|18:30 5|18:30 6"}));
+        // An empty holiday list still has its heading.
+        QCOMPARE(pages[1].last(), QStringLiteral("Festività"));
+        // A schedule that ends before 18:30 stays on one page, its holidays after it.
+        ChronoPrintout shorter = schedule(false);
+        shorter.holidays = {"25/12/2026", "01/01/2027"};
+        const QList<QStringList> one = pagesOf(chronoSchedulePrintJob(shorter, "Telvane", Now));
+        QCOMPARE(one.size(), 1);
+        QCOMPARE(one[0].mid(one[0].size() - 3), QStringList({"Festività", "25/12/2026", "01/01/2027"}));
+    }
+
+    void printingAsksFirst()
+    {
+        RecordingPrompts prompts;
+        RecordingPrinter printer;
+        prompts.scriptQuestion(false);
+        QVERIFY(!PrintCommLists(prompts, printer, CommLists(), "Telvane", Now));
+        QCOMPARE(printer.steps + printer.ended, 0);
+        prompts.scriptQuestion(true);
+        QVERIFY(PrintChronoSchedule(prompts, printer, schedule(false), "Telvane", Now));
+        QCOMPARE(printer.ended, 1);
+        QCOMPARE(prompts.asked(),
+                 (QList<RecordingPrompts::Prompt>{
+                     {RecordingPrompts::Kind::Question, "Stampa elenco comunicazione",
+                      "Stampare le liste di comunicazione sulla stampate predefinita ?"},
+                     {RecordingPrompts::Kind::Question, "Stampa elenco comunicazione",
+                      "Stampare le impostazioni del cronotermostato sulla stampante predefinita ?"}}));
     }
 };
 
