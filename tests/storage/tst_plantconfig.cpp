@@ -58,19 +58,21 @@ private:
 private slots:
     void itemsReadTheirOwnSections()
     {
-        const PlantConfig config = load(m_dir.store(
+        const IniStore store = m_dir.store(
             "[Generale]\r\nZone=2\r\nInterruttori=1\r\nLED=1\r\nApriporta=1\r\nWebcam=1\r\nZone Unita=%\r\n"
             "Zone Testo=0\r\nZone Grafico=4\r\nZone Crono=2\r\n"
-            "[Zona 01]\r\nNome=Forno\r\nX=1500\r\nY=2250\r\nIcona=Tforno.bmp\r\nInfo_X=9\r\n"
-            "[Zona 02]\r\nNome=Laboratorio analisi  Nord\r\nX=45\r\nColore=&H123456\r\n"
+            "[Zona 01]\r\nNome=Forno\r\nX=1500\r\nY=2250\r\nIcona=Tforno.bmp\r\nInfo_X=9\r\nCampo_1= 30 m2 \r\nCampo_5=nota\r\n"
+            "[Zona 02]\r\nNome=Laboratorio analisi  Nord\r\nX=45\r\nColore=&H123456\r\nCampo_3=Sud\r\n"
             "[Interruttore 01]\r\nNome=Pompa\r\nX=10\r\nY=20\r\n"
             "[LED 01]\r\nNome=Allarme\r\nX=30\r\nY=40\r\n"
             "[Apriporta]\r\nNome=Cancello\r\nX=50\r\nY=60\r\n"
             "[Webcam]\r\nNome=Camera\r\nX=70\r\n"
             "[Grafico]\r\nT_Min_Ass=-20\r\nT_Max_Ass=1200.5\r\nColore_Sfondo=&HC0FFFF\r\nColore_Bordo=255\r\n"
             "Colore_Griglia=&H8000\r\nColore_Cursore=&H1\r\nColore_Off1=&H2\r\nColore_Off2=&H3\r\nT_Min=-5\r\nT_Max=80,5\r\n"
-            "[Zona 03]\r\nColore=&H654321\r\n"
-            "[Sinottico]\r\nImmagine=Casa.png\r\nSuonoPorta=porta.wav\r\nSuonoAllarme=sirena.wav\r\n"));
+            "[Zona 03]\r\nColore=&H654321\r\nCampo_1=12 m2\r\n"
+            "[Sinottico]\r\nImmagine=Casa.png\r\nSuonoPorta=porta.wav\r\nSuonoAllarme=sirena.wav\r\n"
+            "Campo_1=  Superficie  \r\nCampo_3=Esposizione\r\n");
+        PlantConfig config = load(store);
         QCOMPARE(describe(config), QString(R"(unit % text 0 chart 4 chrono 2, chart limits -20..1200.5
 zone 'Forno' 1500,2250 'Tforno.bmp'
 zone 'Laboratorio analisi  Nord' 45,300 ''
@@ -97,6 +99,20 @@ picture Casa.png sounds 'porta.wav' 'sirena.wav')"));
         QCOMPARE(chart.traceColors[2], builtIn.traceColors[2]);
         // A plant that never set the switches' command mode keeps commanding them.
         QCOMPARE(config.SwitchControlMode, 1);
+
+        // The plant load reads only the names of the synoptic's fields; the synoptic asks
+        // for the values of the zones in use.
+        const auto fields = [&] {
+            QStringList text{QStringList(config.fields.names.begin(), config.fields.names.end()).join(',')};
+            for (int z = 0; z < 3; ++z)
+                text << QStringList(config.fields.values[z].begin(), config.fields.values[z].end()).join(',');
+            return text.join('|');
+        };
+        QCOMPARE(fields(), QStringLiteral("Superficie,,Esposizione,,|,,,,|,,,,|,,,,"));
+        LoadSynopticFields(store, config.fields, 2);
+        QCOMPARE(fields(), QStringLiteral("Superficie,,Esposizione,,|30 m2,,,,nota|,,Sud,,|,,,,"));
+        LoadSynopticFields(store, config.fields, -4);
+        QCOMPARE(fields(), QStringLiteral("Superficie,,Esposizione,,|,,,,|,,,,|,,,,"));
     }
 
     // A hand-edited value that went wrong is kept in range and named in the log, so a
@@ -132,28 +148,6 @@ picture Casa.png sounds 'porta.wav' 'sirena.wav')"));
 
         QTest::ignoreMessage(QtWarningMsg, QRegularExpression(R"(^\[Generale\] Zone = )"));
         QCOMPARE(load(m_dir.store("[Generale]\r\nZone=99999999999\r\n" + numbered("Zona", MaxZones + 1))).zoneCount(), MaxZones);
-    }
-
-    void synopticFields()
-    {
-        const IniStore store = m_dir.store("[Generale]\r\nZone=3\r\n"
-                                           "[Sinottico]\r\nCampo_1=  Superficie  \r\nCampo_3=Esposizione\r\n"
-                                           "[Zona 01]\r\nCampo_1= 30 m2 \r\nCampo_5=nota\r\n"
-                                           "[Zona 02]\r\nCampo_3=Sud\r\n"
-                                           "[Zona 03]\r\nCampo_1=12 m2\r\n");
-        PlantConfig config = load(store);
-        const auto fields = [&] {
-            QStringList text{QStringList(config.fields.names.begin(), config.fields.names.end()).join(',')};
-            for (int z = 0; z < 3; ++z)
-                text << QStringList(config.fields.values[z].begin(), config.fields.values[z].end()).join(',');
-            return text.join('|');
-        };
-        // The plant load reads only the names; the synoptic asks for the values.
-        QCOMPARE(fields(), QStringLiteral("Superficie,,Esposizione,,|,,,,|,,,,|,,,,"));
-        LoadSynopticFields(store, config.fields, 2);
-        QCOMPARE(fields(), QStringLiteral("Superficie,,Esposizione,,|30 m2,,,,nota|,,Sud,,|,,,,"));
-        LoadSynopticFields(store, config.fields, -4);
-        QCOMPARE(fields(), QStringLiteral("Superficie,,Esposizione,,|,,,,|,,,,|,,,,"));
     }
 
     // Resets come after the items are in place and before the picture is read, so a

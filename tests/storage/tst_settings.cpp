@@ -1,15 +1,26 @@
 #include "filesizelimit.h"
 #include "storage/atomicfile.h"
+#include "storage/colortext.h"
 #include "storage/inifile.h"
 #include "storage/inifilecache.h"
 #include "storage/inistore.h"
 #include "storage/legacytext.h"
 #include "storage/modesettings.h"
+#include "storage/numbertext.h"
+#include "storage/registerkey.h"
+#include "storage/textlinereader.h"
+#include "storage/valueconversion.h"
+#include "storage/valuetables.h"
 #include "support/settingsfixture.h"
 
+#include <QBuffer>
 #include <QRegularExpression>
 
 using namespace telvane;
+
+using OptionalDouble = std::optional<double>;
+using OptionalRegister = std::optional<qint16>;
+using OptionalColour = std::optional<quint32>;
 
 namespace {
 
@@ -33,8 +44,9 @@ QStringList entries(const SettingsFolder &dir)
 } // namespace
 
 // The settings files: read as the files from the field were always read, written so that
-// a crash, a full disk or another program's edit never costs a setting.
-class TestSettingsFile : public QObject
+// a crash, a full disk or another program's edit never costs a setting; and the numbers,
+// colours and register keys a technician types into them.
+class TestSettings : public QObject
 {
     Q_OBJECT
 
@@ -89,45 +101,6 @@ private slots:
         QCOMPARE(file.keyNames("ZONA 01"), QStringList({"Nome", "X"}));
     }
 
-    void updating_data()
-    {
-        QTest::addColumn<QByteArray>("before");
-        QTest::addColumn<QString>("section");
-        QTest::addColumn<QString>("key");
-        QTest::addColumn<QString>("value");
-        QTest::addColumn<QByteArray>("after");
-        const auto row = [](const char *name, const QByteArray &before, const QByteArray &after,
-                            const QString &section = "A", const QString &key = "k", const QString &value = "9") {
-            QTest::newRow(name) << before << section << key << value << after;
-        };
-        row("one line changes, comments and order stay",
-            "; Impianto\r\n[Generale]\r\nZone=3\r\n; fine\r\n\r\n[COM]\r\nPorta=1\r\nFormato=9600,N,8,1\r\n",
-            "; Impianto\r\n[Generale]\r\nZone=3\r\n; fine\r\n\r\n[COM]\r\nPorta=2\r\nFormato=9600,N,8,1\r\n", "com",
-            "PORTA", "2");
-        row("LF file is written with CRLF, last line gets its end", "[A]\nk=1\n\ny=2", "[A]\r\nk=9\r\n\r\ny=2\r\n");
-        row("missing key goes after the last non-blank line of its section",
-            "[A]\r\nx=1\r\n; note\r\n\r\n[B]\r\ny=2\r\n", "[A]\r\nx=1\r\n; note\r\nk=9\r\n\r\n[B]\r\ny=2\r\n");
-        row("missing section is appended", "[A]\r\nx=1\r\n", "[A]\r\nx=1\r\n\r\n[Zona 02]\r\nNome=Cucina\r\n",
-            "Zona 02", "Nome", "Cucina");
-        row("a name with a trailing blank writes the first of the sections it names",
-            "[Sinottico]\r\nCampo_1=A\r\n[Sinottico ]\r\nCampo_1=A\r\n",
-            "[Sinottico]\r\nCampo_1=B\r\n[Sinottico ]\r\nCampo_1=A\r\n", "Sinottico ", "Campo_1", "B");
-        row("Windows-1252 file is written as UTF-8", "[A]\r\nu=\xB0" "C\r\nk=1\r\n",
-            "[A]\r\nu=\xC2\xB0" "C\r\nk=5 \xE2\x82\xAC\r\n", "A", "k", QString::fromUtf16(u"5 €"));
-    }
-    void updating()
-    {
-        QFETCH(QByteArray, before);
-        QFETCH(QString, section);
-        QFETCH(QString, key);
-        QFETCH(QString, value);
-        QFETCH(QByteArray, after);
-        IniFile file = IniFile::parse(before);
-        QVERIFY(file.setValue(section, key, value));
-        QCOMPARE(file.toBytes(), after);
-        QCOMPARE(IniFile::parse(after).value(section, key), value);
-    }
-
     // A file that is not the text it should be is read as well as it can be, and told
     // about, so that a plant that shows no zones can be explained from the log.
     void formatProblems()
@@ -171,11 +144,13 @@ private slots:
     void writesKeepEverythingElse()
     {
         SettingsFolder dir;
-        IniStore store = dir.store("; impianto\r\n[COM]\r\nPorta = 1\r\nRetry=1\r\n\r\n[Zona 01]\r\nNome=Sala\r\n");
+        // Written by hand on another system: LF line ends, the last line without one, and a
+        // legacy editor's Windows-1252 byte.
+        IniStore store = dir.store("; impianto\n[COM]\nPorta = 1\nRetry=1\n\n[Zona 01]\nNome=Sal\xE0");
         const QString path = dir.path(SettingsFolder::Industrial);
         // Existing keys change in place, new keys join their section after its last key, a
         // new section goes at the end, a key given twice keeps its last value; everything
-        // else of the file stays as the user left it.
+        // else of the file stays as the user left it, written as UTF-8 with CR LF.
         QVERIFY(store.WriteIniKeys({{"com", "porta", "3"},
                                     {"Zona 01", "Indirizzo", "5"},
                                     {"Zona 02", "Nome", "Cucina"},
@@ -183,7 +158,7 @@ private slots:
                                     {"Zona 01", "INDIRIZZO", "7"},
                                     {"Zona 02", "Indirizzo", "6"}}));
         QByteArray saved("; impianto\r\n[COM]\r\nPorta =3\r\nRetry=1\r\nTimeOut=400\r\n\r\n"
-                         "[Zona 01]\r\nNome=Sala\r\nIndirizzo=7\r\n\r\n[Zona 02]\r\nNome=Cucina\r\nIndirizzo=6\r\n");
+                         "[Zona 01]\r\nNome=Sal\xC3\xA0\r\nIndirizzo=7\r\n\r\n[Zona 02]\r\nNome=Cucina\r\nIndirizzo=6\r\n");
         QCOMPARE(dir.read(SettingsFolder::Industrial), saved);
 
         // Another program's edit is seen right after our own write, even when it keeps the
@@ -226,6 +201,10 @@ private slots:
         dir.write(SettingsFolder::Industrial, saved.replace("Porta =4", "Porta =5"));
         setModified(path, old.addSecs(5));
         QCOMPARE(trusting.load(path)->value("COM", "Porta"), QStringLiteral("5"));
+        // Of two sections whose names differ by a trailing blank, the first is written.
+        IniFile twin = IniFile::parse("[Sinottico]\r\nCampo_1=A\r\n[Sinottico ]\r\nCampo_1=A\r\n");
+        QVERIFY(twin.setValue("Sinottico ", "Campo_1", "B"));
+        QCOMPARE(twin.toBytes(), QByteArray("[Sinottico]\r\nCampo_1=B\r\n[Sinottico ]\r\nCampo_1=A\r\n"));
         // A file that is gone reads as absent.
         QVERIFY(QFile::remove(path));
         QCOMPARE(store.ReadIniKey("COM", "Porta", "default"), QStringLiteral("default"));
@@ -255,7 +234,125 @@ private slots:
         for (const QString &name : kept)
             QVERIFY2(QFile::exists(dir.path(name)), qPrintable(name));
     }
+
+    void numbers()
+    {
+        QCOMPARE(parseNumber("21,5"), OptionalDouble(21.5));
+        // Whatever the program would read otherwise than the user meant is no number.
+        QCOMPARE(parseNumber("1.234,5"), OptionalDouble());
+        QCOMPARE(parseNumber("12abc"), OptionalDouble());
+        QCOMPARE(parseNumber(QString::fromUtf8("\u0661\u0662")), OptionalDouble());
+        QCOMPARE(parseNumber(QString(400, '9')), OptionalDouble());
+        QCOMPARE(parseNumber("0." + QString(400, '0') + "1"), OptionalDouble(0.0));
+        // Set points and chart limits stay finite.
+        QCOMPARE(parseSingle("20,5"), std::optional<float>(20.5f));
+        QCOMPARE(parseSingle("-1" + QString(39, '0')), std::nullopt);
+        QCOMPARE(parseSingle("nan"), std::nullopt);
+        // The lenient reading of old files takes the number the text starts with.
+        QCOMPARE(leadingNumber("12abc"), 12.0);
+        QCOMPARE(leadingInteger("12abc", -7), 12);
+        QCOMPARE(leadingInteger("1.5.3", -7), 2);
+        QCOMPARE(leadingNumber("99999999999"), 99999999999.0);
+        QCOMPARE(leadingInteger("99999999999", -7), 2147483647);
+        QCOMPARE(leadingNumber("-" + QString(400, '9')), 0.0);
+        QCOMPARE(leadingInteger("-" + QString(400, '9'), -7), -2147483647 - 1);
+        QCOMPARE(formatFixed(0.25, 1), QStringLiteral("0.3"));
+        QCOMPARE(formatFixed(-0.04, 1), QStringLiteral("0.0"));
+    }
+
+    void colours()
+    {
+        QCOMPARE(parseColorText("&h80ff"), OptionalColour(0x80FF));
+        QCOMPARE(parseColorText("&H800000&"), OptionalColour(0x800000));
+        QCOMPARE(parseColorText("16777215"), OptionalColour(0xFFFFFF));
+        QCOMPARE(parseColorText("-32513"), OptionalColour(0xFFFF80FF));
+        for (const char *text : {"&H1FFFFFFFF", "4294967296", "&HGG00", "&H-FF"})
+            QVERIFY2(!parseColorText(text), text);
+        QCOMPARE(formatColorText(0x00c0e0ff), QStringLiteral("&HC0E0FF"));
+        for (const quint32 colour : {0x0u, 0xFFFF80FFu})
+            QCOMPARE(parseColorText(formatColorText(colour)), OptionalColour(colour));
+    }
+
+    void registerKeys()
+    {
+        RegisterKeyProblem why = RegisterKeyProblem::Malformed;
+        const std::optional<RegisterKey> key = parseRegisterKey("6,65535", &why);
+        QVERIFY(key && why == RegisterKeyProblem::None);
+        QCOMPARE(key->functionCode, 6);
+        QCOMPARE(int(key->registerNumber), 65535);
+        // Empty is a register not in use; anything else malformed is worth a warning.
+        QVERIFY(!parseRegisterKey("   ", &why) && why == RegisterKeyProblem::Empty);
+        for (const char *text : {"3", "0,12", "131,12", "6,65536", "6,12.5", "6,1,2"})
+            QVERIFY2(!parseRegisterKey(text, &why) && why == RegisterKeyProblem::Malformed, text);
+    }
+
+    void operatorText_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<int>("decimals");
+        QTest::addColumn<OptionalRegister>("registerValue"); // none: the text does not convert
+        QTest::addColumn<float>("value");
+        const auto row = [](const QString &text, int decimals, OptionalRegister raw, float value) {
+            QTest::addRow("'%s' with %d decimals", qPrintable(text.left(12)), decimals) << text << decimals << raw << value;
+        };
+        row("7,25", 1, 72, 7.2f);
+        row("1.2,5", 1, 1, 0.125f);
+        row(" -0,5 ", 1, -5, -0.5f);
+        row("-3276,8", 1, -32768, -3276.8f);
+        row("12abc", 0, std::nullopt, 12.0f);
+        row("1,5", 5, 15000, 0.15f);
+        row("21,5", -1, 21, 21.0f);
+        row(QString(60, '9'), 0, std::nullopt, 0.0f);
+    }
+    void operatorText()
+    {
+        QFETCH(QString, text);
+        QFETCH(int, decimals);
+        QFETCH(OptionalRegister, registerValue);
+        QFETCH(float, value);
+        QCOMPARE(registerFromText(text, decimals), registerValue);
+        // The unchecked conversion passes every failure over as 0.
+        QCOMPARE(TextToRegister(text, decimals), registerValue.value_or(0));
+        QCOMPARE(TextToValue(text, decimals), value);
+    }
+
+    void zoneValueShown()
+    {
+        QCOMPARE(FormatZoneValue(21.5f, 0, "°C"), QStringLiteral("22 °C"));
+        QCOMPARE(FormatZoneValue(-3.25f, 1, "°C"), QStringLiteral("-3.3 °C"));
+        QCOMPARE(FormatZoneValue(1.23456f, 7, "°C"), QStringLiteral("1.235 °C"));
+        QCOMPARE(FormatZoneValue(InvalidValue, 3, "°C"), QStringLiteral("--.-"));
+        QCOMPARE(FormatZoneValue(-99999.5f, 1, "°C"), QStringLiteral("-99999.5 °C"));
+    }
+
+    // Lines come out joined by "|", with "!" for a line longer than eight bytes.
+    void fileLines_data()
+    {
+        QTest::addColumn<QByteArray>("content");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("CR LF, last line without its end") << QByteArray("a\r\nbc") << "a|bc";
+        QTest::newRow("LF, last line ends with CR only") << QByteArray("a\nbc\r") << "a|bc";
+        QTest::newRow("CR inside a line is kept") << QByteArray("a\rb\n") << "a\rb";
+        QTest::newRow("longest accepted line") << QByteArray("12345678\r\nx\n") << "12345678|x";
+        QTest::newRow("one character too many") << QByteArray("123456789\r\nx\n") << "!|x";
+        QTest::newRow("huge line is skipped whole") << QByteArray(300000, 'z') + "\nafter\n" << "!|after";
+    }
+    void fileLines()
+    {
+        QFETCH(QByteArray, content);
+        QFETCH(QString, expected);
+        QBuffer buffer(&content);
+        QVERIFY(buffer.open(QIODevice::ReadOnly));
+        TextLineReader reader(buffer, 8);
+        QStringList lines;
+        QByteArray line;
+        for (TextLineReader::Result result; (result = reader.readLine(line)) != TextLineReader::Result::End;) {
+            lines << (result == TextLineReader::Result::TooLong ? QStringLiteral("!") : QString::fromLatin1(line));
+            QVERIFY(lines.size() <= 4);
+        }
+        QCOMPARE(lines.join('|'), expected);
+    }
 };
 
-QTEST_GUILESS_MAIN(TestSettingsFile)
-#include "tst_settingsfile.moc"
+QTEST_GUILESS_MAIN(TestSettings)
+#include "tst_settings.moc"
