@@ -218,9 +218,9 @@ private slots:
         QVERIFY(page.setSetPoints(0, 0, 0, 95, "abc").contains("Non è un numero"));
         QVERIFY(page.setSetPoints(0, 0, 0, 95, "1000").contains("da -99,9 a 999,9"));
         QCOMPARE(page.dayLines(0, 0), ChronoPageModel().dayLines(0, 0));
-        // Monday's 02:30 copied to the whole week of zone 1 only.
-        page.setSetPoints(0, 0, 10, 10, "18");
-        page.copyDayToWeek(0, 0);
+        // Friday's 02:30 copied to the whole week of zone 1 only.
+        page.setSetPoints(0, 4, 10, 10, "18");
+        page.copyDayToWeek(0, 4);
         for (int day = 0; day < 7; ++day)
             QCOMPARE(page.setPoint(10, 0, day), 18.0f);
         QCOMPARE(page.setPoint(10, 1, 0), 20.0f);
