@@ -106,7 +106,7 @@ REM_w=5,10;On_w=6,200;Off_w=6,201;Val_on=12,5;Val_off=0
 )";
 
 const char SmallPlant[] = R"([Generale];Zone=2;LED=1;Interruttori=1;Apriporta=1;Cronotermostato=1;AutoAvvio=1;Grafico=1;Ricette=1;Master=1
-[COM];Attivita=1;Remoto=1
+[COM];Attivita=1;Remoto=0
 [Zona 01];Indirizzo=9;Decimali=1;PV_r=3,40001;Cronotermostato=1
 [Zona 02];Indirizzo=10;SP_w=6,2;Cronotermostato=0
 [Zona 03];Indirizzo=11;PV_r=3,1;Cronotermostato=1
@@ -362,7 +362,9 @@ private slots:
         QCOMPARE(editor.lists(), QStringList({"L 100>9:3,40001 [1]", "L 300>12:2,3 @ >=0 [0]", "L 200>13:1,4 [0]",
                                               "S 101>10:6,2 [0]", "R 400>14:1,5 [0]"}));
         QCOMPARE(editor.enabled(), (QList<bool>{true, true, true, false}));
-        QVERIFY(state.comm.lineActivity && state.comm.remoteEnabled && state.comm.portAvailable);
+        // Line check on, remote commands off, the port in use.
+        QCOMPARE((QList<bool>{state.comm.lineActivity, state.comm.remoteEnabled, state.comm.portAvailable}),
+                 (QList<bool>{true, false, true}));
         ChronoZoneEnabled chrono{};
         chrono[0] = true;
         chrono[2] = true; // beyond the zone count, yet its flag is the file's

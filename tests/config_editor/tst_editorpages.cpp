@@ -160,6 +160,7 @@ private slots:
         QVERIFY(page.firstProblem().startsWith("Zona 03, Indirizzo:"));
 
         page.setText(fieldOf(page, "Generale", "Zone"), "2");
+        page.setText(fieldOf(page, "Zona 03", "Nome"), "Cantina");
         QVERIFY(page.canConfirm());
         page.setText(fieldOf(page, "Zona 02", "PV_r"), " 3,40001 ");
         QVERIFY(page.save(ini));

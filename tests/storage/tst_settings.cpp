@@ -335,6 +335,7 @@ private slots:
         QTest::newRow("CR inside a line is kept") << QByteArray("a\rb\n") << "a\rb";
         QTest::newRow("longest accepted line") << QByteArray("12345678\r\nx\n") << "12345678|x";
         QTest::newRow("one character too many") << QByteArray("123456789\r\nx\n") << "!|x";
+        QTest::newRow("one too many before LF") << QByteArray("123456789\nx\n") << "!|x";
         QTest::newRow("huge line is skipped whole") << QByteArray(300000, 'z') + "\nafter\n" << "!|after";
     }
     void fileLines()
