@@ -217,6 +217,10 @@ private slots:
         // Files that exist are not made again.
         QVERIFY(EnsureChronoFiles(folder(), schedule));
         QCOMPARE(scheduleFile(), before);
+        // No holidays are saved as a line of blanks, never as an empty file.
+        holidays.setEntries({});
+        QVERIFY(SaveChronoSchedule(ini, schedule, enabled, holidays));
+        QCOMPARE(holidayFile(), QByteArray(10, ' ') + "\r\n");
     }
 
     // A damaged schedule file: the set points it holds are read, the rest are filled the
