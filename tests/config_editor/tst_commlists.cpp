@@ -23,19 +23,6 @@ struct Editor
     explicit Editor(const QByteArray &settings) : ini(dir.store(QByteArray(settings).replace(';', '\n'))) {}
     void reload() { ReloadEditor(EditorServices{ini, plant, resets, master, line, values, schedule}, state); }
     void loadComm() { LoadCommSettings(ini, master, line, state.comm); }
-    // Every builder, in the order of a reload.
-    void buildAll(int zones, int leds, bool door, int switches)
-    {
-        ClearCommLists(state.lists);
-        BuildZoneReadList(ini, zones, state.lists, state.tables);
-        BuildLedReadList(ini, leds, state.lists, state.tables);
-        BuildDoorReadList(ini, door, state.lists, state.tables);
-        BuildSwitchReadList(ini, switches, state.lists, state.tables);
-        BuildZoneWriteList(ini, zones, state.lists, state.tables);
-        BuildLedWriteList(ini, leds, state.lists, state.tables);
-        BuildDoorWriteList(ini, door, state.lists, state.tables);
-        BuildSwitchWriteList(ini, switches, state.lists, state.tables);
-    }
     // Address, function and register of the line check.
     QList<int> probe() const { return {state.lineProbe.address, state.lineProbe.functionCode, state.lineProbe.registerNumber}; }
     // The four lists, each entry behind its list's letter: L Lst_Letture, S Lst_Scritture,
@@ -59,16 +46,6 @@ struct Editor
     }
     // AutoAvvio, Grafico, Ricette, Master.
     QList<bool> options() const { return {state.options.autoStart, state.options.chart, state.options.recipes, state.options.master}; }
-    // The zones (from 0) flagged as slaves.
-    QList<int> slaveZones() const
-    {
-        QList<int> zones;
-        for (int zone = 0; zone < int(state.tables.zoneSlaveFlags.size()); ++zone) {
-            if (state.tables.zoneSlaveFlags[zone])
-                zones << zone;
-        }
-        return zones;
-    }
 
     SettingsFolder dir;
     IniStore ini;
@@ -93,7 +70,8 @@ QList<int> tableRow(const Table &table, int row)
 }
 
 // Three zones (the third without an address), two switches, two LEDs and the door opener.
-const char FullPlant[] = R"([Zona 01];Indirizzo=5;Decimali=1;REM_r=1,100;PV_r=3,40001;SP_r=3,40002;AL1_r=3,40003;AL2_r=;AL3_r=4,30005
+const char FullPlant[] = R"([Generale];Zone=3;LED=2;Apriporta=1;Interruttori=2
+[Zona 01];Indirizzo=5;Decimali=1;REM_r=1,100;PV_r=3,40001;SP_r=3,40002;AL1_r=3,40003;AL2_r=;AL3_r=4,30005
 REM_w=5,100;SP_w=6,40002;AL1_w=6,40003;Slave=1
 [Zona 02];Indirizzo= 12;Decimali=2;PV_r=3,1;SP_r=2,7;SP_w=6,2;Slave=0
 [Zona 03];Indirizzo=0;PV_r=3,1
@@ -168,7 +146,7 @@ private slots:
     void fullPlant()
     {
         Editor editor(FullPlant);
-        editor.buildAll(3, 2, true, 2);
+        editor.reload();
         QCOMPARE(editor.lists(), QStringList({
             "L 100>5:3,40001 [1]", "L 100>5:3,40002 [1]", "L 100>5:3,40003 [1]", "L 100>5:4,30005 [1]",
             "L 101>12:3,1 [2]", "L 101>12:2,7 [0]", "L 300>7:3,40010 @ >=25 [0]", "L 301>8:4,20 @ <>22,5 [1]",
@@ -188,21 +166,29 @@ private slots:
         QCOMPARE(tableRow(t.DoorWriteTable, 0), (QList<int>{30, 0, 5, 1, 5, 2, 5, 3, -1, 1, 0, -1}));
         QCOMPARE(tableRow(t.LedReadTable, 1), (QList<int>{8, 1, -1, -1, 4, 20, 225, 1, 6}));
         // The first zone is never a slave; zone 3 is one although it has no address.
-        QCOMPARE(editor.slaveZones(), QList<int>{2});
-        EnableCommLists(editor.state.lists);
+        const auto slaveZones = [&t] {
+            QList<int> zones;
+            for (int zone = 0; zone < MaxZones; ++zone) {
+                if (t.zoneSlaveFlags[zone])
+                    zones << zone;
+            }
+            return zones;
+        };
+        QCOMPARE(slaveZones(), QList<int>{2});
         QCOMPARE(editor.enabled(), QList<bool>(4, true));
 
         // A rebuild with fewer objects forgets the others.
         const QStringList kept = editor.lists().filter(QRegularExpression("^. [12]00>"));
-        editor.buildAll(1, 0, false, 1);
+        editor.ini.WriteIniKeys({{"Generale", "Zone", "1"}, {"Generale", "LED", "0"}, {"Generale", "Apriporta", "0"},
+                                 {"Generale", "Interruttori", "1"}});
+        editor.reload();
         QCOMPARE(editor.lists(), kept);
         QCOMPARE(tableRow(t.LedReadTable, 1), QList<int>(LedTable::slotCount(), -1));
         QCOMPARE(tableRow(t.DoorWriteTable, 0), QList<int>(DoorTable::slotCount(), -1));
-        QCOMPARE(editor.slaveZones(), QList<int>());
+        QCOMPARE(slaveZones(), QList<int>());
         // Only zone 2 left: a list without lines is not polled.
-        editor.ini.WriteIniKey("Zona 01", "Indirizzo", "0");
-        editor.buildAll(2, 0, false, 0);
-        EnableCommLists(editor.state.lists);
+        editor.ini.WriteIniKeys({{"Zona 01", "Indirizzo", "0"}, {"Generale", "Zone", "2"}, {"Generale", "Interruttori", "0"}});
+        editor.reload();
         QCOMPARE(editor.enabled(), (QList<bool>{true, true, false, false}));
     }
 
@@ -219,7 +205,8 @@ private slots:
         QTest::newRow("decimals not a number") << ZoneCase{.decimals = "x", .key = "3,1", .line = "100>5:3,1 [0]", .function = 3, .reg = 1,
                                                                    .warning = "Decimali = \"x\""};
         QTest::newRow("empty, not in use") << ZoneCase{.key = ""};
-        for (const char *key : {"3", "3,abc", "131,5"})
+        QTest::newRow("register 65535") << ZoneCase{.key = "3,65535", .line = "100>5:3,65535 [1]", .function = 3, .reg = -1};
+        for (const char *key : {"3", "3,abc", "131,5", "0,12", "3,65536", "3,12.5", "3,1,2"})
             QTest::addRow("key %s", key) << ZoneCase{.key = key, .warning = "PV_r = .*register not used"};
     }
     void zoneReading()
@@ -262,9 +249,8 @@ private slots:
         BuildLedReadList(editor.ini, 1, editor.state.lists, editor.state.tables);
         QCOMPARE(editor.state.lists.Lst_Letture.lines, c.line.isEmpty() ? QStringList() : QStringList{c.line});
         const LedTable &table = editor.state.tables.LedReadTable;
-        QCOMPARE(table.at(0, LedSlot::Threshold), c.threshold);
-        QCOMPARE(table.at(0, LedSlot::Colour), c.colour);
-        QCOMPARE(table.at(0, LedSlot::Condition), c.condition);
+        QCOMPARE((QList<int>{table.at(0, LedSlot::Threshold), table.at(0, LedSlot::Colour), table.at(0, LedSlot::Condition)}),
+                 (QList<int>{c.threshold, c.colour, c.condition}));
     }
 
     // The same keys for a switch and the door opener: only the value slots differ.
@@ -303,11 +289,9 @@ private slots:
     void lineProbe_data()
     {
         QTest::addColumn<ProbeCase>("c");
-        QTest::newRow("first of two zone lines") << ProbeCase{{"100>5:3,40001 [1]", "100>5:3,40002 [1]"}, {5, 3, 40001}};
         QTest::newRow("LED line without blanks") << ProbeCase{{"301>255:4,0@<>22,5[1]"}, {255, 4, 0}};
         QTest::newRow("blanks around the comma") << ProbeCase{{"101>12:3 , 12 [0]"}, {12, 3, 12}};
         QTest::newRow("check off") << ProbeCase{{"100>5:3,1 [1]"}, {-1, -1, -1}, false, false};
-        QTest::newRow("no lines") << ProbeCase{{}, {-1, -1, -1}, true, false};
         // A first line that cannot be read leaves the check on, without a probe.
         for (const char *line : {"hello", "100>5:3 [0]", "100>x:3,1 [0]", "100>99999999999:3,1 [0]"})
             QTest::addRow("%s", line) << ProbeCase{{line}, {-1, -1, -1}};
@@ -407,20 +391,18 @@ private slots:
     // A check-box option is on unless its text is "0": a hand-edited "si" is on.
     void options_data()
     {
-        QTest::addColumn<bool>("present");
-        QTest::addColumn<QByteArray>("text");
+        QTest::addColumn<QByteArray>("text"); // null: the keys are absent
         QTest::addColumn<bool>("on");
-        QTest::newRow("absent") << false << QByteArray() << false;
-        QTest::newRow("0") << true << QByteArray("0") << false;
-        QTest::newRow("1") << true << QByteArray("1") << true;
-        QTest::newRow("si") << true << QByteArray("si") << true;
-        QTest::newRow("empty") << true << QByteArray() << true;
+        QTest::newRow("absent") << QByteArray() << false;
+        QTest::newRow("0") << QByteArray("0") << false;
+        QTest::newRow("si") << QByteArray("si") << true;
+        QTest::newRow("empty") << QByteArray("") << true;
     }
     void options()
     {
-        QFETCH(bool, present);
         QFETCH(QByteArray, text);
         QFETCH(bool, on);
+        const bool present = !text.isNull();
         QByteArray settings = "[Generale]\nZone=1\n";
         for (const char *key : {"AutoAvvio", "Grafico", "Ricette", "Master", "Cronotermostato"})
             settings += present ? key + ("=" + text) + "\n" : QByteArray();

@@ -169,6 +169,13 @@ private slots:
         QCOMPARE(ini.ReadIniKey("Zona 03", "Indirizzo", ""), QStringLiteral("0"));
         QCOMPARE(ini.ReadIniKey("Zona 03", "Nome", "absent"), QStringLiteral("absent"));
         QCOMPARE(ini.ReadIniKey("Zona 02", "PV_w", "absent"), QStringLiteral("absent"));
+        // Check boxes read as the program reads their keys.
+        const FieldSpec &slave = page.field(page.indexOf("Zona 02", "Slave")).definition;
+        QVERIFY(flagTicked(slave, ""));
+        QVERIFY(!flagTicked(slave, " 0 "));
+        const PageModel options = generalOptionsPage();
+        QVERIFY(!flagTicked(options.field(0).definition, "abc"));
+        QVERIFY(flagTicked(options.field(0).definition, "2"));
     }
 
     // A value goes into the register it is written to: with the item's decimals, or
@@ -186,18 +193,6 @@ private slots:
         QVERIFY(page.canConfirm());
         page.setText(fieldOf(page, "LED 01", "P1_r"), "3,5");
         QCOMPARE(page.problems(), QList<int>{fieldOf(page, "LED 01", "Val")});
-    }
-
-    void flagsReadAsTheProgramReadsThem()
-    {
-        const PageModel options = generalOptionsPage();
-        const FieldSpec &autoStart = options.field(0).definition;
-        QVERIFY(!flagTicked(autoStart, "abc"));
-        QVERIFY(flagTicked(autoStart, "2"));
-        const PageModel zones = zonesPage();
-        const FieldSpec &slave = zones.field(zones.indexOf("Zona 02", "Slave")).definition;
-        QVERIFY(flagTicked(slave, ""));
-        QVERIFY(!flagTicked(slave, " 0 "));
     }
 
     // Edits stay in the page's copy until it is confirmed.
@@ -259,15 +254,11 @@ private slots:
         fx.setValue(5, 3, 100, 215);
         fx.setValue(5, 1, 7, 1);
         SettingsFolder dir;
-        IniStore ini = dir.store("[Generale]\r\nZone=2\r\n");
+        IniStore ini = dir.store("[Generale]\r\nZone=2\r\n[Zona 02]\r\nDecimali=1\r\nPV_r=3,100\r\nSP_r=3,101\r\nREM_r=1,7\r\n");
         PageModel page = zonesPage();
         page.load(ini);
         const auto set = [&page](const QString &key, const QString &text) { page.setText(page.indexOf("Zona 02", key), text); };
         set("Indirizzo", "5");
-        set("Decimali", "1");
-        set("PV_r", "3,100");
-        set("SP_r", "3,101");
-        set("REM_r", "1,7");
         set("AL1_r", "3");
         set("PV_w", "6,100");
         QCOMPARE(TryInstrument(fx.rt.services.master, page, "Zona 02"),

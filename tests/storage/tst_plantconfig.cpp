@@ -184,35 +184,28 @@ picture Casa.png sounds 'porta.wav' 'sirena.wav')"));
 
     // Every marker of a demo plant must land on its picture (drawn at 15 twips per
     // pixel), or the operator cannot reach it.
-    void demoPlants_data()
-    {
-        QTest::addColumn<QString>("file");
-        QTest::newRow("civil") << "Telvane1.ini";
-        QTest::newRow("industrial") << "Telvane2.ini";
-    }
     void demoPlants()
     {
-        QFETCH(QString, file);
         QTest::failOnWarning(QRegularExpression("."));
-        IniStore store{ProgramFolder(TELVANE_SOURCE_DIR "/demo/plant")};
-        store.setCurrentIniName(file);
-        const PlantConfig c = load(store);
-        QVERIFY(c.zoneCount() > 0);
-
-        const QSize picture = QImageReader(c.synoptic.picturePath).size();
-        QVERIFY2(picture.isValid(), qPrintable(c.synoptic.picturePath));
-        const QRect area(QPoint(0, 0), picture * 15);
-        const auto onPicture = [&](const QString &what, int x, int y) {
-            QVERIFY2(area.contains(x, y), qPrintable(QStringLiteral("%1 at %2,%3").arg(what).arg(x).arg(y)));
-        };
-        for (const Zona &z : c.zones)
-            onPicture(z.name, z.x, z.y);
-        for (const Interruttore &s : c.switches)
-            onPicture(s.name, s.x, s.y);
-        for (const LED &l : c.leds)
-            onPicture(l.name, l.x, l.y);
-        onPicture(c.apriporta.name, c.apriporta.x, c.apriporta.y);
-        onPicture(c.webcam.name, c.webcam.x, c.webcam.y);
+        for (const QString file : {"Telvane1.ini", "Telvane2.ini"}) {
+            IniStore store{ProgramFolder(TELVANE_SOURCE_DIR "/demo/plant")};
+            store.setCurrentIniName(file);
+            const PlantConfig c = load(store);
+            const QSize picture = QImageReader(c.synoptic.picturePath).size();
+            QVERIFY2(c.zoneCount() > 0 && picture.isValid(), qPrintable(file + " " + c.synoptic.picturePath));
+            const QRect area(QPoint(0, 0), picture * 15);
+            const auto onPicture = [&](const QString &what, int x, int y) {
+                QVERIFY2(area.contains(x, y), qPrintable(QStringLiteral("%1: %2 at %3,%4").arg(file, what).arg(x).arg(y)));
+            };
+            for (const Zona &z : c.zones)
+                onPicture(z.name, z.x, z.y);
+            for (const Interruttore &s : c.switches)
+                onPicture(s.name, s.x, s.y);
+            for (const LED &l : c.leds)
+                onPicture(l.name, l.x, l.y);
+            onPicture(c.apriporta.name, c.apriporta.x, c.apriporta.y);
+            onPicture(c.webcam.name, c.webcam.x, c.webcam.y);
+        }
     }
 };
 
