@@ -93,7 +93,11 @@ private slots:
         QLocale::setDefault(QLocale::c());
     }
 
-    void opensWithTheListsAsBuilt()
+    // Opened on the lists as built; a bad value blocks its page and closing without
+    // confirming writes nothing; the port and zone pages save and are in force at once;
+    // the lists print to a PDF; the settings are locked while acquiring unless an
+    // administrator stopped it.
+    void editTheIndustrialPlant()
     {
         EditorRig rig;
         QVERIFY(rig.editor->isVisible());
@@ -102,59 +106,47 @@ private slots:
         QCOMPARE(rig.list(QStringLiteral("Lst_Letture")), QStringList{"100>1:3,1 [0]"});
         QVERIFY(rig.editor->findChild<QListView *>(QStringLiteral("Lst_Letture"))->isEnabled());
         QVERIFY(!rig.editor->findChild<QListView *>(QStringLiteral("Lst_Scritture"))->isEnabled());
-    }
 
-    // The port page: a value typed in a combo is saved and in force at once.
-    void rs232PageSavesAndReloads()
-    {
-        EditorRig rig;
+        const QByteArray before = rig.read(QStringLiteral("Telvane2.ini"));
+        rig.trigger(QStringLiteral("MenuZone"));
+        FieldPage *zones = rig.editor->fieldPage(QStringLiteral("Zone"));
+        QWidget *zone1 = zones->findChild<QWidget *>(QStringLiteral("Item_1"));
+        EditorRig::retype(zone1->findChild<QLineEdit *>(QStringLiteral("Indirizzo")), QStringLiteral("300"));
+        QVERIFY(!zones->findChild<QPushButton *>(QStringLiteral("Cmd_Chiudi_Zone_0"))->isEnabled());
+        QVERIFY(zone1->findChild<QLabel *>(QStringLiteral("Lab_Problema_Indirizzo"))->text().contains("1 a 255"));
+        QVERIFY(zones->findChild<QLabel *>(QStringLiteral("Lab_Problemi"))->text().contains("Zona 01, Indirizzo"));
+        rig.click(zones, QStringLiteral("Cmd_Chiudi_Zone_1"));
+        QCOMPARE(rig.read(QStringLiteral("Telvane2.ini")), before);
+        QCOMPARE(rig.list(QStringLiteral("Lst_Letture")), QStringList{"100>1:3,1 [0]"});
+
         rig.trigger(QStringLiteral("MenuPorta"));
-        FieldPage *page = rig.editor->fieldPage(QStringLiteral("RS232"));
-        QCOMPARE(rig.editor->currentPage(), static_cast<QWidget *>(page));
-        auto *timeout = page->findChild<QComboBox *>(QStringLiteral("Cmb_TimeOut"));
+        FieldPage *port = rig.editor->fieldPage(QStringLiteral("RS232"));
+        QCOMPARE(rig.editor->currentPage(), static_cast<QWidget *>(port));
+        auto *timeout = port->findChild<QComboBox *>(QStringLiteral("Cmb_TimeOut"));
         QCOMPARE(timeout->currentText(), QStringLiteral("500"));
         EditorRig::retype(timeout->lineEdit(), QStringLiteral("250"));
-        rig.click(page, QStringLiteral("Cmd_Chiudi_RS232_0"));
+        rig.click(port, QStringLiteral("Cmd_Chiudi_RS232_0"));
         QVERIFY(rig.read(QStringLiteral("Telvane2.ini")).contains("TimeOut=250\r\n"));
         QCOMPARE(rig.rig.plant.rt.model.editor.comm.timeoutSeconds, 0.25f);
         QVERIFY(!rig.editor->currentPage());
-    }
 
-    void zonePageChangeShowsInTheLists()
-    {
-        EditorRig rig;
         rig.trigger(QStringLiteral("MenuZone"));
-        FieldPage *page = rig.editor->fieldPage(QStringLiteral("Zone"));
-        page->findChild<QComboBox *>(QStringLiteral("Cmb_Zona"))->setCurrentIndex(1);
-        QWidget *zone2 = page->findChild<QWidget *>(QStringLiteral("Item_2"));
+        zones->findChild<QComboBox *>(QStringLiteral("Cmb_Zona"))->setCurrentIndex(1);
+        QWidget *zone2 = zones->findChild<QWidget *>(QStringLiteral("Item_2"));
         QVERIFY(zone2 && zone2->isVisible());
         EditorRig::retype(zone2->findChild<QLineEdit *>(QStringLiteral("SP_r")), QStringLiteral("3,40005"));
-        rig.click(page, QStringLiteral("Cmd_Chiudi_Zone_0"));
+        rig.click(zones, QStringLiteral("Cmd_Chiudi_Zone_0"));
         QCOMPARE(rig.list(QStringLiteral("Lst_Letture")), QStringList({"100>1:3,1 [0]", "101>2:3,40005 [0]"}));
         QVERIFY(rig.read(QStringLiteral("Telvane2.ini")).contains("[Zona 02]\r\nNome=Cucina\r\nIndirizzo=2\r\n"));
-    }
 
-    // An address the program would ignore blocks the confirmation; closing without
-    // confirming writes nothing.
-    void badValueBlocksAndCancelWritesNothing()
-    {
-        EditorRig rig;
-        const QByteArray before = rig.read(QStringLiteral("Telvane2.ini"));
-        rig.trigger(QStringLiteral("MenuZone"));
-        FieldPage *page = rig.editor->fieldPage(QStringLiteral("Zone"));
-        QWidget *zone1 = page->findChild<QWidget *>(QStringLiteral("Item_1"));
-        EditorRig::retype(zone1->findChild<QLineEdit *>(QStringLiteral("Indirizzo")), QStringLiteral("300"));
-        QVERIFY(!page->findChild<QPushButton *>(QStringLiteral("Cmd_Chiudi_Zone_0"))->isEnabled());
-        QVERIFY(zone1->findChild<QLabel *>(QStringLiteral("Lab_Problema_Indirizzo"))->text().contains("1 a 255"));
-        QVERIFY(page->findChild<QLabel *>(QStringLiteral("Lab_Problemi"))->text().contains("Zona 01, Indirizzo"));
-        rig.click(page, QStringLiteral("Cmd_Chiudi_Zone_1"));
-        QCOMPARE(rig.read(QStringLiteral("Telvane2.ini")), before);
-        QCOMPARE(rig.list(QStringLiteral("Lst_Letture")), QStringList{"100>1:3,1 [0]"});
-    }
+        rig.rig.prompts.scriptQuestion(true);
+        QTest::mouseClick(rig.editor->findChild<QPushButton *>(QStringLiteral("Cmd_Stampa")), Qt::LeftButton);
+        const QString pdf = rig.rig.plant.dir.filePath(QStringLiteral("stampa.pdf"));
+        QVERIFY(QFileInfo(pdf).size() > 0);
+        QCOMPARE(rig.rig.prompts.asked().size(), 2);
+        QCOMPARE(rig.rig.prompts.asked()[1].kind, RecordingPrompts::Kind::Information);
+        QVERIFY(rig.rig.prompts.asked()[1].text.contains(pdf));
 
-    void frameDisabledWhileAcquiring()
-    {
-        EditorRig rig;
         QFrame *frame = rig.editor->settingsFrame();
         QVERIFY(frame->isEnabled());
         rig.rig.supervisor.MenuStart();
@@ -169,21 +161,38 @@ private slots:
         QVERIFY(frame->isEnabled());
     }
 
-    // The civil plant's schedule: set points typed for a range of slots, saved on confirm.
-    void modeChangeAndChronoPage()
+    // The preview draws the lists and the schedule without asking or printing; the civil
+    // plant's schedule takes set points typed for a range of slots, saved on confirm.
+    void previewAndTheCivilSchedule()
     {
         EditorRig rig;
+        const auto openPreview = [&](QWidget *from, const QString &button) {
+            rig.click(from, button);
+            auto *dialog = rig.editor->findChild<QPrintPreviewDialog *>(QStringLiteral("Anteprima"));
+            return dialog ? dialog->findChild<QPrintPreviewWidget *>() : nullptr;
+        };
+        QPrintPreviewWidget *lists = openPreview(rig.editor, QStringLiteral("Cmd_Anteprima"));
+        QVERIFY(lists);
+        QTRY_COMPARE(lists->pageCount(), 1);
+        delete lists->window();
+
         rig.trigger(QStringLiteral("MenuCambiaIni"));
         QCOMPARE(rig.rig.plant.rt.model.ini.ReadModeKey("Generale", "Modo", ""), QStringLiteral("1"));
         QCOMPARE(rig.rig.entry(QStringLiteral("MenuCrono"))->text(), QStringLiteral("Impostazioni cronotermostato"));
         QCOMPARE(rig.rig.button(QStringLiteral("5"))->text(), QStringLiteral("Stagione"));
         QVERIFY(rig.list(QStringLiteral("Lst_Letture")).isEmpty()); // Telvane1.ini holds no plant yet
-
         rig.rig.plant.writeFile(QStringLiteral("Telvane1.ini"), PlantSettings);
         rig.trigger(QStringLiteral("MenuRileggiIni"));
         rig.rig.entry(QStringLiteral("MenuCrono"))->trigger();
         ChronoPage *page = rig.editor->chronoPage();
         QCOMPARE(rig.editor->currentPage(), static_cast<QWidget *>(page));
+        QPrintPreviewWidget *schedule = openPreview(page, QStringLiteral("Cmd_AnteprimaCT"));
+        QVERIFY(schedule);
+        QTRY_COMPARE(schedule->pageCount(), 2); // one zone's week: its 96 slots a day run onto a second page
+        delete schedule->window();
+        QVERIFY(rig.rig.prompts.asked().isEmpty());
+        QVERIFY(!QFileInfo::exists(rig.rig.plant.dir.filePath(QStringLiteral("stampa.pdf"))));
+
         QCOMPARE(page->findChild<QComboBox *>(QStringLiteral("Cmb_ZonaCT"))->count(), 2);
         auto *tuesday = page->findChild<QListWidget *>(QStringLiteral("Lst_CT_1"));
         tuesday->setCurrentRow(28);
@@ -198,41 +207,6 @@ private slots:
         QCOMPARE(rig.rig.plant.rt.model.chrono(30, 0, 1), 20.0f);
         const QList<QByteArray> lines = rig.read(QStringLiteral("Crono/Cronotermostato.cts")).split('\n');
         QCOMPARE(lines.value((29 * 30 + 0) * 7 + 1).trimmed(), QByteArray("21.5"));
-    }
-
-    void printsToPdfAndSaysWhere()
-    {
-        EditorRig rig;
-        rig.rig.prompts.scriptQuestion(true);
-        QTest::mouseClick(rig.editor->findChild<QPushButton *>(QStringLiteral("Cmd_Stampa")), Qt::LeftButton);
-        const QString pdf = rig.rig.plant.dir.filePath(QStringLiteral("stampa.pdf"));
-        QVERIFY(QFileInfo(pdf).size() > 0);
-        QCOMPARE(rig.rig.prompts.asked().size(), 2);
-        QCOMPARE(rig.rig.prompts.asked()[1].kind, RecordingPrompts::Kind::Information);
-        QVERIFY(rig.rig.prompts.asked()[1].text.contains(pdf));
-    }
-
-    // The preview draws the lists without asking, and the schedule as the page shows it.
-    void previewShowsThePagesWithoutPrinting()
-    {
-        EditorRig rig;
-        const auto openPreview = [&](QWidget *from, const QString &button) {
-            rig.click(from, button);
-            auto *dialog = rig.editor->findChild<QPrintPreviewDialog *>(QStringLiteral("Anteprima"));
-            return dialog ? dialog->findChild<QPrintPreviewWidget *>() : nullptr;
-        };
-        QPrintPreviewWidget *lists = openPreview(rig.editor, QStringLiteral("Cmd_Anteprima"));
-        QVERIFY(lists);
-        QTRY_COMPARE(lists->pageCount(), 1);
-        delete lists->window();
-        rig.trigger(QStringLiteral("MenuCambiaIni"));
-        rig.rig.entry(QStringLiteral("MenuCrono"))->trigger();
-        QPrintPreviewWidget *schedule = openPreview(rig.editor->chronoPage(), QStringLiteral("Cmd_AnteprimaCT"));
-        QVERIFY(schedule);
-        QTRY_COMPARE(schedule->pageCount(), 1);
-        delete schedule->window();
-        QVERIFY(rig.rig.prompts.asked().isEmpty());
-        QVERIFY(!QFileInfo::exists(rig.rig.plant.dir.filePath(QStringLiteral("stampa.pdf"))));
     }
 };
 
