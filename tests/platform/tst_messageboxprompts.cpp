@@ -11,7 +11,6 @@
 using namespace telvane;
 
 using OptionalText = std::optional<QString>;
-Q_DECLARE_METATYPE(OptionalText)
 
 namespace {
 
@@ -73,44 +72,31 @@ private slots:
         seen = {};
     }
 
-    void question_data()
+    // A question opens over the window with Sì and No, Escape being No; a text input
+    // keeps what was typed, a comma included, and Escape gives nothing.
+    void questionAndTextInput()
     {
-        QTest::addColumn<QString>("answer");
-        QTest::addColumn<bool>("yes");
-        QTest::newRow("Sì") << QString::fromUtf8("Sì") << true;
-        QTest::newRow("Escape is No") << "Esc" << false;
-    }
-    void question()
-    {
-        QFETCH(QString, answer);
-        QFETCH(bool, yes);
-        answerNextBox(answer);
-        QCOMPARE(m_prompts.question("Stagione", "Testo?"), yes);
+        answerNextBox(QString::fromUtf8("Sì"));
+        QVERIFY(m_prompts.question("Stagione", "Testo?"));
         QCOMPARE(seen.parent, &m_window);
         QCOMPARE(seen.title, QStringLiteral("Stagione"));
         QCOMPARE(seen.text, QStringLiteral("Testo?"));
         QCOMPARE(seen.icon, QMessageBox::Question);
         QCOMPARE(seen.buttons, QStringList({QString::fromUtf8("Sì"), "No"}));
-    }
+        answerNextBox("Esc");
+        QVERIFY(!m_prompts.question("Stagione", "Testo?"));
 
-    void textInput_data()
-    {
-        QTest::addColumn<QString>("answer");
-        QTest::addColumn<QString>("typed");
-        QTest::addColumn<OptionalText>("result");
-        QTest::newRow("comma kept") << "OK" << "21,5" << OptionalText("21,5");
-        QTest::newRow("Escape") << "Esc" << "21,5" << OptionalText();
-    }
-    void textInput()
-    {
-        QFETCH(QString, answer);
-        QFETCH(QString, typed);
-        QFETCH(OptionalText, result);
-        answerNextBox(answer, typed);
-        QCOMPARE(m_prompts.textInput("Set point", "Nuovo valore:", "20.0"), result);
+        answerNextBox("OK", "21,5");
+        QCOMPARE(m_prompts.textInput("Set point", "Nuovo valore:", "20.0"), OptionalText("21,5"));
         QCOMPARE(seen.parent, &m_window);
         QCOMPARE(seen.title, QStringLiteral("Set point"));
         QCOMPARE(seen.text, QStringLiteral("Nuovo valore:"));
+        answerNextBox("Esc", "21,5");
+        QCOMPARE(m_prompts.textInput("Set point", "Nuovo valore:", "20.0"), OptionalText());
+        // A recipe's step box that may be cancelled: Escape is Annulla.
+        answerNextBox("Esc");
+        QVERIFY(!m_prompts.acknowledge("Ricetta", "Controllare la zona 2", Prompts::Icon::Exclamation, true));
+        QCOMPARE(seen.buttons, QStringList({"OK", "Annulla"}));
     }
 
     // While the always-on-top alarms window shows, a box opens over it and on top itself:
