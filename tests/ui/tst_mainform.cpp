@@ -4,14 +4,18 @@
 #include "ui/allarmi.h"
 #include "ui/childwindows.h"
 #include "ui/frmlogin.h"
+#include "ui/splash.h"
 #include "ui/stagione.h"
 #include "ui/trends/grafico.h"
 #include "ui/synoptic/sinottico.h"
 
 #include <QAction>
 #include <QApplication>
+#include <QGroupBox>
 #include <QHeaderView>
 #include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
 #include <QTableView>
 #include <QLoggingCategory>
 #include <QTest>
@@ -36,7 +40,38 @@ const QString Standby = QStringLiteral("Standby");
 const QString Acquiring = QStringLiteral("Acquisizione");
 const QString Refused = QStringLiteral("Operazione non permessa");
 
+struct LoginCase
+{
+    QString name;
+    QString password;
+    QString confirm = QStringLiteral("cmdOK"); // or "cmdCancel", "Enter", "Escape"
+    QString panel1;
+    bool technician = false;
+    bool administrator = false;
+    bool refused = false;
+};
+
+QLineEdit *loginField(WindowRig &rig, const char *name)
+{
+    return rig.window->loginWindow()->findChild<QLineEdit *>(QLatin1String(name));
+}
+
+// Opens the login by button "1", types and confirms.
+void logIn(WindowRig &rig, const QString &name, const QString &password, const QString &confirm = "cmdOK")
+{
+    rig.clickButton(QStringLiteral("1"));
+    loginField(rig, "txtUserName")->clear();
+    QTest::keyClicks(loginField(rig, "txtUserName"), name);
+    QTest::keyClicks(loginField(rig, "txtPassword"), password);
+    if (confirm == QLatin1String("Enter") || confirm == QLatin1String("Escape"))
+        QTest::keyClick(loginField(rig, "txtPassword"), confirm == QLatin1String("Enter") ? Qt::Key_Return : Qt::Key_Escape);
+    else
+        QTest::mouseClick(rig.window->loginWindow()->findChild<QPushButton *>(confirm), Qt::LeftButton);
+}
+
 } // namespace
+
+Q_DECLARE_METATYPE(LoginCase)
 
 class TestMainForm : public QObject
 {
@@ -200,6 +235,71 @@ private slots:
         for (int column = 0; column < header->count(); ++column)
             QVERIFY2(header->sectionSize(column) >= header->sectionSizeHint(column),
                      qPrintable(table->model()->headerData(column, Qt::Horizontal).toString()));
+    }
+
+    // Only "No" at the start simulates.
+    void splashAnswers_data()
+    {
+        QTest::addColumn<QString>("answer");
+        QTest::addColumn<bool>("communicate");
+        QTest::newRow("cmdSi") << "cmdSi" << true;
+        QTest::newRow("cmdNo") << "cmdNo" << false;
+        QTest::newRow("Enter") << "Enter" << true;
+        QTest::newRow("Esc") << "Esc" << true;
+        QTest::newRow("close") << "close" << true;
+    }
+    void splashAnswers()
+    {
+        QFETCH(QString, answer);
+        QFETCH(bool, communicate);
+        Splash splash;
+        splash.show();
+        if (answer == QLatin1String("Enter") || answer == QLatin1String("Esc"))
+            QTest::keyClick(&splash, answer == QLatin1String("Enter") ? Qt::Key_Return : Qt::Key_Escape);
+        else if (answer == QLatin1String("close"))
+            splash.close();
+        else
+            QTest::mouseClick(splash.findChild<QPushButton *>(answer), Qt::LeftButton);
+        QVERIFY(!splash.isVisible());
+        QCOMPARE(splash.communicate(), communicate);
+    }
+
+    // Service was logged in before: every attempt logs out first, Annulla (or Escape)
+    // keeps him.
+    void loginAsEachUser_data()
+    {
+        QTest::addColumn<LoginCase>("login");
+        const QString admin = QStringLiteral("Utente: Amministratore");
+        QTest::newRow("technician") << LoginCase{"Tecnico", "Qx7", "cmdOK", "Utente: Tecnico", true};
+        QTest::newRow("admin by Enter") << LoginCase{"Admin", "Wm4", "Enter", admin, false, true};
+        QTest::newRow("password case") << LoginCase{"Tecnico", "qx7", "cmdOK", "Utente: Anonimo", false, false, true};
+        QTest::newRow("Annulla") << LoginCase{"Tecnico", "Qx7", "cmdCancel", admin, false, true};
+        QTest::newRow("Escape") << LoginCase{"Tecnico", "Qx7", "Escape", admin, false, true};
+    }
+    void loginAsEachUser()
+    {
+        QFETCH(LoginCase, login);
+        WindowRig rig;
+        rig.startUp();
+        rig.chooseMenuEntry(QStringLiteral("MenuAcquisizione"), QStringLiteral("MenuErroriCOM"));
+        auto *details = rig.window->alarmsWindow()->findChild<QGroupBox *>(QStringLiteral("Fra_ErroriCOM"));
+        QVERIFY(!details->isVisible());
+        logIn(rig, QStringLiteral("Service"), QStringLiteral("7ubl4ko"));
+        QVERIFY(details->isVisible());
+        QCOMPARE(loginField(rig, "txtPassword")->echoMode(), QLineEdit::Password);
+
+        logIn(rig, login.name, login.password, login.confirm);
+        QCOMPARE(rig.panel(1), login.panel1);
+        QCOMPARE(rig.plant.rt.services.user.IsTechnician, login.technician);
+        QCOMPARE(rig.plant.rt.services.user.IsAdministrator, login.administrator);
+        const QList<RecordingPrompts::Prompt> refusal{
+            {RecordingPrompts::Kind::Warning, QStringLiteral("Accesso"), QStringLiteral("Password errata.")}};
+        QCOMPARE(rig.prompts.asked(), login.refused ? refusal : QList<RecordingPrompts::Prompt>{});
+        // A refused login stays open for another try, with the password cleared.
+        QCOMPARE(rig.window->loginWindow()->isVisible(), login.refused);
+        QCOMPARE(rig.entry(QStringLiteral("MenuLogin"))->isChecked(), login.refused);
+        QCOMPARE(loginField(rig, "txtPassword")->text(), QString());
+        QCOMPARE(details->isVisible(), login.technician || login.administrator);
     }
 };
 
