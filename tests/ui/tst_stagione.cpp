@@ -82,6 +82,30 @@ private slots:
         QVERIFY(rig.prompts.asked().isEmpty());
         QCOMPARE(child<QLabel>(rig, "Lab_Esito")->text(), QStringLiteral("Il file Inverno.prg è stato caricato correttamente."));
 
+        // A recipe chosen outside "Ricetta" is refused; one inside it is named for its
+        // change and, being the next, loaded; then the first one again.
+        rig.plant.writeFile(QStringLiteral("Ricetta/Inverno2.prg"),
+                            "[File]\r\nID=Telvane\r\n[Zona 02]\r\nLinee=1\r\n01=6,4,7;Uno\r\n");
+        QString offered;
+        QString answer = rig.plant.dir.filePath(QStringLiteral("Inverno2.prg"));
+        window->setFileChooser([&](const QString &folder) {
+            offered = folder;
+            return answer;
+        });
+        QTest::mouseClick(child<QPushButton>(rig, "Cmd_Inverno"), Qt::LeftButton);
+        QCOMPARE(offered, rig.plant.dir.filePath(QStringLiteral("Ricetta")));
+        QCOMPARE(rig.prompts.asked().last().kind, Kind::Warning);
+        QCOMPARE(child<QLineEdit>(rig, "Txt_Inverno")->text(), QStringLiteral("Inverno.prg"));
+        answer = rig.plant.dir.filePath(QStringLiteral("Ricetta/Inverno2.prg"));
+        QTest::mouseClick(child<QPushButton>(rig, "Cmd_Inverno"), Qt::LeftButton);
+        QCOMPARE(child<QLineEdit>(rig, "Txt_Inverno")->text(), QStringLiteral("Inverno2.prg"));
+        QCOMPARE(rig.prompts.asked().last(), (Prompt{Kind::Information, Title, "Il file Inverno2.prg è stato caricato correttamente."}));
+        QCOMPARE(rig.plant.rt.model.ini.ReadIniKey("Stagione", "Inverno", "?"), QStringLiteral("Inverno2.prg"));
+        QCOMPARE(child<QListWidget>(rig, "Lst_NomePar")->count(), 1);
+        QCOMPARE(child<QListWidget>(rig, "Lst_Sadd")->item(0)->text(), QStringLiteral("2"));
+        answer = rig.plant.dir.filePath(QStringLiteral("Ricetta/Inverno.prg"));
+        QTest::mouseClick(child<QPushButton>(rig, "Cmd_Inverno"), Qt::LeftButton);
+
         // Seven lists of 31 rows, side by side, scrolled as one.
         QStringList lastRow;
         for (const QString &name : ListNames) {
@@ -155,36 +179,6 @@ private slots:
         QVERIFY(window->isVisible());
         QVERIFY(rig.prompts.asked().isEmpty());
         QCOMPARE(child<QLabel>(rig, "Lab_Esito")->text(), QStringLiteral("Il file Estate.prg è stato caricato correttamente."));
-    }
-
-    // A recipe chosen outside "Ricetta" is refused; one inside it is named for its
-    // change and, being the next, loaded.
-    void chooseRecipe()
-    {
-        WindowRig rig;
-        writePlant(rig);
-        rig.plant.writeFile(QStringLiteral("Ricetta/Inverno2.prg"),
-                            "[File]\r\nID=Telvane\r\n[Zona 02]\r\nLinee=1\r\n01=6,4,7;Uno\r\n");
-        rig.startUp();
-        rig.clickButton(QStringLiteral("5"));
-        QString offered;
-        QString answer = rig.plant.dir.filePath(QStringLiteral("Inverno2.prg"));
-        rig.window->seasonWindow()->setFileChooser([&](const QString &folder) {
-            offered = folder;
-            return answer;
-        });
-        QTest::mouseClick(child<QPushButton>(rig, "Cmd_Inverno"), Qt::LeftButton);
-        QCOMPARE(offered, rig.plant.dir.filePath(QStringLiteral("Ricetta")));
-        QCOMPARE(rig.prompts.asked().last().kind, Kind::Warning);
-        QCOMPARE(child<QLineEdit>(rig, "Txt_Inverno")->text(), QStringLiteral("Inverno.prg"));
-
-        answer = rig.plant.dir.filePath(QStringLiteral("Ricetta/Inverno2.prg"));
-        QTest::mouseClick(child<QPushButton>(rig, "Cmd_Inverno"), Qt::LeftButton);
-        QCOMPARE(child<QLineEdit>(rig, "Txt_Inverno")->text(), QStringLiteral("Inverno2.prg"));
-        QCOMPARE(rig.prompts.asked().last(), (Prompt{Kind::Information, Title, "Il file Inverno2.prg è stato caricato correttamente."}));
-        QCOMPARE(rig.plant.rt.model.ini.ReadIniKey("Stagione", "Inverno", "?"), QStringLiteral("Inverno2.prg"));
-        QCOMPARE(child<QListWidget>(rig, "Lst_NomePar")->count(), 1);
-        QCOMPARE(child<QListWidget>(rig, "Lst_Sadd")->item(0)->text(), QStringLiteral("2"));
     }
 };
 
