@@ -198,8 +198,10 @@ private slots:
         auto *setPoint = page->findChild<QLineEdit *>(QStringLiteral("Txt_CT"));
         EditorRig::retype(setPoint, QStringLiteral("21,5"));
         QTest::keyClick(setPoint, Qt::Key_Return);
+        QCOMPARE(tuesday->item(28)->text(), QStringLiteral("07:00   21.5"));
         QCOMPARE(tuesday->item(29)->text(), QStringLiteral("07:15   21.5"));
         rig.click(page, QStringLiteral("Cmd_OK_CT_0"));
+        QCOMPARE(rig.rig.plant.rt.model.chrono(28, 0, 1), 21.5f);
         QCOMPARE(rig.rig.plant.rt.model.chrono(29, 0, 1), 21.5f);
         QCOMPARE(rig.rig.plant.rt.model.chrono(30, 0, 1), 20.0f);
         const QList<QByteArray> lines = rig.read(QStringLiteral("Crono/Cronotermostato.cts")).split('\n');
