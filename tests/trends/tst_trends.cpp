@@ -84,12 +84,19 @@ private slots:
         QCOMPARE(trace.valueAt(at(240 + 180), 2 * Minute), std::nullopt);
     }
 
-    // Rounds every five seconds for three days: the chart keeps the last day only, its
-    // memory stops growing once the first window is full, and a shorter window forgets
-    // at once.
+    // After a restart the chart starts from the last day logged; then rounds every five
+    // seconds for three days: the chart keeps the last day only, its memory stops growing
+    // once the first window is full, and a shorter window forgets at once.
     void windowSlidesAndMemoryStaysBounded()
     {
+        SettingsFolder dir;
+        dir.write("Dati/2026_11_12.csv", "12/11/2026 23:00:00;1;\r\n");
+        dir.write("Dati/2026_11_13.csv", "13/11/2026 01:00:00;2;\r\n13/11/2026 23:00:00;3;\r\n");
+        ManualClock clock(Start);
         LiveTrend live;
+        live.loadLogged(DailyLog(dir.folder(), clock), Start);
+        QCOMPARE(live.points().trace(1).points().front().value, 2.0f);
+        QCOMPARE(live.points().trace(1).size(), 2);
         int redraws = 0;
         live.onRound = [&redraws] { ++redraws; };
         constexpr int RoundsPerDay = 24 * 60 * 12;
@@ -98,6 +105,8 @@ private slots:
             for (int trace = 1; trace <= 3; ++trace)
                 live.addPoint(trace, Start.addSecs(5 * i), i % 50);
             live.roundFinished();
+            if (i == 0)
+                QCOMPARE(live.points().trace(1).size(), 3);
             if (i == 2 * RoundsPerDay)
                 bytesAfterFirstDay = live.points().bytesHeld();
         }
@@ -112,24 +121,6 @@ private slots:
         live.setWindowMs(30 * Minute);
         QCOMPARE(live.points().trace(1).size(), 30 * 12 + 1);
         QCOMPARE(live.points().trace(1).points().front().ms, last.addSecs(-30 * 60).toMSecsSinceEpoch());
-    }
-
-    // After a restart the chart starts from the last day logged, not from nothing.
-    void startsFromTheLoggedDay()
-    {
-        SettingsFolder dir;
-        dir.write("Dati/2026_11_13.csv", "13/11/2026 09:00:00;1;\r\n13/11/2026 11:00:00;2;\r\n");
-        dir.write("Dati/2026_11_14.csv", "14/11/2026 08:00:00;3;\r\n");
-        const QDateTime now(Day1, QTime(10, 0));
-        ManualClock clock(now);
-        LiveTrend live;
-        live.loadLogged(DailyLog(dir.folder(), clock), now);
-        const auto points = live.points().trace(1).points();
-        QCOMPARE(points.size(), 2u);
-        QCOMPARE(points[0].value, 2.0f);
-        live.addPoint(1, now, 4);
-        live.roundFinished();
-        QCOMPARE(live.points().trace(1).size(), 3);
     }
 
     // Gaps split the line; a range that starts and ends between samples still draws to
