@@ -120,8 +120,8 @@ private slots:
     }
     void cleanup() { rig.reset(); }
 
-    // The window's size and place, then what it shows of the plant while acquiring and
-    // after a stop, and the simulation banner.
+    // The window's size and place, its panels, then what it shows of the plant while
+    // acquiring and after a stop, and the simulation banner.
     void showsThePlant()
     {
         QMdiSubWindow *frame = qobject_cast<QMdiSubWindow *>(synoptic->parentWidget());
@@ -138,6 +138,39 @@ private slots:
         QVERIFY2((planCentre - view()->viewport()->rect().center()).manhattanLength() <= 2, "plan not centred");
         frame->showMaximized();
         QCOMPARE(frame->geometry(), QRect(QPoint(0, 0), workspace));
+
+        // A zone's information panel where it was left, and the webcam panel without a
+        // camera: it says so, and the rest of the plan goes on working.
+        QVERIFY(rt().model.ini.WriteIniKeys({{"Zona 01", "Info_X", "2400"}, {"Zona 01", "Info_Y", "1200"}}));
+        click(markerOf(0));
+        PanelItem *info = synoptic->infoPanel();
+        QVERIFY(info->isVisible());
+        QCOMPARE(info->pos(), QPointF(2400, 1200));
+        QCOMPARE(labelText(info->widget(), "Lab_Nome"), QStringLiteral("Soggiorno"));
+        QCOMPARE(labelText(info->widget(), "Campo_1"), QStringLiteral("30 m²"));
+        click(at(info, info->widget()->findChild<QPushButton *>("Cmd_Chiudi")->geometry().center()));
+        QVERIFY(!info->isVisible());
+        QVERIFY(synoptic->infoPanelClosed());
+
+        rig->camera.failure = QStringLiteral("Nessuna telecamera collegata.");
+        click(centreOf(synoptic->webcamButton()));
+        PanelItem *panelItem = synoptic->webcamPanelItem();
+        QVERIFY(panelItem->isVisible());
+        QCOMPARE(panelItem->pos(), QPointF(300, 300));
+        WebcamPanel *panel = synoptic->webcamPanel();
+        QCOMPARE(labelText(panel, "Lab_Nome_WC"), QStringLiteral("Ingresso"));
+        QCOMPARE(panel->statusText(), QStringLiteral("Nessuna telecamera collegata."));
+        QCOMPARE(rig->camera.starts, 1);
+        QSignalSpy door(synoptic, &Sinottico::doorOpenerClicked);
+        click(centreOf(synoptic->doorButton()));
+        QCOMPARE(door.count(), 1);
+        const QRect audio = panel->findChild<QCheckBox *>("Chk_Audio")->geometry();
+        click(at(panelItem, QPoint(audio.left() + 8, audio.center().y())));
+        QVERIFY(rig->camera.audio);
+        click(at(panelItem, panel->findChild<QPushButton *>("Cmd_ChiudiWC")->geometry().center()));
+        QVERIFY(!panelItem->isVisible());
+        QVERIFY(!rig->camera.isActive());
+        QCOMPARE(rig->camera.stops, 1);
 
         // Set value and reading of zone 1, set value of zone 2 (whose instrument does not answer).
         rig->plant.setValue(1, 3, 1, 215);
@@ -327,42 +360,6 @@ private slots:
         QVERIFY2(qAbs(living->pos().x() - (3000 + 100 * twipsPerPixel)) <= twipsPerPixel,
                  qPrintable(QString::number(living->pos().x())));
         QCOMPARE(key("Zona 01", "X"), QString::number(int(living->pos().x())));
-    }
-
-    // A zone's information panel where it was left, and the webcam panel without a camera:
-    // it says so, and the rest of the plan goes on working.
-    void panels()
-    {
-        QVERIFY(rt().model.ini.WriteIniKeys({{"Zona 01", "Info_X", "2400"}, {"Zona 01", "Info_Y", "1200"}}));
-        click(markerOf(0));
-        PanelItem *info = synoptic->infoPanel();
-        QVERIFY(info->isVisible());
-        QCOMPARE(info->pos(), QPointF(2400, 1200));
-        QCOMPARE(labelText(info->widget(), "Lab_Nome"), QStringLiteral("Soggiorno"));
-        QCOMPARE(labelText(info->widget(), "Campo_1"), QStringLiteral("30 m²"));
-        click(at(info, info->widget()->findChild<QPushButton *>("Cmd_Chiudi")->geometry().center()));
-        QVERIFY(!info->isVisible());
-        QVERIFY(synoptic->infoPanelClosed());
-
-        rig->camera.failure = QStringLiteral("Nessuna telecamera collegata.");
-        click(centreOf(synoptic->webcamButton()));
-        PanelItem *panelItem = synoptic->webcamPanelItem();
-        QVERIFY(panelItem->isVisible());
-        QCOMPARE(panelItem->pos(), QPointF(300, 300));
-        WebcamPanel *panel = synoptic->webcamPanel();
-        QCOMPARE(labelText(panel, "Lab_Nome_WC"), QStringLiteral("Ingresso"));
-        QCOMPARE(panel->statusText(), QStringLiteral("Nessuna telecamera collegata."));
-        QCOMPARE(rig->camera.starts, 1);
-        QSignalSpy door(synoptic, &Sinottico::doorOpenerClicked);
-        click(centreOf(synoptic->doorButton()));
-        QCOMPARE(door.count(), 1);
-        const QRect audio = panel->findChild<QCheckBox *>("Chk_Audio")->geometry();
-        click(at(panelItem, QPoint(audio.left() + 8, audio.center().y())));
-        QVERIFY(rig->camera.audio);
-        click(at(panelItem, panel->findChild<QPushButton *>("Cmd_ChiudiWC")->geometry().center()));
-        QVERIFY(!panelItem->isVisible());
-        QVERIFY(!rig->camera.isActive());
-        QCOMPARE(rig->camera.stops, 1);
     }
 };
 
