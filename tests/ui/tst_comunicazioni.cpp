@@ -13,7 +13,6 @@
 #include <QListView>
 #include <QListWidget>
 #include <QMenu>
-#include <QLoggingCategory>
 #include <QPrintPreviewDialog>
 #include <QPrintPreviewWidget>
 #include <QPushButton>
@@ -87,11 +86,7 @@ class TestComunicazioni : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase()
-    {
-        QLoggingCategory::setFilterRules(QStringLiteral("telvane.*.debug=false"));
-        QLocale::setDefault(QLocale::c());
-    }
+    void initTestCase() { QLocale::setDefault(QLocale::c()); }
 
     // Opened on the lists as built; a bad value blocks its page and closing without
     // confirming writes nothing; the port and zone pages save and are in force at once;

@@ -17,7 +17,6 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTableView>
-#include <QLoggingCategory>
 #include <QTest>
 #include <QToolButton>
 
@@ -78,8 +77,6 @@ class TestMainForm : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase() { QLoggingCategory::setFilterRules(QStringLiteral("telvane.*.debug=false")); }
-
     // The menu bar, button "8"'s drop-down and the keys give the same commands; the blink
     // of an alarm alternates the red alarm picture with the acquiring one; the title says
     // when the plant is simulated; some commands wait for a stop.

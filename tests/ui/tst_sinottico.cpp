@@ -19,7 +19,6 @@
 #include <QGraphicsView>
 #include <QImage>
 #include <QLabel>
-#include <QLoggingCategory>
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QPushButton>
@@ -102,8 +101,6 @@ class TestSinottico : public QObject
     }
 
 private slots:
-    void initTestCase() { QLoggingCategory::setFilterRules(QStringLiteral("telvane.*.debug=false")); }
-
     void init()
     {
         rig = std::make_unique<WindowRig>();

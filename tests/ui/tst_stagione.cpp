@@ -9,7 +9,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
-#include <QLoggingCategory>
 #include <QMdiSubWindow>
 #include <QProgressBar>
 #include <QPushButton>
@@ -63,8 +62,6 @@ private:
     }
 
 private slots:
-    void initTestCase() { QLoggingCategory::setFilterRules(QStringLiteral("telvane.*.debug=false")); }
-
     // Button "5" opens the window on the next change's recipe; the operator confirms
     // and the rows go out with the progress shown, the season becomes winter.
     void sendFromTheWindow()

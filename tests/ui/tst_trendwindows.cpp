@@ -93,7 +93,7 @@ class TestTrendWindows : public QObject
 private slots:
     void initTestCase()
     {
-        QLoggingCategory::setFilterRules(QStringLiteral("telvane.*.debug=false\ntelvane.storage.warning=false"));
+        QLoggingCategory::setFilterRules(QStringLiteral("telvane.storage.warning=false"));
         QLocale::setDefault(QLocale(QLocale::Italian, QLocale::Italy));
     }
     void cleanup() { rig.reset(); }

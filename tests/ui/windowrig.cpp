@@ -16,10 +16,12 @@ namespace {
 QtMessageHandler forwardedHandler = nullptr;
 
 // The offscreen platform says for every popup that it cannot raise windows or grab the
-// keyboard; that is noise here, everything else goes on to the test's log.
+// keyboard, and the program's debug lines tell every exchange; that is noise here,
+// everything else goes on to the test's log.
 void dropOffscreenNotices(QtMsgType type, const QMessageLogContext &context, const QString &message)
 {
-    if (message.startsWith(QLatin1String("This plugin does not support")))
+    if (message.startsWith(QLatin1String("This plugin does not support"))
+        || (type == QtDebugMsg && context.category && qstrncmp(context.category, "telvane.", 8) == 0))
         return;
     if (forwardedHandler)
         forwardedHandler(type, context, message);
