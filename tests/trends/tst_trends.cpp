@@ -125,7 +125,7 @@ private slots:
 
     // Gaps split the line; a range that starts and ends between samples still draws to
     // the edges from the samples just outside it.
-    void drawnLinesBreakAtGapsAndReachTheEdges()
+    void drawnLines()
     {
         const std::vector<TrendPoint> gapped = {{0, 1}, {10, 2}, {20, TrendGap}, {30, TrendGap}, {40, 5}, {50, 6}};
         auto segments = drawnSegments(gapped, 0, 50, 100);
@@ -139,18 +139,15 @@ private slots:
         QCOMPARE(segments[0].front().ms, 200);
         QCOMPARE(segments[0].back().ms, 600);
         QCOMPARE(segments[0].size(), 5u);
-    }
 
-    // A day at five-second rounds on a chart 800 pixels wide: at most four samples per
-    // column are drawn, in time order, every peak and trough is still there, and the
-    // reduction does not bridge a gap either.
-    void reductionKeepsExtremesAndGaps()
-    {
+        // A day at five-second rounds on a chart 800 pixels wide: at most four samples per
+        // column are drawn, in time order, every peak and trough is still there, and the
+        // reduction does not bridge a gap either.
         auto points = ramp(17280, 5000);
         points[5000].value = 250;
         points[12000].value = -40;
         const qint64 to = points.back().ms;
-        auto segments = drawnSegments(points, 0, to, 800);
+        segments = drawnSegments(points, 0, to, 800);
         QCOMPARE(segments.size(), 1u);
         const auto &drawn = segments[0];
         QVERIFY(drawn.size() <= 4 * 801);
@@ -292,47 +289,41 @@ private slots:
     }
 
     // A colour picked on screen goes to the file in blue-green-red order and the chart
-    // reads back the same colour; the stored forms the old files hold show as meant.
-    void chartColours()
+    // reads back the same colour; the stored forms old files hold show as meant. A zoom
+    // or scroll never leaves the absolute limits; the displayed limits and the
+    // information box's place are written back, the rest of the file kept.
+    void chartKeys()
     {
         SettingsFolder dir;
-        IniStore store = dir.store("[Zona 02]\r\nNome=Cucina\r\nColore=&HFF\r\n");
+        IniStore store = dir.store("[Grafico]\r\nT_Max=50\r\nInfo_X=450\r\nInfo_Y=900\r\n"
+                                   "[Zona 02]\r\nNome=Cucina\r\nColore=&HFF\r\n");
+        QCOMPARE(readInfoPosition(store).x, 450);
+        // Never moved: a little inside the plot's corner, not over its axis labels.
+        QCOMPARE(readInfoPosition(dir.store("[Grafico]\r\n", QStringLiteral("Telvane1.ini"))).y, 1000);
         QVERIFY(writeTraceColor(store, 1, storedColor(0x12, 0x34, 0x56)));
         QVERIFY(writeChartColor(store, "Colore_Sfondo", storedColor(0, 0, 0x80)));
-        QVERIFY(dir.read(SettingsFolder::Industrial).contains("Colore=&H563412\r\n"));
-        QVERIFY(dir.read(SettingsFolder::Industrial).contains("Nome=Cucina\r\n"));
+        QVERIFY(writeValueLimits(store, -12.5, 37));
+        QVERIFY(writeInfoPosition(store, {150, 300}));
+        const QByteArray file = dir.read(SettingsFolder::Industrial);
+        QVERIFY2(file.contains("[Zona 02]\r\nNome=Cucina\r\nColore=&H563412\r\n"), file.constData());
+        QVERIFY2(file.contains("T_Max=37\r\n") && file.contains("T_Min=-12.5\r\n"), file.constData());
+        QCOMPARE(readInfoPosition(store).y, 300);
         const ChartSettings chart = LoadChartSettings(store, {"Soggiorno", "Cucina"});
         QCOMPARE(screenColor(chart.traceColors[1]), (ScreenColor{0x12, 0x34, 0x56}));
         QCOMPARE(chart.background, 0x800000u);
+        QCOMPARE(chart.displayMin, -12.5f);
 
         QCOMPARE(screenColor(0x000000FFu), (ScreenColor{255, 0, 0}));
         QCOMPARE(screenColor(0x00FF0000u), (ScreenColor{0, 0, 255}));
         QCOMPARE(screenColor(0xFFFF80FFu), (ScreenColor{255, 128, 0})); // widened to four digits
         QCOMPARE(screenColor(0xFFFFFF00u), (ScreenColor{0, 255, 0}));
         QCOMPARE(screenColor(0x80000008u), (ScreenColor{0, 0, 0, SystemWindowTextIndex}));
-    }
 
-    // A zoom or scroll never leaves the absolute limits; the displayed limits and the
-    // information box's place are written back.
-    void chartLimitsAndInfoBox()
-    {
         QCOMPARE(clamped(190, 230), std::pair(160.0, 200.0));
         QCOMPARE(clamped(-250, -150), std::pair(-200.0, -100.0));
         QCOMPARE(clamped(-500, 500), std::pair(-200.0, 200.0));
         QCOMPARE(clamped(30, 10), std::pair(10.0, 30.0));
         QCOMPARE(clamped(20, 20), std::pair(20.0, 21.0));
-
-        SettingsFolder dir;
-        IniStore store = dir.store("[Grafico]\r\nT_Max=50\r\nInfo_X=450\r\nInfo_Y=900\r\n");
-        QCOMPARE(readInfoPosition(store).x, 450);
-        // Never moved: a little inside the plot's corner, not over its axis labels.
-        QCOMPARE(readInfoPosition(dir.store("[Grafico]\r\n", QStringLiteral("Telvane1.ini"))).y, 1000);
-        QVERIFY(writeValueLimits(store, -12.5, 37));
-        QVERIFY(writeInfoPosition(store, {150, 300}));
-        const QByteArray file = dir.read(SettingsFolder::Industrial);
-        QVERIFY2(file.contains("T_Max=37\r\n") && file.contains("T_Min=-12.5\r\n"), file.constData());
-        QCOMPARE(readInfoPosition(store).y, 300);
-        QCOMPARE(LoadChartSettings(store, {}).displayMin, -12.5f);
     }
 };
 
