@@ -101,8 +101,8 @@ private slots:
     // No "Grafico" section: a white chart with a black grid from -50 to 50; zone 1 red,
     // a long name cut to 20 characters without its trailing blank, empty positions
     // dashed. Then a colour chosen, live rounds with failed readings, the cursor and the
-    // information box dragged.
-    void liveChart()
+    // information box dragged; then the history window.
+    void liveChartAndHistory()
     {
         startUp();
         rig->clickButton(QStringLiteral("3"));
@@ -187,39 +187,12 @@ private slots:
                  settingsFile().constData());
         dragBy(QPointF(-5000, -5000));
         QCOMPARE(box->pos(), QPoint(0, 0));
-    }
 
-    // Zooming the value axis out stops at the absolute limits, which are then saved as
-    // the displayed ones.
-    void valueZoomBoundedAndSaved()
-    {
-        startUp("[Grafico]\r\nT_Max_Ass=100\r\nT_Min_Ass=-20\r\nT_Max=30\r\nT_Min=10\r\n");
-        rig->clickButton(QStringLiteral("3"));
-        TrendChart &chart = rig->window->trendWindow()->panel().chart();
-        QCOMPARE(valueAxis(chart)->min(), 10.0);
-        const QPoint middle = chart.viewport()->rect().center();
-        for (int i = 0; i < 20; ++i) {
-            QWheelEvent wheel(middle, chart.viewport()->mapToGlobal(middle), {}, QPoint(0, -120), Qt::NoButton,
-                              Qt::ControlModifier, Qt::NoScrollPhase, false);
-            QApplication::sendEvent(chart.viewport(), &wheel);
-        }
-        QCOMPARE(valueAxis(chart)->min(), -20.0);
-        QCOMPARE(valueAxis(chart)->max(), 100.0);
-        auto *save = rig->window->trendWindow()->findChild<QTimer *>(QStringLiteral("SalvaLimiti"));
-        QVERIFY(save && save->isActive());
-        save->setInterval(0);
-        save->start();
-        QTRY_VERIFY2(settingsFile().contains("T_Max=100\r\n") && settingsFile().contains("T_Min=-20\r\n"),
-                     settingsFile().constData());
-    }
-
-    // The calendar marks the days that have a file (also one written while the window was
-    // closed); a day without a file says so; a damaged day draws its points before the
-    // damage and tells which day it was; a range goes to one spreadsheet file in the
-    // Italian way; without a printer the chart goes to a PDF and the operator is told where.
-    void history()
-    {
-        startUp();
+        // The history: the calendar marks the days that have a file (also one written while
+        // the window was closed); a day without a file says so; a damaged day draws its
+        // points before the damage and tells which day it was; a range goes to one
+        // spreadsheet file in the Italian way; without a printer the chart goes to a PDF
+        // and the operator is told where.
         Storico *history = rig->window->historyWindow();
         QCalendarWidget &calendar = history->calendar();
         calendar.setCurrentPage(2026, 11);
@@ -268,6 +241,30 @@ private slots:
         QVERIFY(readAll(pdf).startsWith("%PDF"));
         QCOMPARE(rig->prompts.asked().size(), 3);
         QVERIFY(rig->prompts.asked().last().text.endsWith(QDir::toNativeSeparators(pdf)));
+    }
+
+    // Zooming the value axis out stops at the absolute limits, which are then saved as
+    // the displayed ones.
+    void valueZoomBoundedAndSaved()
+    {
+        startUp("[Grafico]\r\nT_Max_Ass=100\r\nT_Min_Ass=-20\r\nT_Max=30\r\nT_Min=10\r\n");
+        rig->clickButton(QStringLiteral("3"));
+        TrendChart &chart = rig->window->trendWindow()->panel().chart();
+        QCOMPARE(valueAxis(chart)->min(), 10.0);
+        const QPoint middle = chart.viewport()->rect().center();
+        for (int i = 0; i < 20; ++i) {
+            QWheelEvent wheel(middle, chart.viewport()->mapToGlobal(middle), {}, QPoint(0, -120), Qt::NoButton,
+                              Qt::ControlModifier, Qt::NoScrollPhase, false);
+            QApplication::sendEvent(chart.viewport(), &wheel);
+        }
+        QCOMPARE(valueAxis(chart)->min(), -20.0);
+        QCOMPARE(valueAxis(chart)->max(), 100.0);
+        auto *save = rig->window->trendWindow()->findChild<QTimer *>(QStringLiteral("SalvaLimiti"));
+        QVERIFY(save && save->isActive());
+        save->setInterval(0);
+        save->start();
+        QTRY_VERIFY2(settingsFile().contains("T_Max=100\r\n") && settingsFile().contains("T_Min=-20\r\n"),
+                     settingsFile().constData());
     }
 };
 

@@ -27,6 +27,14 @@ void dropOffscreenNotices(QtMsgType type, const QMessageLogContext &context, con
         forwardedHandler(type, context, message);
 }
 
+// Clicks `entry` inside the open popup `menu`.
+void clickMenuEntry(QMenu *menu, QAction *entry)
+{
+    const QRect where = menu->actionGeometry(entry);
+    QVERIFY(where.isValid());
+    QTest::mouseClick(menu, Qt::LeftButton, {}, where.center());
+}
+
 } // namespace
 
 WindowRig::WindowRig()
@@ -94,13 +102,6 @@ void WindowRig::chooseMenuEntry(const QString &menuName, const QString &entryNam
     QTest::mouseClick(bar, Qt::LeftButton, {}, bar->actionGeometry(menu->menuAction()).center());
     QVERIFY2(menu->isVisible(), qPrintable(menuName));
     clickMenuEntry(menu, chosen);
-}
-
-void clickMenuEntry(QMenu *menu, QAction *entry)
-{
-    const QRect where = menu->actionGeometry(entry);
-    QVERIFY(where.isValid());
-    QTest::mouseClick(menu, Qt::LeftButton, {}, where.center());
 }
 
 } // namespace telvane
