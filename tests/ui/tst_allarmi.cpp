@@ -17,35 +17,6 @@ class TestAllarmi : public QObject
 {
     Q_OBJECT
 
-private:
-    // Started, with a switch whose instrument has gone silent: every read of it fails.
-    static void startWithSilentSwitch(WindowRig &rig)
-    {
-        rig.startUp();
-        rig.plant.rt.model.plant.switches.resize(1);
-        rig.plant.rt.model.plant.switches[0].name = QStringLiteral("Pompa");
-        SwitchTable &table = rig.plant.rt.model.editor.tables.SwitchReadTable;
-        table.set(0, SwitchSlot::Address, 7);
-        table.set(0, SwitchSlot::OnFunction, 1);
-        table.set(0, SwitchSlot::OnRegister, 3);
-        rig.plant.rt.model.plant.synoptic.alarmSound = QStringLiteral("allarme.wav");
-    }
-    // Reads the plant through the drop-down as often as asked; the first starts acquisition.
-    static void readPlant(WindowRig &rig, int times)
-    {
-        for (int i = 0; i < times; ++i)
-            rig.chooseFromAcquisitionButton(QStringLiteral("Start"));
-    }
-    static QStringList rows(WindowRig &rig, const char *list)
-    {
-        const QAbstractItemModel *model =
-            rig.window->alarmsWindow()->findChild<QListView *>(QLatin1String(list))->model();
-        QStringList texts;
-        for (int row = 0; row < model->rowCount(); ++row)
-            texts.append(model->index(row, 0).data().toString());
-        return texts;
-    }
-
 private slots:
     void initTestCase() { QLoggingCategory::setFilterRules(QStringLiteral("telvane.fieldbus.warning=false")); }
 
@@ -55,11 +26,31 @@ private slots:
     // again from nothing.
     void sixthFailureListedUntilClosed()
     {
+        // Started, with a switch whose instrument has gone silent: every read of it fails.
         WindowRig rig;
-        startWithSilentSwitch(rig);
+        rig.startUp();
+        rig.plant.rt.model.plant.switches.resize(1);
+        rig.plant.rt.model.plant.switches[0].name = QStringLiteral("Pompa");
+        SwitchTable &switches = rig.plant.rt.model.editor.tables.SwitchReadTable;
+        switches.set(0, SwitchSlot::Address, 7);
+        switches.set(0, SwitchSlot::OnFunction, 1);
+        switches.set(0, SwitchSlot::OnRegister, 3);
+        rig.plant.rt.model.plant.synoptic.alarmSound = QStringLiteral("allarme.wav");
+        // Reads the plant through the drop-down as often as asked; the first starts acquisition.
+        const auto readPlant = [&rig](int times) {
+            for (int i = 0; i < times; ++i)
+                rig.chooseFromAcquisitionButton(QStringLiteral("Start"));
+        };
+        const auto rows = [&rig](const char *list) {
+            const QAbstractItemModel *model = rig.window->alarmsWindow()->findChild<QListView *>(QLatin1String(list))->model();
+            QStringList texts;
+            for (int row = 0; row < model->rowCount(); ++row)
+                texts.append(model->index(row, 0).data().toString());
+            return texts;
+        };
         // A technician sees each item's failures and may acknowledge without closing.
         rig.plant.rt.services.user.IsTechnician = true;
-        readPlant(rig, 3);
+        readPlant(3);
         rig.clickButton(QStringLiteral("8"));
         Allarmi *alarms = rig.window->alarmsWindow();
         const QAbstractItemModel *table = alarms->findChild<QTableView *>(QStringLiteral("Tab_ErroriCOM"))->model();
@@ -79,13 +70,13 @@ private slots:
         QCOMPARE(journal->item(0, 2)->text(), QStringLiteral("Stop"));
         alarms->close();
 
-        readPlant(rig, 5);
-        QCOMPARE(rows(rig, "Lst_AllarmiI"), QStringList());
+        readPlant(5);
+        QCOMPARE(rows("Lst_AllarmiI"), QStringList());
         QVERIFY(!rig.supervisor.alarmIndication().AlarmBlinkActive());
-        readPlant(rig, 1);
+        readPlant(1);
         const QString when = rig.plant.clock.now().toString(QLatin1String(DateTimeTextFormat));
-        QCOMPARE(rows(rig, "Lst_AllarmiI"), QStringList{QStringLiteral("Pompa (%1)").arg(when)});
-        QCOMPARE(rows(rig, "Lst_AllarmiZ"), QStringList());
+        QCOMPARE(rows("Lst_AllarmiI"), QStringList{QStringLiteral("Pompa (%1)").arg(when)});
+        QCOMPARE(rows("Lst_AllarmiZ"), QStringList());
         // The blink alternates the button's images and sounds the alarm on one phase.
         rig.supervisor.alarmIndication().Timer_LampeggioTick();
         QCOMPARE(rig.acquisitionImage(), AcquisitionState::StandbyImage);
@@ -104,13 +95,13 @@ private slots:
             QVERIFY(alarms->windowFlags().testFlag(Qt::WindowStaysOnTopHint));
             close();
             QVERIFY2(!alarms->isVisible(), way);
-            QVERIFY2(rows(rig, "Lst_AllarmiI").isEmpty(), way);
+            QVERIFY2(rows("Lst_AllarmiI").isEmpty(), way);
             QVERIFY2(!rig.supervisor.alarmIndication().AlarmBlinkActive(), way);
             QCOMPARE(rig.acquisitionImage(), AcquisitionState::AcquiringImage);
-            readPlant(rig, 5);
-            QVERIFY2(rows(rig, "Lst_AllarmiI").isEmpty(), way);
-            readPlant(rig, 1);
-            QVERIFY2(rows(rig, "Lst_AllarmiI").size() == 1, way);
+            readPlant(5);
+            QVERIFY2(rows("Lst_AllarmiI").isEmpty(), way);
+            readPlant(1);
+            QVERIFY2(rows("Lst_AllarmiI").size() == 1, way);
         }
     }
 };

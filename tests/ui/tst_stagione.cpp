@@ -26,25 +26,6 @@ using Prompt = RecordingPrompts::Prompt;
 const QString Title = QStringLiteral("Configurazione strumenti");
 const QStringList ListNames{"Lst_nDev", "Lst_Dev", "Lst_Sadd", "Lst_FC", "Lst_MB", "Lst_MBVal", "Lst_NomePar"};
 
-// The industrial plant: two zones on slaves 1 and 2, in summer. The winter recipe
-// writes 30 set points to zone 1 and one to zone 2, more rows than the lists show.
-void writePlant(WindowRig &rig)
-{
-    rig.plant.writeFile(QStringLiteral("Telvane2.ini"),
-                        "[Generale]\r\nZone=2\r\n[Zona 01]\r\nNome=Ufficio\r\nIndirizzo=1\r\n"
-                        "[Zona 02]\r\nNome=Magazzino\r\nIndirizzo=2\r\n"
-                        "[Stagione]\r\nAttuale=0\r\nInverno=Inverno.prg\r\nEstate=Estate.prg\r\n");
-    QByteArray zone1 = "[Zona 01]\r\nIntervallo=10\r\nLinee=30\r\n";
-    for (int line = 1; line <= 30; ++line)
-        zone1 += QStringLiteral("%1=6,%2,%3;Parametro %2\r\n").arg(line, 2, 10, QLatin1Char('0')).arg(line).arg(line * 10)
-                     .toLatin1();
-    rig.plant.writeFile(QStringLiteral("Ricetta/Inverno.prg"),
-                        "[File]\r\nID=Telvane\r\n" + zone1 + "[Zona 02]\r\nLinee=1\r\n01=5,1,1;Remoto\r\n");
-    rig.plant.writeFile(QStringLiteral("Ricetta/Estate.prg"), "[File]\r\nID=Telvane\r\n");
-    rig.plant.slaves = {1, 2};
-    rig.supervisor.setCommunicateWithInstruments(true);
-}
-
 } // namespace
 
 class TestStagione : public QObject
@@ -67,7 +48,21 @@ private slots:
     void sendFromTheWindow()
     {
         WindowRig rig;
-        writePlant(rig);
+        // The industrial plant: two zones on slaves 1 and 2, in summer. The winter recipe
+        // writes 30 set points to zone 1 and one to zone 2, more rows than the lists show.
+        rig.plant.writeFile(QStringLiteral("Telvane2.ini"),
+                            "[Generale]\r\nZone=2\r\n[Zona 01]\r\nNome=Ufficio\r\nIndirizzo=1\r\n"
+                            "[Zona 02]\r\nNome=Magazzino\r\nIndirizzo=2\r\n"
+                            "[Stagione]\r\nAttuale=0\r\nInverno=Inverno.prg\r\nEstate=Estate.prg\r\n");
+        QByteArray zone1 = "[Zona 01]\r\nIntervallo=10\r\nLinee=30\r\n";
+        for (int line = 1; line <= 30; ++line)
+            zone1 += QStringLiteral("%1=6,%2,%3;Parametro %2\r\n").arg(line, 2, 10, QLatin1Char('0')).arg(line).arg(line * 10)
+                         .toLatin1();
+        rig.plant.writeFile(QStringLiteral("Ricetta/Inverno.prg"),
+                            "[File]\r\nID=Telvane\r\n" + zone1 + "[Zona 02]\r\nLinee=1\r\n01=5,1,1;Remoto\r\n");
+        rig.plant.writeFile(QStringLiteral("Ricetta/Estate.prg"), "[File]\r\nID=Telvane\r\n");
+        rig.plant.slaves = {1, 2};
+        rig.supervisor.setCommunicateWithInstruments(true);
         rig.startUp();
         rig.clickButton(QStringLiteral("5"));
         Stagione *window = rig.window->seasonWindow();
