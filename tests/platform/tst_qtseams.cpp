@@ -123,13 +123,10 @@ class TestQtSeams : public QObject
     QWidget m_window;
     MessageBoxPrompts m_prompts;
 
-private slots:
-    void init()
-    {
-        m_prompts.setParent(&m_window);
-        seen = {};
-    }
+public:
+    TestQtSeams() { m_prompts.setParent(&m_window); }
 
+private slots:
     // A question opens over the window with Sì and No, Escape being No; a text input
     // keeps what was typed, a comma included, and Escape gives nothing.
     void questionAndTextInput()
