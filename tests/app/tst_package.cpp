@@ -53,13 +53,23 @@ private slots:
 
         const QString root = QDir(work.path()).filePath(QStringLiteral("root"));
         run(QStringLiteral("dpkg-deb"), {"-x", package, root});
-        for (const char *file : {"usr/bin/telvane-probe", "usr/share/applications/telvane.desktop",
+        for (const char *file : {"usr/share/applications/telvane.desktop",
                                  "usr/share/icons/hicolor/scalable/apps/telvane.svg", "usr/share/doc/telvane/README.md",
                                  "usr/share/doc/telvane/demo-plant/Telvane1.ini", "usr/lib/systemd/system/telvane-headless@.service"})
             QVERIFY2(QFile::exists(QDir(root).filePath(QLatin1String(file))), file);
 
         const QByteArray version = run(QDir(root).filePath(QStringLiteral("usr/bin/telvane")), {"--version"});
         QCOMPARE(version, QByteArray("Telvane " TELVANE_VERSION "\n"));
+        // The probe runs from there too; a port that does not even name a device is a
+        // wrong argument, refused before any line is touched.
+        const QString probePath = QDir(root).filePath(QStringLiteral("usr/bin/telvane-probe"));
+        QVERIFY(run(probePath, {"--help"}).contains("--repeat"));
+        QProcess probe;
+        probe.start(probePath, {"--port", "??", "--slave", "1", "--fc", "3", "--address", "1"});
+        QVERIFY(probe.waitForFinished(10000));
+        QCOMPARE(probe.exitCode(), 2);
+        const QByteArray refusal = probe.readAllStandardError();
+        QVERIFY2(refusal.contains("??") && refusal.contains("--help"), refusal.constData());
 
         // The unit starts the program the package installed, on the instance's folder.
         QFile unit(QDir(root).filePath(QStringLiteral("usr/lib/systemd/system/telvane-headless@.service")));
