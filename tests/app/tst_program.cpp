@@ -1,7 +1,7 @@
-// The built telvane as a user starts it, without a slave: its command line, the headless
-// mode on the demo plant in simulation, and the window opening on whatever the plant
+// The built programs as a user starts them, without a slave: telvane's command line, the
+// headless mode on the demo plant in simulation, the window opening on whatever the plant
 // folder holds (on the offscreen platform, with no sound device, saving a picture of
-// itself as the documentation's screenshots are taken).
+// itself as the documentation's screenshots are taken), and the Debian package.
 
 #include "support/settingsfixture.h"
 
@@ -15,14 +15,14 @@ namespace {
 
 struct Run
 {
-    int exitCode = -1;
+    int exitCode = -1; // -1 also when it crashed or never ended
     QString out;
     QString err;
 };
 
 // Without a display unless `platform` is given, on a machine whose locale is `locale`.
-Run runTelvane(const QStringList &arguments, const QString &locale = QStringLiteral("C.UTF-8"),
-               const QString &platform = {})
+Run runProgram(const QString &program, const QStringList &arguments, const QString &locale = QStringLiteral("C.UTF-8"),
+               const QString &platform = {}, const QString &workingDir = {})
 {
     QProcess process;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
@@ -32,12 +32,26 @@ Run runTelvane(const QStringList &arguments, const QString &locale = QStringLite
     if (!platform.isEmpty())
         environment.insert(QStringLiteral("QT_QPA_PLATFORM"), platform);
     process.setProcessEnvironment(environment);
-    process.start(QStringLiteral(TELVANE_PROGRAM), arguments);
+    process.setWorkingDirectory(workingDir);
+    process.start(program, arguments);
     Run run;
-    if (process.waitForFinished(60000) && process.exitStatus() == QProcess::NormalExit)
+    if (process.waitForFinished(240000) && process.exitStatus() == QProcess::NormalExit)
         run = {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
                QString::fromUtf8(process.readAllStandardError())};
     return run;
+}
+
+Run runTelvane(const QStringList &arguments, const QString &locale = QStringLiteral("C.UTF-8"), const QString &platform = {})
+{
+    return runProgram(QStringLiteral(TELVANE_PROGRAM), arguments, locale, platform);
+}
+
+// The standard output of a run that must succeed; the test fails when it does not.
+QString succeeded(const QString &program, const QStringList &arguments, const QString &workingDir = {})
+{
+    const Run run = runProgram(program, arguments, QStringLiteral("C.UTF-8"), {}, workingDir);
+    [&] { QVERIFY2(run.exitCode == 0, qPrintable(program + ' ' + arguments.join(' ') + ": " + run.err)); }();
+    return run.out;
 }
 
 // The shipped demo plant in a folder of the test's own.
@@ -170,6 +184,59 @@ private slots:
         QVERIFY2(image.width() >= 640 && image.height() >= 400, qPrintable(run.err));
         for (const char *name : {"Dati", "Crono", "Ricetta"})
             QVERIFY2(QDir(plant).exists(QLatin1String(name)), name);
+    }
+    // The Debian package built from this build folder, unpacked into a folder of the
+    // test's own as dpkg would install it: the programs run from there, and the desktop
+    // entry, the icon, the documents and the unit of the headless mode are where Debian
+    // looks for them.
+    void debianPackage()
+    {
+        QTemporaryDir work;
+        QVERIFY(work.isValid());
+        succeeded(QStringLiteral("cpack"), {"-G", "DEB", "-B", work.path(), "--config", TELVANE_BINARY_DIR "/CPackConfig.cmake"},
+                  work.path());
+        if (QTest::currentTestFailed())
+            return;
+        const QStringList packages = QDir(work.path()).entryList({QStringLiteral("telvane_*.deb")}, QDir::Files);
+        QCOMPARE(packages.size(), 1);
+        const QString package = QDir(work.path()).filePath(packages.first());
+
+        // What the package asks dpkg for: Qt itself, found from the programs' libraries.
+        const QString depends = succeeded(QStringLiteral("dpkg-deb"), {"--field", package, "Depends"});
+        for (const char *library : {"libqt6core6", "libqt6widgets6", "qt6-qpa-plugins"})
+            QVERIFY2(depends.contains(QLatin1String(library)), qPrintable(depends));
+
+        const QDir root(QDir(work.path()).filePath(QStringLiteral("root")));
+        succeeded(QStringLiteral("dpkg-deb"), {"-x", package, root.path()});
+        for (const char *file : {"usr/share/applications/telvane.desktop",
+                                 "usr/share/icons/hicolor/scalable/apps/telvane.svg", "usr/share/doc/telvane/README.md",
+                                 "usr/share/doc/telvane/demo-plant/Telvane1.ini", "usr/lib/systemd/system/telvane-headless@.service"})
+            QVERIFY2(QFile::exists(root.filePath(QLatin1String(file))), file);
+        QCOMPARE(succeeded(root.filePath(QStringLiteral("usr/bin/telvane")), {"--version"}),
+                 QStringLiteral("Telvane " TELVANE_VERSION "\n"));
+
+        // The probe runs from there too; a port that does not even name a device is a
+        // wrong argument, refused before any line is touched.
+        const QString probe = root.filePath(QStringLiteral("usr/bin/telvane-probe"));
+        QVERIFY(succeeded(probe, {"--help"}).contains(QStringLiteral("--repeat")));
+        const Run refused = runProgram(probe, {"--port", "??", "--slave", "1", "--fc", "3", "--address", "1"});
+        QCOMPARE(refused.exitCode, 2);
+        QVERIFY2(refused.err.contains(QStringLiteral("??")) && refused.err.contains(QStringLiteral("--help")),
+                 qPrintable(refused.err));
+
+        // The unit starts the program the package installed, on the instance's folder.
+        QFile unit(root.filePath(QStringLiteral("usr/lib/systemd/system/telvane-headless@.service")));
+        QVERIFY(unit.open(QIODevice::ReadOnly));
+        QByteArray text = unit.readAll();
+        QVERIFY(text.contains("\nExecStart=/usr/bin/telvane --headless --communicate --dir /var/lib/telvane/%i\n"));
+        // And systemd finds nothing wrong with an instance of it, run from where it was unpacked.
+        QFile instance(QDir(work.path()).filePath(QStringLiteral("telvane-headless@demo.service")));
+        QVERIFY(instance.open(QIODevice::WriteOnly));
+        instance.write(text.replace("/usr/bin/telvane", root.filePath(QStringLiteral("usr/bin/telvane")).toUtf8()));
+        instance.close();
+        // A doubtful setting is only a warning, but a warning all the same.
+        const Run verify = runProgram(QStringLiteral("systemd-analyze"), {"verify", "--man=no", instance.fileName()});
+        QVERIFY2(verify.exitCode == 0 && (verify.out + verify.err).trimmed().isEmpty(), qPrintable(verify.out + verify.err));
     }
 };
 
