@@ -14,22 +14,26 @@ using namespace telvane;
 
 namespace {
 
-// Wednesday 18 November 2026 is a holiday. Zone 1 follows the schedule with 1 decimal,
-// zone 2 does not follow it, zone 3 follows it with none; zone 4 is enabled but not in
-// the plant. Quantity k of zone z goes to register 0x10 * z + k of slave z, and `Zone
-// Crono` sends AL3. Each set point tells its day and slot: day * 100 + slot, plus 0.7
-// that zone 3's decimals cut away.
-struct ChronoFixture : RuntimeFixture
+// Wednesday 18 November 2026 is a holiday. Zone k is on slave k, quantity q of it
+// written to register 0x10 * k + q.
+// The chrono-thermostat: zone 1 follows it with 1 decimal, zone 2 does not, zone 3
+// follows it with none; zone 5 is enabled but not in the plant; `Zone Crono` sends AL3.
+// Each set point tells its day and slot: day * 100 + slot, plus 0.7 that zone 3's
+// decimals cut away.
+// The clocks: zone 1 takes the hour, minute and weekday, zone 2 the hour only, with
+// code 8; zone 3 has no clock keys, zone 4 has one but no instrument address.
+struct TimedFixture : RuntimeFixture
 {
     ChronoThermostat chrono{rt.model, rt.services.master, clock};
+    ClockAlignment alignment{rt.model, rt.services.master, clock};
 
-    ChronoFixture()
+    TimedFixture()
     {
         rt.model.editor.chronoThermostat = true;
         rt.model.plant.zoneDisplay.chronoQuantity = 4;
         rt.model.holidays.setEntries({QStringLiteral("18/11/2026")});
-        rt.model.plant.zones.resize(3);
-        for (int zone = 0; zone < 4; ++zone) {
+        rt.model.plant.zones.resize(4);
+        for (int zone : {0, 1, 2, 4}) {
             const int r = 0x10 * (zone + 1);
             setRow(rt.model.editor.tables.ZoneWriteTable, zone,
                    {zone + 1, zone == 2 ? 0 : 1, -1, -1, 6, r, 6, r + 1, 6, r + 2, 6, r + 3, 6, r + 4});
@@ -39,6 +43,9 @@ struct ChronoFixture : RuntimeFixture
                 for (int day = 0; day < ChronoSchedule::Days; ++day)
                     rt.model.chrono(slot, zone, day) = float(day * 100 + slot) + (zone == 2 ? 0.7f : 0.0f);
         }
+        writeFile(QStringLiteral("Telvane2.ini"), "[Zona 01]\nOra_w=6,256\nMinuti_w= 6, 257 \nGiorno_w=6,40202\n"
+                                                  "[Zona 02]\nOra_w=8,512\n[Zona 04]\nOra_w=6,1024\n");
+        clock.setNow(QDateTime(QDate(2026, 11, 16), QTime(9, 5)));
     }
 
     void setNow(const QString &dayAndTime)
@@ -60,31 +67,12 @@ struct ChronoStep
 using ChronoSteps = QList<ChronoStep>;
 
 // The writes of one slot of `day` (Monday 0): zone 1 with its decimal, then zone 3.
-QStringList slotWrites(int day, int slot, int quantity = 4)
+QStringList slotWrites(int day, int slot)
 {
     const int value = day * 100 + slot;
-    return {RuntimeFixture::request(1, 6, 0x10 + quantity, value * 10),
-            RuntimeFixture::request(3, 6, 0x30 + quantity, value)};
+    return {RuntimeFixture::request(1, 6, 0x14, value * 10), RuntimeFixture::request(3, 6, 0x34, value)};
 }
 
-
-// Zone 1 takes the hour, minute and weekday; zone 2 the hour only, with code 8; zone 3
-// has no clock keys; zone 4 has one but no instrument address.
-struct ClockFixture : RuntimeFixture
-{
-    ClockAlignment alignment{rt.model, rt.services.master, clock};
-
-    ClockFixture()
-    {
-        rt.model.plant.zones.resize(4);
-        for (int zone = 0; zone < 3; ++zone)
-            setRow(rt.model.editor.tables.ZoneWriteTable, zone, {zone + 1, 2});
-        slaves = {1, 2, 3};
-        writeFile(QStringLiteral("Telvane2.ini"), "[Zona 01]\nOra_w=6,256\nMinuti_w= 6, 257 \nGiorno_w=6,40202\n"
-                                                  "[Zona 02]\nOra_w=8,512\n[Zona 04]\nOra_w=6,1024\n");
-        clock.setNow(QDateTime(QDate(2026, 11, 16), QTime(9, 5)));
-    }
-};
 
 // The clock runs forward to `time` (the next day when earlier), the PC clock is set to
 // it, or acquisition restarts; then the tick aligns the clocks or not.
@@ -133,7 +121,7 @@ private slots:
     void chronoSchedule()
     {
         QFETCH(ChronoSteps, steps);
-        ChronoFixture fx;
+        TimedFixture fx;
         for (const ChronoStep &step : steps) {
             if (step.before == Before::Restart)
                 fx.chrono.acquisitionStarted();
@@ -141,14 +129,15 @@ private slots:
             fx.setNow(step.at);
             const QStringList expected = step.day < 0 ? QStringList{} : slotWrites(step.day, step.slot);
             QCOMPARE(fx.chrono.runTick(), !expected.isEmpty());
-            QVERIFY2(fx.takeRequests() == expected, qPrintable(step.at));
+            const QStringList sent = fx.takeRequests();
+            QVERIFY2(sent == expected, qPrintable(step.at + ": sent " + sent.join(", ")));
         }
     }
 
     // A zone left out is logged; the other zones still get their set point.
     void chronoZoneLeftOut()
     {
-        ChronoFixture fx;
+        TimedFixture fx;
         fx.rt.model.chrono(32, 0, 0) = 4000.0f;
         fx.setNow(QStringLiteral("16 08:07:00"));
         QTest::ignoreMessage(QtWarningMsg, QRegularExpression("zone 1 set point .*4000.* does not fit"));
@@ -178,7 +167,7 @@ private slots:
     void clockSchedule()
     {
         QFETCH(ClockSteps, steps);
-        ClockFixture fx;
+        TimedFixture fx;
         for (const ClockStep &step : steps) {
             if (step.move == Move::Restart)
                 fx.alignment.acquisitionStarted();
@@ -189,7 +178,8 @@ private slots:
             const QDateTime now = fx.clock.now();
             QCOMPARE(fx.alignment.runTick(), step.aligns);
             const QStringList writes = alignmentWrites(now.time().hour(), now.time().minute(), now.date().dayOfWeek());
-            QVERIFY2(fx.takeRequests() == (step.aligns ? writes : QStringList{}), qPrintable(now.toString()));
+            const QStringList sent = fx.takeRequests();
+            QVERIFY2(sent == (step.aligns ? writes : QStringList{}), qPrintable(now.toString() + ": sent " + sent.join(", ")));
         }
     }
 
@@ -200,7 +190,7 @@ private slots:
         const QTimeZone rome("Europe/Rome");
         if (!rome.isValid())
             QSKIP("No time zone data on this machine");
-        ClockFixture fx;
+        TimedFixture fx;
         fx.clock.setNow(QDateTime(QDate(2026, 10, 25), QTime(1, 30), rome));
         QVERIFY(fx.alignment.runTick());
         fx.clock.advance(60 * 60 * 1000);
@@ -217,7 +207,7 @@ private slots:
     // silent instrument reported; the other registers are still written. Monday is day 1.
     void alignNow()
     {
-        ClockFixture fx;
+        TimedFixture fx;
         fx.rt.model.mode.CivilMode = true;
         fx.slaves.remove(2);
         fx.rt.model.ini.WriteIniKey(QStringLiteral("Zona 03"), QStringLiteral("Ora_w"), QStringLiteral("6"));

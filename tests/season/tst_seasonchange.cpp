@@ -23,7 +23,8 @@ const QString Title = QStringLiteral("Configurazione strumenti");
 const QString Failure = QStringLiteral("Attenzione: Un errore occorso durante l'invio della procedura ha impedito il "
                                        "completamento del cambio di stagione.\nVerificare il file e la linea di "
                                        "trasmissione dati.");
-const QByteArray Header = "[File]\r\nID = Telvane\r\n\r\n[Note]\r\n< note >\r\n\r\n";
+// The ID is matched without regard to case or blanks; the notes are for people.
+const QByteArray Header = "[file]\r\nid =   telvane   \r\n\r\n[Note]\r\n< note >\r\n\r\n";
 
 QByteArray zoneSection(int zone, const QByteArray &body)
 {
@@ -110,7 +111,8 @@ class TestSeasonChange : public QObject
     Q_OBJECT
 
 private slots:
-    // Each line becomes one row, in zone and line order, sent to the zone's own slave;
+    // Each line becomes one row, in zone and line order, sent to the zone's own slave (the
+    // steps' names in any case);
     // each write is followed by its zone's interval, each SLEEP by its own pause, and the
     // progress is the share of rows done before each row. A zone without an instrument is
     // listed, but its rows stop the send.
@@ -119,7 +121,7 @@ private slots:
         Plant plant(3);
         plant.rt.model.editor.tables.ZoneWriteTable.set(2, ZoneSlot::Address, UnusedSlot);
         QVERIFY(plant.load(zoneSection(1, "Intervallo = 150\r\nLinee = 3\r\n01 = 6,2,260;Set point\r\n"
-                                          "02 = 0,MSGBOX,Chiudere, poi aprire;Avviso\r\n03 = 0,sleep,1000;pausa\r\n") +
+                                          "02 = 0,MsgBox,Chiudere, poi aprire;Avviso\r\n03 = 0,sleep,1000;pausa\r\n") +
                            zoneSection(2, "Linee=3\r\n01= 5 , 1 , 1 ; Comando remoto \r\n02=5,1,0;Off\r\n03=6,3,-1;N") +
                            zoneSection(3, "Linee=1\r\n01=6,40000,-5;Negativo\r\n")));
         QCOMPARE(plant.change.loadMessage(), QStringLiteral("Il file Prova.prg è stato caricato correttamente."));
@@ -167,13 +169,9 @@ private slots:
         QTest::addColumn<QList<int>>("intervals");
 
         const QByteArray oneLine = "Intervallo = 100\r\nLinee = 1\r\n01 = 6,1,1;P\r\n";
-        QTest::newRow("ID in lower case with blanks")
-            << "[file]\r\nid =   telvane   \r\n" + zoneSection(1, oneLine) << 1 << QList<int>{1} << QList<int>{100};
         QTest::newRow("zone without Linee adds nothing")
             << Header + zoneSection(1, "Intervallo = 100\r\n01 = 6,1,1;P\r\n") + zoneSection(2, oneLine) << 2
             << QList<int>{2} << QList<int>{100, 100};
-        QTest::newRow("zone without Intervallo pauses 200 ms")
-            << Header + zoneSection(1, "Linee = 1\r\n01 = 6,1,1;P\r\n") << 1 << QList<int>{1} << QList<int>{200};
         QTest::newRow("zone missing from the file")
             << Header + zoneSection(2, oneLine) << 2 << QList<int>{2} << QList<int>{200, 100};
 
@@ -185,9 +183,6 @@ private slots:
                                                     << QList<int>{100, 100, 100, 100};
         QTest::newRow("negative Linee adds nothing")
             << Header + zoneSection(1, "Linee = -3\r\n01 = 6,1,1;P\r\n") << 1 << QList<int>{} << QList<int>{200};
-        QTest::newRow("steps in any case")
-            << Header + zoneSection(1, "Linee = 2\r\n01 = 0,sleep,1000;pausa\r\n02 = 0,MsgBox,Avanti;1\r\n") << 1
-            << QList<int>{1, 1} << QList<int>{200};
     }
     void accepted()
     {
