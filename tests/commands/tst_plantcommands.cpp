@@ -36,8 +36,6 @@ void setZoneWrite(RegisterTables &t, int zone, int quantity, int functionCode)
     t.ZoneWriteTable.set(zone, zoneQuantityRegisterSlot(quantity), qint16(0x50 + 0x10 * zone + quantity));
 }
 
-enum class Click { SwitchOnImage, SwitchOffImage, DoorOpener, ZoneValue, UnreadZoneValue };
-
 // A switch on slave 4, the door opener on slave 9 and two zones on slave 12, all
 // echoing, with the polls off so that a tick only runs what was queued. The commands
 // are the cycle's task, as in a running plant.
@@ -68,22 +66,6 @@ struct CommandsFixture : RuntimeFixture
             supervisor.SetAcquisitionState(true);
     }
 
-    void click(Click what)
-    {
-        switch (what) {
-        case Click::SwitchOnImage:
-            return commands.switchOnImageClicked(0);
-        case Click::SwitchOffImage:
-            return commands.switchOffImageClicked(0);
-        case Click::DoorOpener:
-            return commands.doorOpenerClicked();
-        case Click::ZoneValue:
-            return commands.zoneValueDoubleClicked(0, QStringLiteral("21,5 °C"));
-        case Click::UnreadZoneValue:
-            return commands.zoneValueDoubleClicked(0, QStringLiteral("--.-"));
-        }
-    }
-
     void tick() { supervisor.monitoring().MonitorCycle(); }
 
     // Every write is answered with `echo` (-1: not at all) in place of the value written.
@@ -98,25 +80,25 @@ struct CommandsFixture : RuntimeFixture
     }
 };
 
-const UserLevel Technician{true, false};
-
-// One click, what it sends at once and at the next tick, the value box and the outcomes.
-struct ClickCase
+// What a click sent at once and at the next tick, and how each command that ran ended.
+struct Sent
 {
-    Click click;
-    bool acquiring = true;
-    UserLevel user = Technician;
-    int switchControlMode = 1;
-    std::optional<QString> answer;
-    bool asked = false;
     QStringList atOnce;
     QStringList nextTick;
     Outcomes told;
+    bool operator==(const Sent &) const = default;
 };
 
-} // namespace
+char *toString(const Sent &sent)
+{
+    QStringList told;
+    for (CommandOutcome outcome : sent.told)
+        told.append(QString::number(int(outcome)));
+    return qstrdup(qPrintable("at once {" + sent.atOnce.join(", ") + "}, next tick {" + sent.nextTick.join(", ") +
+                              "}, outcomes {" + told.join(", ") + "}"));
+}
 
-Q_DECLARE_METATYPE(ClickCase)
+} // namespace
 
 class TestPlantCommands : public QObject
 {
@@ -372,69 +354,76 @@ private slots:
 
     // What a click or a double-click on a zone's value sends at once and what the next
     // tick sends, with the value box it asks and how each command ended.
-    void clicks_data()
-    {
-        QTest::addColumn<ClickCase>("c");
-        const Outcomes confirmed{CommandOutcome::Confirmed};
-        const Outcomes refused{CommandOutcome::Refused};
-        // The picture shown "on" switches off only while acquiring, then at once and
-        // again from the queue; the one shown "off" switches on at once only standing by.
-        QTest::newRow("Img_on standing by") << ClickCase{.click = Click::SwitchOnImage, .acquiring = false};
-        QTest::newRow("Img_on acquiring") << ClickCase{.click = Click::SwitchOnImage, .atOnce = {SwitchOffWrite},
-                                                       .nextTick = {SwitchOffWrite}, .told = confirmed + confirmed};
-        QTest::newRow("Img_off standing by") << ClickCase{.click = Click::SwitchOffImage, .acquiring = false,
-                                                          .atOnce = {SwitchOnWrite}, .told = confirmed};
-        QTest::newRow("Img_off acquiring") << ClickCase{.click = Click::SwitchOffImage, .nextTick = {SwitchOnWrite},
-                                                        .told = confirmed};
-        QTest::newRow("Img_on, switches not commanded") << ClickCase{.click = Click::SwitchOnImage,
-                                                                     .switchControlMode = 0};
-        QTest::newRow("Img_off, switches not commanded") << ClickCase{.click = Click::SwitchOffImage, .acquiring = false,
-                                                                      .switchControlMode = 2};
-        // The door does not look at the switches' mode.
-        QTest::newRow("door standing by") << ClickCase{.click = Click::DoorOpener, .acquiring = false,
-                                                       .switchControlMode = 0, .atOnce = DoorPulse, .told = confirmed};
-        QTest::newRow("door acquiring") << ClickCase{.click = Click::DoorOpener, .switchControlMode = 0,
-                                                     .nextTick = DoorPulse, .told = confirmed};
-        // Anonymous: a second of "Privilegi insufficienti", nothing on the line, no box,
-        // whether the command runs at once or from the queue.
-        QTest::newRow("anonymous, switch from the queue") << ClickCase{.click = Click::SwitchOffImage, .user = {},
-                                                                       .told = refused};
-        QTest::newRow("anonymous, door at once") << ClickCase{.click = Click::DoorOpener, .acquiring = false,
-                                                              .user = {}, .told = refused};
-        // A double-click on a zone's value first drops a value still waiting (zone 2's 40),
-        // then asks for the new one and queues it; refusals here are silent.
-        QTest::newRow("value, technician") << ClickCase{.click = Click::ZoneValue, .answer = " 22,5 ", .asked = true,
-                                                        .nextTick = {"0c 06 0051 00e1"}, .told = confirmed};
-        QTest::newRow("value, anonymous") << ClickCase{.click = Click::ZoneValue, .user = {}, .answer = "22,5"};
-        QTest::newRow("value, no valid reading") << ClickCase{.click = Click::UnreadZoneValue, .answer = "22,5"};
-        QTest::newRow("value, cancel") << ClickCase{.click = Click::ZoneValue, .asked = true};
-    }
     void clicks()
     {
-        QFETCH(ClickCase, c);
-        CommandsFixture fx(c.acquiring);
-        fx.rt.services.user = c.user;
-        fx.rt.model.plant.SwitchControlMode = qint16(c.switchControlMode);
-        if (c.click == Click::ZoneValue || c.click == Click::UnreadZoneValue) {
-            fx.commands.queueSetValue(1, QStringLiteral("40"));
-            fx.prompts.scriptTextInput(c.answer);
-        }
+        CommandsFixture fx;
+        fx.login(true, false);
+        fx.rt.model.plant.SwitchControlMode = 1;
+        PlantCommands &c = fx.commands;
+        const auto clicked = [&fx](const std::function<void()> &click) {
+            fx.told.clear();
+            fx.pause.clear();
+            fx.prompts.clear();
+            Sent sent;
+            click();
+            sent.atOnce = fx.takeRequests();
+            fx.tick();
+            sent.nextTick = fx.takeRequests();
+            sent.told = fx.told;
+            return sent;
+        };
+        const Outcomes confirmed{CommandOutcome::Confirmed};
+        const Outcomes refused{CommandOutcome::Refused};
 
-        fx.click(c.click);
-        QCOMPARE(fx.takeRequests(), c.atOnce);
-        fx.tick();
-        QCOMPARE(fx.takeRequests(), c.nextTick);
-        fx.tick();
-        QCOMPARE(fx.takeRequests(), QStringList());
-        QCOMPARE(fx.told, c.told);
-        const RecordingPrompts::Prompt box{Kind::TextInput, "Modifica parametro...", "Inserire il valore da impostare:"};
-        QCOMPARE(fx.prompts.asked(), c.asked ? Asked{box} : Asked{});
-        const bool refusal = c.told == Outcomes{CommandOutcome::Refused};
-        if (c.click != Click::DoorOpener || refusal) // the door's pulse pauses on its own
-            QCOMPARE(fx.pause.pauses(), refusal ? QList<int>{1000} : QList<int>());
-        if (refusal)
-            QCOMPARE(fx.panelTexts[StatusBar::MessagePanel], (QStringList{"Privilegi insufficienti", ""}));
-        QCOMPARE(fx.rt.services.alarms.FailCount(AlarmItemKind::Switch, 0), 0);
+        // Standing by, the picture shown "on" does nothing; the one shown "off" switches on
+        // at once, but only while the switches are commanded (mode 1).
+        QCOMPARE(clicked([&] { c.switchOnImageClicked(0); }), Sent{});
+        QCOMPARE(clicked([&] { c.switchOffImageClicked(0); }), (Sent{{SwitchOnWrite}, {}, confirmed}));
+        QCOMPARE(fx.pause.pauses(), QList<int>{});
+        fx.rt.model.plant.SwitchControlMode = 2;
+        QCOMPARE(clicked([&] { c.switchOffImageClicked(0); }), Sent{});
+        // The door does not look at the switches' mode.
+        fx.rt.model.plant.SwitchControlMode = 0;
+        QCOMPARE(clicked([&] { c.doorOpenerClicked(); }), (Sent{DoorPulse, {}, confirmed}));
+        // Anonymous: a second of "Privilegi insufficienti", nothing on the line, no box,
+        // whether the command runs at once or from the queue.
+        fx.rt.services.user = {};
+        fx.panelTexts[StatusBar::MessagePanel].clear();
+        QCOMPARE(clicked([&] { c.doorOpenerClicked(); }), (Sent{{}, {}, refused}));
+        QCOMPARE(fx.pause.pauses(), QList<int>{1000});
+        QCOMPARE(fx.panelTexts[StatusBar::MessagePanel], (QStringList{"Privilegi insufficienti", ""}));
+
+        // Acquiring, "on" switches off at once and again from the queue; "off" and the
+        // door wait for the tick.
+        fx.supervisor.SetAcquisitionState(true);
+        fx.rt.model.plant.SwitchControlMode = 1;
+        QCOMPARE(clicked([&] { c.switchOffImageClicked(0); }), (Sent{{}, {}, refused}));
+        QCOMPARE(fx.pause.pauses(), QList<int>{1000});
+        fx.login(true, false);
+        QCOMPARE(clicked([&] { c.switchOnImageClicked(0); }), (Sent{{SwitchOffWrite}, {SwitchOffWrite}, confirmed + confirmed}));
+        QCOMPARE(clicked([&] { c.switchOffImageClicked(0); }), (Sent{{}, {SwitchOnWrite}, confirmed}));
+        QCOMPARE(fx.pause.pauses(), QList<int>{});
+        QCOMPARE(clicked([&] { c.doorOpenerClicked(); }), (Sent{{}, DoorPulse, confirmed}));
+        fx.rt.model.plant.SwitchControlMode = 0;
+        QCOMPARE(clicked([&] { c.switchOnImageClicked(0); }), Sent{});
+
+        // A double-click on a zone's value first drops a value still waiting (zone 2's 40),
+        // then asks for the new one and queues it; refusals here are silent.
+        const QList<RecordingPrompts::Prompt> box{{Kind::TextInput, "Modifica parametro...", "Inserire il valore da impostare:"}};
+        const auto doubleClicked = [&](const QString &shown, std::optional<QString> answer) {
+            c.queueSetValue(1, QStringLiteral("40"));
+            fx.prompts.scriptTextInput(answer);
+            return clicked([&] { c.zoneValueDoubleClicked(0, shown); });
+        };
+        QCOMPARE(doubleClicked(QStringLiteral("21,5 °C"), QStringLiteral(" 22,5 ")),
+                 (Sent{{}, {"0c 06 0051 00e1"}, confirmed}));
+        QCOMPARE(fx.prompts.asked(), box);
+        QCOMPARE(doubleClicked(QStringLiteral("21,5 °C"), std::nullopt), Sent{});
+        QCOMPARE(fx.prompts.asked(), box);
+        QCOMPARE(doubleClicked(QStringLiteral("--.-"), QStringLiteral("22,5")), Sent{});
+        fx.rt.services.user = {};
+        QCOMPARE(doubleClicked(QStringLiteral("21,5 °C"), QStringLiteral("22,5")), Sent{});
+        QCOMPARE(fx.prompts.asked(), QList<RecordingPrompts::Prompt>{});
     }
 
     // A click that would act at once while the line waits for another reply waits for
