@@ -118,12 +118,17 @@ private slots:
     // listed, but its rows stop the send.
     void recipeLoadedAndSent()
     {
-        Plant plant(3);
+        Plant plant(6);
         plant.rt.model.editor.tables.ZoneWriteTable.set(2, ZoneSlot::Address, UnusedSlot);
-        QVERIFY(plant.load(zoneSection(1, "Intervallo = 150\r\nLinee = 3\r\n01 = 6,2,260;Set point\r\n"
+        // Zone 4 counts its lines below zero, zone 5 does not count them, zone 6 has no
+        // section; zones 7 and 8 are beyond the plant, one of them broken: none adds a row.
+        QVERIFY2(plant.load(zoneSection(1, "Intervallo = 150\r\nLinee = 3\r\n01 = 6,2,260;Set point\r\n"
                                           "02 = 0,MsgBox,Chiudere, poi aprire;Avviso\r\n03 = 0,sleep,1000;pausa\r\n") +
                            zoneSection(2, "Linee=3\r\n01= 5 , 1 , 1 ; Comando remoto \r\n02=5,1,0;Off\r\n03=6,3,-1;N") +
-                           zoneSection(3, "Linee=1\r\n01=6,40000,-5;Negativo\r\n")));
+                           zoneSection(3, "Linee=1\r\n01=6,40000,-5;Negativo\r\n") +
+                           zoneSection(4, "Linee = -3\r\n01 = 6,1,1;P") + zoneSection(5, "Intervallo = 100\r\n01 = 6,1,1;P") +
+                           zoneSection(7, "Linee = 1\r\n01 = 6,1,1;P") + zoneSection(8, "Linee = 1\r\n01 = garbage")),
+                 qPrintable(plant.change.loadMessage()));
         QCOMPARE(plant.change.loadMessage(), QStringLiteral("Il file Prova.prg è stato caricato correttamente."));
         const QList<RecipeRow> &rows = plant.change.recipe().rows;
         QCOMPARE(rows.size(), 7);
@@ -144,8 +149,8 @@ private slots:
         QCOMPARE(coil.name, QStringLiteral("Comando remoto"));
         const RecipeRow &unaddressed = rows.at(6);
         QCOMPARE((QList<int>{unaddressed.slave, unaddressed.address, unaddressed.value}), (QList<int>{-1, 40000, -5}));
-        QCOMPARE(plant.change.recipe().intervalsMs[0], 150);
-        QCOMPARE(plant.change.recipe().intervalsMs[1], DefaultRecipeIntervalMs);
+        const auto &intervals = plant.change.recipe().intervalsMs;
+        QCOMPARE(QList<int>(intervals.begin(), intervals.begin() + 6), (QList<int>{150, 200, 200, 200, 100, 200}));
 
         plant.prompts.scriptAcknowledge(true);
         QCOMPARE(plant.change.send(false), Outcome::Failed);
@@ -158,47 +163,6 @@ private slots:
         QCOMPARE(plant.prompts.asked(),
                  (QList<Prompt>{box(Kind::Acknowledge, "Chiudere, poi aprire\nPremere OK per continuare"),
                                 box(Kind::Warning, Failure)}));
-    }
-
-    // What a file may leave out or hold beyond the plant's zones.
-    void accepted_data()
-    {
-        QTest::addColumn<QByteArray>("recipe");
-        QTest::addColumn<int>("plantZones");
-        QTest::addColumn<QList<int>>("rowZones");
-        QTest::addColumn<QList<int>>("intervals");
-
-        const QByteArray oneLine = "Intervallo = 100\r\nLinee = 1\r\n01 = 6,1,1;P\r\n";
-        QTest::newRow("zone without Linee adds nothing")
-            << Header + zoneSection(1, "Intervallo = 100\r\n01 = 6,1,1;P\r\n") + zoneSection(2, oneLine) << 2
-            << QList<int>{2} << QList<int>{100, 100};
-        QTest::newRow("zone missing from the file")
-            << Header + zoneSection(2, oneLine) << 2 << QList<int>{2} << QList<int>{200, 100};
-
-        QByteArray thirty = Header;
-        for (int zone = 1; zone <= 30; ++zone)
-            thirty += zoneSection(zone, oneLine);
-        thirty += zoneSection(31, "Linee = 1\r\n01 = garbage\r\n");
-        QTest::newRow("30 zones on a 4-zone plant") << thirty << 4 << QList<int>{1, 2, 3, 4}
-                                                    << QList<int>{100, 100, 100, 100};
-        QTest::newRow("negative Linee adds nothing")
-            << Header + zoneSection(1, "Linee = -3\r\n01 = 6,1,1;P\r\n") << 1 << QList<int>{} << QList<int>{200};
-    }
-    void accepted()
-    {
-        QFETCH(QByteArray, recipe);
-        QFETCH(int, plantZones);
-        QFETCH(QList<int>, rowZones);
-        QFETCH(QList<int>, intervals);
-        Plant plant(plantZones);
-        plant.writeFile(QStringLiteral("Ricetta/Prova.prg"), recipe);
-        QVERIFY2(plant.change.loadRecipeFile(QStringLiteral("Prova.prg"), std::nullopt), qPrintable(plant.change.loadMessage()));
-        QList<int> zones;
-        for (const RecipeRow &row : plant.change.recipe().rows)
-            zones.append(row.zone);
-        QCOMPARE(zones, rowZones);
-        const auto &loaded = plant.change.recipe().intervalsMs;
-        QCOMPARE(QList<int>(loaded.begin(), loaded.begin() + intervals.size()), intervals);
     }
 
     // One bad line refuses the whole file, even after good lines, and empties the lists:
