@@ -1,11 +1,14 @@
 #pragma once
 
 #include "base/clock.h"
+#include "fieldbus/modbusframe.h"
 #include "fieldbus/serialline.h"
 
 #include <QList>
 
+#include <algorithm>
 #include <functional>
+#include <utility>
 
 namespace telvane {
 
@@ -29,10 +32,9 @@ public:
     class Reply
     {
     public:
-        // Silence.
-        Reply() = default;
-        // The whole reply at once, as soon as the request is out.
-        // Implicit, so a responder may simply return the bytes.
+        Reply() = default; // silence
+        // The whole reply as soon as the request is out; implicit, so a responder may
+        // simply return the bytes.
         Reply(const QByteArray &bytes) { at(0, bytes); }
 
         // Adds bytes arriving `afterMs` after the request (noise, a piece of a reply).
@@ -43,8 +45,13 @@ public:
         }
         // `bytes` cut into pieces of `pieceSize`, the first at `firstMs`, the next ones
         // `stepMs` apart.
-        static Reply split(const QByteArray &bytes, int pieceSize, qint64 firstMs, qint64 stepMs);
-
+        static Reply split(const QByteArray &bytes, int pieceSize, qint64 firstMs, qint64 stepMs)
+        {
+            Reply reply;
+            for (qsizetype from = 0; from < bytes.size(); from += pieceSize, firstMs += stepMs)
+                reply.at(firstMs, bytes.mid(from, pieceSize));
+            return reply;
+        }
         const QList<Chunk> &chunks() const { return m_chunks; }
 
     private:
@@ -68,7 +75,11 @@ public:
     void setOnOpen(std::function<void()> handler) { m_onOpen = std::move(handler); }
 
     // `payload` followed by its CRC-16/MODBUS, low byte first.
-    static QByteArray withCrc(const QByteArray &payload);
+    static QByteArray withCrc(const QByteArray &payload)
+    {
+        const quint16 crc = modbusCrc(payload);
+        return payload + char(crc & 0xFF) + char(crc >> 8);
+    }
 
     const QList<QByteArray> &requests() const { return m_requests; }
     int openCalls() const { return m_openCalls; }
@@ -83,32 +94,75 @@ public:
         m_format = format;
         return true;
     }
-    bool open() override;
-    void close() override;
+    bool open() override
+    {
+        ++m_openCalls;
+        if (m_onOpen)
+            m_onOpen();
+        deliverDue();
+        m_lastError = m_openRefused ? m_refusal : QString();
+        m_open = !m_openRefused;
+        return m_open;
+    }
+    void close() override
+    {
+        ++m_closeCalls;
+        deliverDue();
+        m_input.clear();
+        m_open = false;
+    }
     bool isOpen() const override { return m_open; }
-    void write(const QByteArray &bytes) override;
-    qint64 bytesAvailable() override;
-    QByteArray readAll() override;
-    void clearInput() override;
-    void yield(int ms) override;
+    void write(const QByteArray &bytes) override
+    {
+        if (!m_open) {
+            ++m_writesWhileClosed;
+            return;
+        }
+        deliverDue();
+        m_requests.append(bytes);
+        const Reply reply = !m_script.isEmpty() ? m_script.takeFirst() : m_responder ? m_responder(bytes) : Reply();
+        for (const Chunk &chunk : reply.chunks())
+            m_inFlight.append({m_clock.monotonicMs() + chunk.afterMs, chunk.bytes});
+        std::stable_sort(m_inFlight.begin(), m_inFlight.end(), [](const Chunk &a, const Chunk &b) { return a.afterMs < b.afterMs; });
+        deliverDue();
+    }
+    qint64 bytesAvailable() override { return deliverDue(), m_input.size(); }
+    QByteArray readAll() override { return deliverDue(), std::exchange(m_input, {}); }
+    void clearInput() override
+    {
+        deliverDue();
+        m_input.clear();
+    }
+    void yield(int ms) override
+    {
+        if (m_duringYield)
+            m_duringYield();
+        const qint64 now = m_clock.monotonicMs();
+        qint64 until = now + qMax(0, ms);
+        if (!m_inFlight.isEmpty())
+            until = qMin(until, qMax(now, m_inFlight.first().afterMs));
+        m_clock.advance(until - now);
+        deliverDue();
+    }
     QString lastError() const override { return m_lastError; }
 
 private:
-    struct Arrival
-    {
-        qint64 atMs;
-        QByteArray bytes;
-    };
-
     // Moves every arrival that is due into the input, or drops it if the port is closed.
-    void deliverDue();
+    void deliverDue()
+    {
+        while (!m_inFlight.isEmpty() && m_inFlight.first().afterMs <= m_clock.monotonicMs()) {
+            const Chunk arrival = m_inFlight.takeFirst();
+            if (m_open)
+                m_input.append(arrival.bytes);
+        }
+    }
 
     ManualClock &m_clock;
     QList<Reply> m_script;
     Responder m_responder;
     std::function<void()> m_duringYield;
     std::function<void()> m_onOpen;
-    QList<Arrival> m_inFlight; // kept in arrival order
+    QList<Chunk> m_inFlight; // in arrival order, `afterMs` on the monotonic clock
     QByteArray m_input;
 
     bool m_open = false;

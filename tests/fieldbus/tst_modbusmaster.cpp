@@ -6,14 +6,10 @@
 #include <QRegularExpression>
 #include <QTest>
 
-#include <limits>
-
 using namespace telvane;
 
 using Reply = ScriptedLine::Reply;
 using Replies = QList<Reply>;
-Q_DECLARE_METATYPE(ScriptedLine::Reply)
-Q_DECLARE_METATYPE(telvane::BusResult)
 
 namespace {
 
@@ -34,12 +30,6 @@ QByteArray exceptionReply(int slave, int functionCode, int code)
     return ScriptedLine::withCrc(QByteArray(payload, sizeof payload));
 }
 
-QByteArray badCrc(QByteArray frame)
-{
-    frame[frame.size() - 1] = char(frame.back() ^ 0x5A);
-    return frame;
-}
-
 // A slave, its line and the master, on a clock that moves only while the master waits.
 struct Bench
 {
@@ -47,18 +37,6 @@ struct Bench
     {
         master.setReplyTimeout(1.0f);
         master.setAttempts(attempts);
-    }
-    void script(const Replies &replies)
-    {
-        for (const Reply &reply : replies)
-            line.script(reply);
-    }
-    // Every request sent is `request`, `count` times.
-    void checkRequests(const QByteArray &request, int count) const
-    {
-        QCOMPARE(line.requests().size(), count);
-        for (const QByteArray &sent : line.requests())
-            QCOMPARE(sent.toHex(), request.toHex());
     }
 
     ManualClock clock;
@@ -68,118 +46,146 @@ struct Bench
 
 const QByteArray Value215 = registerReply(1, 3, 215);
 const QByteArray Read0Of1 = hex("010300000001840A");
+const QByteArray Set1234 = hex("0706010204D2AB0D");
+
+// One read or write as its caller sees it, and what went on the wire meanwhile.
+struct Exchange
+{
+    bool write = false;
+    int functionCode = 3;
+    int address = 0;
+    int value = 0; // written
+    int slave = 1;
+    float timeout = 1.0f;
+    int attempts = 3;
+    bool warned = false; // the settings are out of range
+    Replies replies;
+    QByteArray request = Read0Of1; // every request sent
+    int requests = 1;
+    int answer = -99999;
+    BusResult result = BusResult::TimeOut;
+    int waitedMs = 0; // for reads
+};
 
 } // namespace
+
+Q_DECLARE_METATYPE(Exchange)
 
 class TestModbusMaster : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void read_data()
+    void exchange_data()
     {
-        QTest::addColumn<int>("functionCode");
-        QTest::addColumn<int>("address");
-        QTest::addColumn<int>("slave");
-        QTest::addColumn<QByteArray>("request");
-        QTest::addColumn<Replies>("replies");
-        QTest::addColumn<int>("value");
-        QTest::addColumn<BusResult>("result");
-        QTest::addColumn<int>("requests");
-        QTest::addColumn<int>("waitedMs");
-
-        const auto row = [](const char *name, const Replies &replies, int value, BusResult result, int requests,
-                            int waitedMs) {
-            QTest::newRow(name) << 3 << 0 << 1 << Read0Of1 << replies << value << result << requests << waitedMs;
-        };
-        row("holding register", {Value215}, 215, BusResult::Value, 1, 0);
+        QTest::addColumn<Exchange>("x");
+        QTest::newRow("holding register") << Exchange{.replies = {Value215}, .answer = 215, .result = BusResult::Value};
         QTest::newRow("input register, high address, negative value")
-            << 4 << 0x1234 << 17 << hex("11041234000177EC") << Replies{registerReply(17, 4, 0xFFFB)} << -5
-            << BusResult::Value << 1 << 0;
-        row("reply split across reads", {Reply::split(Value215, 2, 3, 3)}, 215, BusResult::Value, 1, 12);
+            << Exchange{.functionCode = 4, .address = 0x1234, .slave = 17, .replies = {registerReply(17, 4, 0xFFFB)},
+                        .request = hex("11041234000177EC"), .answer = -5, .result = BusResult::Value};
+        QTest::newRow("reply split across reads") << Exchange{.replies = {Reply::split(Value215, 2, 3, 3)},
+                                                              .answer = 215, .result = BusResult::Value, .waitedMs = 12};
         // Instruments that answer with another address have always been accepted.
-        row("reply from another slave accepted", {registerReply(9, 4, 215)}, 215, BusResult::Value, 1, 0);
-        row("missing slave", {}, -99999, BusResult::TimeOut, 3, 3003);
+        QTest::newRow("reply from another slave accepted")
+            << Exchange{.replies = {registerReply(9, 4, 215)}, .answer = 215, .result = BusResult::Value};
+        QTest::newRow("missing slave") << Exchange{.requests = 3, .waitedMs = 3003};
         // The exception code stands in for the value, after waiting out the time-out for
         // the two bytes that never come.
-        row("five-byte exception", {Reply().at(5, exceptionReply(1, 3, 2))}, 2, BusResult::Exception, 1, 1001);
-        row("two bytes are not an answer", {hex("0103"), hex("0103"), hex("0103")}, -99999, BusResult::Exception, 3,
-            3003);
-        row("wrong CRC then a good one", {badCrc(Value215), Value215}, 215, BusResult::Value, 2, 0);
-        QTest::newRow("broadcast waits one time-out only")
-            << 3 << 5 << 0 << hex("00030005000195DA") << Replies{} << -99999 << BusResult::Broadcast << 1 << 1001;
-    }
-    void read()
-    {
-        QFETCH(int, functionCode);
-        QFETCH(int, address);
-        QFETCH(int, slave);
-        QFETCH(QByteArray, request);
-        QFETCH(Replies, replies);
-        QFETCH(int, value);
-        QFETCH(BusResult, result);
-        QFETCH(int, requests);
-        QFETCH(int, waitedMs);
-        Bench bench;
-        bench.script(replies);
+        QTest::newRow("five-byte exception") << Exchange{.replies = {Reply().at(5, exceptionReply(1, 3, 2))},
+                                                         .answer = 2, .result = BusResult::Exception, .waitedMs = 1001};
+        QTest::newRow("two bytes are not an answer") << Exchange{.replies = {hex("0103"), hex("0103"), hex("0103")},
+                                                                 .requests = 3, .result = BusResult::Exception,
+                                                                 .waitedMs = 3003};
+        QByteArray badCrc = Value215;
+        badCrc[6] = char(badCrc[6] ^ 0x5A);
+        QTest::newRow("wrong CRC then a good one")
+            << Exchange{.replies = {badCrc, Value215}, .requests = 2, .answer = 215, .result = BusResult::Value};
+        QTest::newRow("broadcast waits one time-out only") << Exchange{.address = 5, .slave = 0,
+                                                                       .request = hex("00030005000195DA"),
+                                                                       .result = BusResult::Broadcast, .waitedMs = 1001};
+        QTest::newRow("fraction of a second") << Exchange{.timeout = 0.25f, .attempts = 2, .requests = 2, .waitedMs = 502};
+        QTest::newRow("far too long") << Exchange{.timeout = 1e30f, .attempts = 1, .warned = true, .waitedMs = 3600001};
+        QTest::newRow("negative attempts mean one") << Exchange{.attempts = -4, .warned = true, .waitedMs = 1001};
 
-        const BusOutcome outcome = bench.master.read(functionCode, address, slave);
-        QCOMPARE(outcome.value, value);
-        QCOMPARE(outcome.result, result);
-        QCOMPARE(bench.clock.monotonicMs(), waitedMs);
-        bench.checkRequests(request, requests);
-        QCOMPARE(bench.line.openCalls(), 1);
-        QCOMPARE(bench.line.closeCalls(), 1);
+        const QByteArray coilOn = hex("01050102FF002C06");
+        const QByteArray minus5 = hex("07060102FFFB29E3");
+        QTest::newRow("coil on") << Exchange{.write = true, .functionCode = 5, .address = 0x102, .value = 65280,
+                                             .replies = {coilOn}, .request = coilOn, .answer = 65280,
+                                             .result = BusResult::Value};
+        QTest::newRow("negative register reads back signed")
+            << Exchange{.write = true, .functionCode = 6, .address = 0x102, .value = -5, .slave = 7, .replies = {minus5},
+                        .request = minus5, .answer = -5, .result = BusResult::Value};
+        QTest::newRow("the instrument's echo is what counts")
+            << Exchange{.write = true, .functionCode = 6, .address = 0x102, .value = 1234, .slave = 7,
+                        .replies = {ScriptedLine::withCrc(hex("0706010203E8"))}, .request = Set1234, .answer = 1000,
+                        .result = BusResult::Value};
+        QTest::newRow("write to a missing slave") << Exchange{.write = true, .functionCode = 6, .address = 0x102,
+                                                              .value = 1234, .slave = 7, .request = Set1234, .requests = 3};
+        // A refused write did not happen: its exception code is no echo.
+        const Reply refused = exceptionReply(7, 6, 2);
+        QTest::newRow("refused write") << Exchange{.write = true, .functionCode = 6, .address = 0x102, .value = 1234,
+                                                   .slave = 7, .replies = {refused, refused, refused}, .request = Set1234,
+                                                   .requests = 3, .result = BusResult::Exception};
+        // Every slave carries a broadcast out: sending it again would do it again.
+        QTest::newRow("broadcast is sent once") << Exchange{.write = true, .functionCode = 6, .address = 0x102,
+                                                            .value = 42, .slave = 0, .request = hex("00060102002AA9F8"),
+                                                            .result = BusResult::Broadcast};
+
+        // Requests that cannot be encoded never reach the line.
+        QTest::newRow("read with a write code")
+            << Exchange{.functionCode = 6, .requests = 0, .result = BusResult::NotConfigured};
+        QTest::newRow("address past 65535")
+            << Exchange{.address = 65536, .requests = 0, .result = BusResult::NotConfigured};
+        QTest::newRow("value past 65535") << Exchange{.write = true, .functionCode = 6, .value = 65536, .requests = 0,
+                                                      .result = BusResult::NotConfigured};
+    }
+    void exchange()
+    {
+        QFETCH(Exchange, x);
+        Bench bench;
+        QTest::failOnWarning(QRegularExpression("."));
+        if (x.warned || x.result == BusResult::NotConfigured)
+            QTest::ignoreMessage(QtWarningMsg, QRegularExpression("."));
+        bench.master.setReplyTimeout(x.timeout);
+        bench.master.setAttempts(x.attempts);
+        for (const Reply &reply : x.replies)
+            bench.line.script(reply);
+        // The wall clock may jump (midnight, daylight saving, an operator fixing the
+        // time); the time-out follows the monotonic counter only.
+        bench.clock.setNow(QDateTime(QDate(2026, 1, 5), QTime(23, 59, 59, 500)));
+        bench.line.setDuringYield([&] { bench.clock.setNow(bench.clock.now().addMSecs(-3600000)); });
+
+        const BusOutcome outcome = x.write ? bench.master.write(x.functionCode, x.address, x.value, x.slave)
+                                           : bench.master.read(x.functionCode, x.address, x.slave);
+        QCOMPARE(outcome.value, x.answer);
+        QCOMPARE(outcome.result, x.result);
+        if (!x.write)
+            QCOMPARE(bench.clock.monotonicMs(), x.waitedMs);
+        QCOMPARE(bench.line.requests().size(), x.requests);
+        for (const QByteArray &sent : bench.line.requests())
+            QCOMPARE(sent.toHex(), x.request.toHex());
+        QCOMPARE(bench.line.openCalls(), x.requests ? 1 : 0);
+        QCOMPARE(bench.line.closeCalls(), x.requests ? 1 : 0);
         QVERIFY(!bench.line.isOpen() && !bench.master.busy());
     }
 
-    void write_data()
+    // The frames on the wire are checked through the exchanges; these are the edges
+    // they do not reach. A value goes on the wire as two bytes and comes back the same,
+    // signed or unsigned; nothing outside 16 bits is encoded.
+    void frames()
     {
-        QTest::addColumn<int>("functionCode");
-        QTest::addColumn<int>("value");
-        QTest::addColumn<int>("slave");
-        QTest::addColumn<QByteArray>("request");
-        QTest::addColumn<Replies>("replies");
-        QTest::addColumn<int>("echo");
-        QTest::addColumn<BusResult>("result");
-        QTest::addColumn<int>("requests");
-
-        const QByteArray coilOn = hex("01050102FF002C06");
-        const QByteArray set1234 = hex("0706010204D2AB0D");
-        QTest::newRow("coil on") << 5 << 65280 << 1 << coilOn << Replies{coilOn} << 65280 << BusResult::Value << 1;
-        QTest::newRow("negative register reads back signed")
-            << 6 << -5 << 7 << hex("07060102FFFB29E3") << Replies{hex("07060102FFFB29E3")} << -5 << BusResult::Value
-            << 1;
-        QTest::newRow("the instrument's echo is what counts")
-            << 6 << 1234 << 7 << set1234 << Replies{ScriptedLine::withCrc(hex("0706010203E8"))} << 1000
-            << BusResult::Value << 1;
-        QTest::newRow("missing slave") << 6 << 1234 << 7 << set1234 << Replies{} << -99999 << BusResult::TimeOut << 3;
-        // A refused write did not happen: its exception code is no echo.
-        const Reply refused = exceptionReply(7, 6, 2);
-        QTest::newRow("refused write") << 6 << 1234 << 7 << set1234 << Replies{refused, refused, refused} << -99999
-                                       << BusResult::Exception << 3;
-        // Every slave carries a broadcast out: sending it again would do it again.
-        QTest::newRow("broadcast is sent once") << 6 << 42 << 0 << hex("00060102002AA9F8") << Replies{} << -99999
-                                                << BusResult::Broadcast << 1;
-    }
-    void write()
-    {
-        QFETCH(int, functionCode);
-        QFETCH(int, value);
-        QFETCH(int, slave);
-        QFETCH(QByteArray, request);
-        QFETCH(Replies, replies);
-        QFETCH(int, echo);
-        QFETCH(BusResult, result);
-        QFETCH(int, requests);
-        Bench bench;
-        bench.script(replies);
-
-        const BusOutcome outcome = bench.master.write(functionCode, 0x102, value, slave);
-        QCOMPARE(outcome.value, echo);
-        QCOMPARE(outcome.result, result);
-        bench.checkRequests(request, requests);
-        QCOMPARE(bench.line.closeCalls(), 1);
+        QCOMPARE(BuildFrame(8, 1, 3, hex("0000")).toHex(), QByteArray("01030000000045ca"));
+        QVERIFY(CheckReplyCrc(hex("01030200D7F81A"), 7));
+        QVERIFY(!CheckReplyCrc(hex("01030200D7F8"), 7));
+        for (qint32 value = -32768; value <= 65535; value += 97) {
+            const std::optional<WordBytes> word = EncodeValue(value);
+            QVERIFY(word);
+            QCOMPARE(value < 0 ? qint32(DecodeValue(word->high, word->low))
+                               : qint32(decodeUnsignedValue(word->high, word->low)),
+                     value);
+        }
+        QVERIFY(!EncodeValue(65536));
+        QVERIFY(!EncodeValue(-32769));
     }
 
     // Bytes left in the input by an earlier exchange are flushed before the request.
@@ -219,25 +225,23 @@ private slots:
         QCOMPARE(bench.master.ReadRegister(3, 0, 1), -99999);
     }
 
-    void simulation_data()
-    {
-        QTest::addColumn<int>("functionCode");
-        QTest::addColumn<double>("random");
-        QTest::addColumn<int>("value");
-        QTest::newRow("coil above one half") << 1 << 0.7 << 1;
-        QTest::newRow("input at one half") << 2 << 0.5 << 0;
-        QTest::newRow("register rounds half to even") << 3 << 0.125 << 38;
-    }
+    // Without communication a coil or input is on above one half, a register is a
+    // random value rounded half to even, a write is its own echo; a bad request is
+    // refused all the same.
     void simulation()
     {
-        QFETCH(int, functionCode);
-        QFETCH(double, random);
-        QFETCH(int, value);
         Bench bench;
         bench.master.setCommunicate(false);
-        bench.master.setRandomSource([random] { return random; });
-        QCOMPARE(bench.master.ReadRegister(functionCode, 7, 3), value);
+        double random = 0.7;
+        bench.master.setRandomSource([&random] { return random; });
+        QCOMPARE(bench.master.ReadRegister(1, 7, 3), 1);
+        random = 0.5;
+        QCOMPARE(bench.master.ReadRegister(2, 7, 3), 0);
+        random = 0.125;
+        QCOMPARE(bench.master.ReadRegister(3, 7, 3), 38);
         QCOMPARE(bench.master.WriteRegister(6, 7, -1234, 3), -1234);
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression("refused"));
+        QCOMPARE(bench.master.write(6, 0, 65536, 1).result, BusResult::NotConfigured);
         QCOMPARE(bench.line.openCalls() + bench.clock.monotonicMs(), 0);
     }
 
@@ -281,7 +285,8 @@ private slots:
 
     // Three zones in a round, the first one's reply 10 ms past its time-out; every reply
     // takes 20 ms. Taken as the answer to the next request, it would shift every later
-    // value of the round by one zone, each with a good CRC.
+    // value of the round by one zone, each with a good CRC. The quiet interval is waited
+    // only when the next request would start within it.
     void lateReplyIsNeverTheNextAnswer()
     {
         Bench bench(1);
@@ -294,30 +299,18 @@ private slots:
             round << bench.master.ReadRegister(3, address, 1);
         QCOMPARE(round, (QList<qint32>{-99999, 200, 300}));
         QCOMPARE(bench.line.requests().size(), 3);
-    }
+        QCOMPARE(bench.clock.monotonicMs(), 1001 + ModbusMaster::LateReplyQuietMs + 20 + 20);
 
-    // The quiet interval is waited only when the next request would start within it.
-    void quietIntervalAfterATimeOut_data()
-    {
-        QTest::addColumn<int>("gapMs");
-        QTest::addColumn<int>("address");
-        QTest::addColumn<int>("waitedMs");
-        const int quiet = ModbusMaster::LateReplyQuietMs;
-        QTest::newRow("another request 40 ms later") << 40 << 1 << quiet - 40;
-        QTest::newRow("the same request at once") << 0 << 0 << 0;
-    }
-    void quietIntervalAfterATimeOut()
-    {
-        QFETCH(int, gapMs);
-        QFETCH(int, address);
-        QFETCH(int, waitedMs);
-        Bench bench(1);
-        QCOMPARE(bench.master.read(3, 0, 1).result, BusResult::TimeOut);
-        bench.clock.advance(gapMs);
-        const qint64 asked = bench.clock.monotonicMs();
-        bench.line.script(Value215);
-        QCOMPARE(bench.master.ReadRegister(3, address, 1), 215);
-        QCOMPARE(bench.clock.monotonicMs() - asked, waitedMs);
+        Bench again(1);
+        QCOMPARE(again.master.read(3, 0, 1).result, BusResult::TimeOut);
+        again.line.script(Value215);
+        QCOMPARE(again.master.ReadRegister(3, 0, 1), 215); // the same request: no wait
+        QCOMPARE(again.clock.monotonicMs(), 1001);
+        QCOMPARE(again.master.read(3, 0, 1).result, BusResult::TimeOut);
+        again.clock.advance(40);
+        again.line.script(Value215);
+        QCOMPARE(again.master.ReadRegister(3, 1, 1), 215);
+        QCOMPARE(again.clock.monotonicMs(), 2002 + ModbusMaster::LateReplyQuietMs);
     }
 
     // The next attempt asks the same thing, so the first one's late reply answers it;
@@ -353,76 +346,6 @@ private slots:
         bench.master.resumeExchanges();
         bench.line.script(Value215);
         QCOMPARE(bench.master.ReadRegister(3, 0, 1), 215);
-    }
-
-    void settings_data()
-    {
-        QTest::addColumn<float>("timeout");
-        QTest::addColumn<int>("attempts");
-        QTest::addColumn<int>("requests");
-        QTest::addColumn<int>("waitedMs");
-        QTest::addColumn<bool>("warned");
-        QTest::newRow("fraction of a second") << 0.25f << 2 << 2 << 502 << false;
-        QTest::newRow("far too long") << 1e30f << 1 << 1 << 3600001 << true;
-        QTest::newRow("negative attempts mean one") << 1.0f << -4 << 1 << 1001 << true;
-    }
-    void settings()
-    {
-        QFETCH(float, timeout);
-        QFETCH(int, attempts);
-        QFETCH(int, requests);
-        QFETCH(int, waitedMs);
-        QFETCH(bool, warned);
-        Bench bench;
-        QTest::failOnWarning(QRegularExpression("."));
-        if (warned)
-            QTest::ignoreMessage(QtWarningMsg, QRegularExpression("."));
-        bench.master.setReplyTimeout(timeout);
-        bench.master.setAttempts(attempts);
-        QCOMPARE(bench.master.ReadRegister(3, 0, 1), -99999);
-        QCOMPARE(bench.line.requests().size(), requests);
-        QCOMPARE(bench.clock.monotonicMs(), waitedMs);
-    }
-
-    // The wall clock may jump (midnight, daylight saving, an operator fixing the time);
-    // the time-out follows the monotonic counter only.
-    void wallClockJumpsDoNotCutTheWait()
-    {
-        Bench bench;
-        bench.clock.setNow(QDateTime(QDate(2026, 1, 5), QTime(23, 59, 59, 500)));
-        bench.line.setDuringYield([&] { bench.clock.setNow(bench.clock.now().addMSecs(-3600000)); });
-        QCOMPARE(bench.master.ReadRegister(3, 0, 1), -99999);
-        QCOMPARE(bench.clock.monotonicMs(), 3003);
-    }
-
-    void badRequestsNeverReachTheLine_data()
-    {
-        QTest::addColumn<bool>("write");
-        QTest::addColumn<int>("functionCode");
-        QTest::addColumn<int>("address");
-        QTest::addColumn<int>("value");
-        QTest::addColumn<int>("slave");
-        QTest::newRow("read with a write code") << false << 6 << 0 << 0 << 1;
-        QTest::newRow("address past 65535") << false << 3 << 65536 << 0 << 1;
-        QTest::newRow("value past 65535") << true << 6 << 0 << 65536 << 1;
-    }
-    void badRequestsNeverReachTheLine()
-    {
-        QFETCH(bool, write);
-        QFETCH(int, functionCode);
-        QFETCH(int, address);
-        QFETCH(int, value);
-        QFETCH(int, slave);
-        for (const bool communicate : {true, false}) {
-            Bench bench;
-            bench.master.setCommunicate(communicate);
-            QTest::ignoreMessage(QtWarningMsg, QRegularExpression("refused"));
-            const BusOutcome outcome = write ? bench.master.write(functionCode, address, value, slave)
-                                             : bench.master.read(functionCode, address, slave);
-            QCOMPARE(outcome.value, -99999);
-            QCOMPARE(outcome.result, BusResult::NotConfigured);
-            QCOMPARE(bench.line.openCalls(), 0);
-        }
     }
 };
 

@@ -1,47 +1,136 @@
+// The supervisor as the operator drives it (start-up, Start, Stop, Reload, the automatic
+// start, the alarm indication) and the monitoring cycle its timer runs.
+
 #include "support/runtimefixture.h"
 
+#include "journal/operatorjournal.h"
 #include "supervisor/chartlogging.h"
+#include "supervisor/cycletask.h"
 #include "supervisor/supervisor.h"
 
 #include <QDir>
 #include <QFile>
-#include <QSignalSpy>
 #include <QLoggingCategory>
+#include <QSignalSpy>
 #include <QTest>
 
 using namespace telvane;
 
-Q_DECLARE_METATYPE(telvane::UserLevel)
+using TickList = QList<int>;
 
 namespace {
 
-// A loaded supervisor over one zone whose instrument answers all five quantities.
-struct SupervisorFixture : RuntimeFixture
+// A cycle task that writes to slave 99 (0x63) when asked, so its place among the polls
+// shows on the wire.
+class WireTask final : public CycleTask
+{
+public:
+    explicit WireTask(ModbusMaster &master) : m_master(master) {}
+    bool runTick() override { return writes && m_master.WriteRegister(6, 0x90, 1, 99) != ModbusMaster::InvalidValue; }
+    void acquisitionStarted() override {}
+
+    bool writes = false;
+
+private:
+    ModbusMaster &m_master;
+};
+
+const QString MeasurementRead = QStringLiteral("01 03 0000 0001");
+const QString LedLampRead = QStringLiteral("04 04 0042 0001");
+// What a Start reads: the round (PV and SP) and the switch states (On_r, Off_r).
+const QStringList StartReads{MeasurementRead, "01 03 0001 0001", "02 01 0022 0001", "02 01 0023 0001"};
+// A tick with every poll due: the remote/local exchanges, the Start's reads and the LED lamp.
+const int FullTickRequests = 4 + 4 + 1;
+
+// What the operator or the timer does.
+enum class Act { Tick, Start, Reload, Stop };
+
+// A loaded supervisor over one of each item on slaves 1 to 4 and the line probe on slave
+// 5: every register has its own address, so the wire tells which poll ran.
+struct CycleFixture : RuntimeFixture
 {
     Supervisor supervisor{rt};
+    WireTask task{rt.services.master};
 
-    SupervisorFixture()
+    explicit CycleFixture(int remotePeriod = 1, int measurementPeriod = 1, int ledPeriod = 1)
     {
-        rt.model.plant.zones.resize(1);
-        setRow(rt.model.editor.tables.ZoneReadTable, 0, {1, 1, -1, -1, 3, 0, 3, 1, 3, 2, 3, 3, 3, 4});
-        for (int k = 0; k < 5; ++k)
-            setValue(1, 3, k, 200);
         supervisor.load();
+        rt.model.plant.zones.resize(1);
+        rt.model.plant.switches.resize(1);
+        rt.model.plant.leds.resize(1);
+        rt.model.plant.apriporta.present = true;
+        RegisterTables &t = rt.model.editor.tables;
+        // Address, decimals, REM function and register, then the table's own slots.
+        setRow(t.ZoneReadTable, 0, {1, 1, 3, 0x10, 3, 0, 3, 1});
+        setRow(t.ZoneWriteTable, 0, {1, 1, 6, 0x11});
+        setRow(t.SwitchReadTable, 0, {2, 0, 1, 0x20, 1, 0x22, 1, 0x23});
+        setRow(t.SwitchWriteTable, 0, {2, 0, 5, 0x21});
+        setRow(t.DoorReadTable, 0, {3, 0, 2, 0x30});
+        setRow(t.DoorWriteTable, 0, {3, 0, 6, 0x31});
+        setRow(t.LedReadTable, 0, {4, 0, 1, 0x40, 4, 0x42, 25, -1, 1});
+        setRow(t.LedWriteTable, 0, {4, 0, 5, 0x41});
+        rt.model.editor.lineProbe = {5, 3, 0x50};
+        for (auto [slave, functionCode, address, value] :
+             {std::tuple{1, 3, 0x10, 1}, {1, 3, 0, 205}, {1, 3, 1, 210}, {2, 1, 0x20, 0}, {2, 1, 0x22, 1},
+              {2, 1, 0x23, 0}, {3, 2, 0x30, 1}, {4, 1, 0x40, 1}, {4, 4, 0x42, 30}, {5, 3, 0x50, 1}})
+            setValue(slave, functionCode, address, value);
+        slaves.insert(99);
+        rt.model.editor.comm.remotePeriod = remotePeriod;
+        rt.model.editor.comm.measurementPeriod = measurementPeriod;
+        rt.model.editor.comm.ledPeriod = ledPeriod;
+        rt.model.editor.comm.remoteEnabled = true;
+        rt.cycleTasks.append(&task);
+    }
+
+    void act(Act what)
+    {
+        switch (what) {
+        case Act::Tick:
+            return supervisor.monitoring().MonitorCycle();
+        case Act::Start:
+            return supervisor.MenuStart();
+        case Act::Reload:
+            return supervisor.MenuRileggi();
+        case Act::Stop:
+            return supervisor.MenuStop();
+        }
+    }
+
+    // The acquisition button's image after each of `phases` blink phases.
+    QList<int> blinkImages(int phases)
+    {
+        QList<int> images;
+        for (int i = 0; i < phases; ++i) {
+            supervisor.alarmIndication().Timer_LampeggioTick();
+            images.append(supervisor.acquisition().buttonImage());
+        }
+        return images;
     }
 };
 
-// The acquisition button's image after each of `phases` blink phases.
-QList<int> blinkImages(Supervisor &supervisor, int phases)
+// Which ticks each poll ran on, from tick `from` to tick `to`.
+struct PollTicks
 {
-    QList<int> images;
-    for (int i = 0; i < phases; ++i) {
-        supervisor.alarmIndication().Timer_LampeggioTick();
-        images.append(supervisor.acquisition().buttonImage());
-    }
-    return images;
-}
+    int remotePeriod, measurementPeriod, ledPeriod;
+    int from, to;
+    TickList remote, measurement, led, activity;
+};
+
+// Start or Reload and the state they find.
+struct StartCase
+{
+    bool reload = false;
+    bool acquiring = false;
+    bool communicate = true;
+    bool portOpen = true;
+    int requests = -1; // -1: the command does nothing
+};
 
 } // namespace
+
+Q_DECLARE_METATYPE(Act)
+Q_DECLARE_METATYPE(PollTicks)
+Q_DECLARE_METATYPE(StartCase)
 
 class TestSupervisor : public QObject
 {
@@ -50,20 +139,8 @@ class TestSupervisor : public QObject
 private slots:
     void initTestCase() { QLoggingCategory::setFilterRules(QStringLiteral("telvane.fieldbus.debug=false")); }
 
-    void load()
-    {
-        RuntimeFixture fx;
-        fx.rt.services.alarms.ReportSwitchFailure(0);
-        Supervisor supervisor(fx.rt);
-        supervisor.load();
-
-        QCOMPARE(fx.rt.display.statusBar.panel(StatusBar::StatePanel), QStringLiteral("Standby"));
-        QVERIFY(!supervisor.AcquisitionRunning() && supervisor.acquisition().AutoStartPending());
-        QCOMPARE(fx.rt.services.alarms.FailCount(AlarmItemKind::Switch, 0), 0);
-        for (const char *folder : {"Dati", "Crono", "Ricetta"})
-            QVERIFY2(QDir(fx.dir.filePath(QLatin1String(folder))).exists(), folder);
-    }
-
+    // Start-up loads the settings, acknowledges what the last run left, makes the
+    // program's folders and arms the automatic start if asked.
     void startUp_data()
     {
         QTest::addColumn<QString>("autoAvvio");
@@ -83,6 +160,7 @@ private slots:
         const QString ini = QStringLiteral("[Generale]\nZone=1\nAutoAvvio=%1\nGrafico=%2\n"
                                            "[Zona 01]\nIndirizzo=5\nPV_r=3,40001\n[COM]\nPorta=2\n");
         fx.writeFile(QStringLiteral("Telvane2.ini"), ini.arg(autoAvvio, grafico).toUtf8());
+        fx.rt.services.alarms.ReportSwitchFailure(0);
         Supervisor supervisor(fx.rt);
 
         supervisor.startUp();
@@ -92,228 +170,386 @@ private slots:
         QCOMPARE(supervisor.SerialPortOpen(), portOpens);
         QCOMPARE(fx.rt.display.statusBar.panel(StatusBar::PortPanel), QString(portOpens ? "COM2:9600,N,8,1" : "Nessuna COM"));
         QCOMPARE(fx.rt.display.statusBar.panel(StatusBar::MessagePanel), QString(autoAvvio == "1" ? "Avvio in corso..." : ""));
-    }
+        QCOMPARE(fx.rt.display.statusBar.panel(StatusBar::StatePanel), QStringLiteral("Standby"));
+        QVERIFY(!supervisor.AcquisitionRunning() && supervisor.acquisition().AutoStartPending());
+        QCOMPARE(fx.rt.services.alarms.FailCount(AlarmItemKind::Switch, 0), 0);
+        for (const char *folder : {"Dati", "Crono", "Ricetta"})
+            QVERIFY2(QDir(fx.dir.filePath(QLatin1String(folder))).exists(), folder);
 
-    // The operator's choice from the editor's menu outlives the reload that follows every
-    // confirmed editor page, and the next start of the program.
-    void chartChoiceOutlivesEditorReload()
-    {
-        RuntimeFixture fx;
-        fx.writeFile(QStringLiteral("Telvane2.ini"), "[Generale]\r\nZone=1\r\nGrafico=0\r\n");
+        // The operator's choice of chart logging from the editor's menu outlives the
+        // reload that follows every confirmed editor page, and the next start.
+        const bool chosen = grafico != QLatin1String("1");
+        MenuVediGraf(fx.rt);
         ReloadEditor(fx.rt);
-        QVERIFY(!fx.rt.display.ChartLoggingOption);
-        for (const bool chosen : {true, false}) {
-            MenuVediGraf(fx.rt);
-            QCOMPARE(fx.rt.display.ChartLoggingOption, chosen);
-            ReloadEditor(fx.rt);
-            QCOMPARE(fx.rt.display.ChartLoggingOption, chosen);
-            RuntimeFixture restarted;
-            QVERIFY(QFile::copy(fx.dir.filePath(QStringLiteral("Telvane2.ini")),
-                                restarted.dir.filePath(QStringLiteral("Telvane2.ini"))));
-            ReloadEditor(restarted.rt);
-            QCOMPARE(restarted.rt.display.ChartLoggingOption, chosen);
-        }
+        QCOMPARE(fx.rt.display.ChartLoggingOption, chosen);
+        RuntimeFixture restarted;
+        QVERIFY(QFile::copy(fx.dir.filePath(QStringLiteral("Telvane2.ini")), restarted.dir.filePath(QStringLiteral("Telvane2.ini"))));
+        ReloadEditor(restarted.rt);
+        QCOMPARE(restarted.rt.display.ChartLoggingOption, chosen);
     }
 
-    // Either way the activity and message panels are emptied; off also stops the blink.
-    void acquisitionState()
-    {
-        SupervisorFixture fx;
-        fx.supervisor.alarmIndication().SetAlarmBlink(true);
-        for (const bool on : {true, false}) {
-            fx.rt.display.statusBar.setPanel(StatusBar::ActivityPanel, QStringLiteral("Remoto..."));
-            fx.rt.display.statusBar.setPanel(StatusBar::MessagePanel, QStringLiteral("Accensione..."));
-            fx.supervisor.SetAcquisitionState(on);
-            QCOMPARE(fx.rt.display.statusBar.panel(StatusBar::StatePanel), QString(on ? "Acquisizione" : "Standby"));
-            QVERIFY(fx.rt.display.statusBar.panel(StatusBar::ActivityPanel).isEmpty());
-            QVERIFY(fx.rt.display.statusBar.panel(StatusBar::MessagePanel).isEmpty());
-            QCOMPARE(fx.supervisor.acquisition().buttonImage(),
-                     on ? AcquisitionState::AcquiringImage : AcquisitionState::StandbyImage);
-            QCOMPARE(fx.supervisor.monitoring().Timer_Monitor().isActive(), on);
-            QCOMPARE(fx.supervisor.alarmIndication().Timer_Lampeggio().isActive(), on);
-        }
-    }
-
-    // Start reads every zone once, Reload only while acquiring; both need an open port
-    // only to talk to the instruments.
-    void startAndReload_data()
-    {
-        QTest::addColumn<bool>("reload");
-        QTest::addColumn<bool>("acquiring");
-        QTest::addColumn<bool>("communicate");
-        QTest::addColumn<bool>("portOpen");
-        QTest::addColumn<int>("requests"); // -1: the command does nothing
-        QTest::newRow("start, simulation without port") << false << false << false << false << 0;
-        QTest::newRow("start, communicating") << false << false << true << true << 5;
-        QTest::newRow("start, communicating without port") << false << false << true << false << -1;
-        QTest::newRow("reload in standby") << true << false << true << true << -1;
-        QTest::newRow("reload while acquiring") << true << true << true << true << 5;
-        QTest::newRow("reload, port gone") << true << true << true << false << -1;
-    }
-    void startAndReload()
-    {
-        QFETCH(bool, reload);
-        QFETCH(bool, acquiring);
-        QFETCH(bool, communicate);
-        QFETCH(bool, portOpen);
-        QFETCH(int, requests);
-        SupervisorFixture fx;
-        if (acquiring)
-            fx.supervisor.MenuStart();
-        fx.takeRequests();
-        fx.rt.model.values.ZoneValues[0][0] = InvalidValue;
-        fx.rt.model.editor.comm.portAvailable = portOpen;
-        fx.supervisor.setCommunicateWithInstruments(communicate);
-        QSignalSpy changed(&fx.supervisor, &Supervisor::acquisitionStateChanged);
-
-        reload ? fx.supervisor.MenuRileggi() : fx.supervisor.MenuStart();
-        QCOMPARE(fx.takeRequests().size(), std::max(requests, 0));
-        QCOMPARE(fx.rt.model.values.ZoneValues[0][0] != InvalidValue, requests >= 0);
-        QCOMPARE(fx.supervisor.AcquisitionRunning(), acquiring || requests >= 0);
-        QCOMPARE(fx.supervisor.monitoring().Timer_Monitor().isActive(), acquiring || requests >= 0);
-        QCOMPARE(changed.size(), requests < 0 ? 0 : reload ? 2 : 1);
-    }
-
-    // A start with an alarm pending blinks again and locks the open editor.
-    void startResumesTheAlarmAndLocksTheEditor()
-    {
-        SupervisorFixture fx;
-        fx.rt.display.EditorOpen = true;
-        for (int i = 0; i < 6; ++i)
-            fx.rt.services.alarms.ReportLedFailure(2);
-        fx.supervisor.alarmIndication().SetAlarmBlink(false);
-        QSignalSpy editor(&fx.supervisor, &Supervisor::editorFrameEnabledRequested);
-
-        fx.supervisor.MenuStart();
-        QVERIFY(fx.supervisor.alarmIndication().AlarmBlinkActive());
-        QVERIFY(fx.supervisor.alarmIndication().Timer_Lampeggio().isActive());
-        QCOMPARE(QList<QVariantList>(editor), QList<QVariantList>{{false}});
-    }
-
-    void stop_data()
-    {
-        QTest::addColumn<UserLevel>("user");
-        QTest::addColumn<QList<QVariantList>>("editorRequests");
-        QTest::newRow("administrator") << UserLevel{false, true} << QList<QVariantList>{{true}};
-        QTest::newRow("technician") << UserLevel{true, false} << QList<QVariantList>{};
-        QTest::newRow("anonymous") << UserLevel{false, false} << QList<QVariantList>{};
-    }
-    // The displays are cleared; only an administrator gets the editor back.
-    void stop()
-    {
-        QFETCH(UserLevel, user);
-        QFETCH(QList<QVariantList>, editorRequests);
-        SupervisorFixture fx;
-        fx.rt.display.EditorOpen = true;
-        fx.rt.services.user = user;
-        fx.supervisor.MenuStart();
-        fx.supervisor.alarmIndication().SetAlarmBlink(true);
-        fx.rt.services.items.switches[0] = SwitchState::On;
-        fx.rt.services.items.leds[1].lit = true;
-        QSignalSpy zonesReset(&fx.rt.display.displayResets, &DisplayResets::ResetZoneDisplays);
-        QSignalSpy editor(&fx.supervisor, &Supervisor::editorFrameEnabledRequested);
-
-        fx.supervisor.MenuStop();
-        QVERIFY(!fx.supervisor.AcquisitionRunning());
-        QVERIFY(!fx.supervisor.alarmIndication().AlarmBlinkActive());
-        QCOMPARE(fx.supervisor.acquisition().buttonImage(), AcquisitionState::StandbyImage);
-        QCOMPARE(zonesReset.size(), 1);
-        QCOMPARE(fx.rt.services.items.switches[0], SwitchState::Undetermined);
-        QVERIFY(!fx.rt.services.items.leds[1].lit);
-        QCOMPARE(QList<QVariantList>(editor), editorRequests);
-    }
-
-    void refusalsWhileAcquiring_data()
-    {
-        QTest::addColumn<int>("command");
-        QTest::addColumn<bool>("acquiring");
-        const char *names[] = {"exit", "about", "season"};
-        for (int command = 0; command < 3; ++command) {
-            QTest::addRow("%s while acquiring", names[command]) << command << true;
-            QTest::addRow("%s in standby", names[command]) << command << false;
-        }
-    }
-    void refusalsWhileAcquiring()
-    {
-        QFETCH(int, command);
-        QFETCH(bool, acquiring);
-        SupervisorFixture fx;
-        fx.rt.services.master.setCommunicate(false);
-        if (acquiring)
-            fx.supervisor.MenuStart();
-        fx.pause.clear();
-        fx.panelTexts[StatusBar::MessagePanel].clear();
-
-        const std::function<bool()> commands[] = {[&] { return fx.supervisor.MenuFine(); },
-                                                  [&] { return fx.supervisor.MenuAbout(); },
-                                                  [&] { return fx.supervisor.MenuStagione(); }};
-        QCOMPARE(commands[command](), !acquiring);
-        QCOMPARE(fx.panelTexts[StatusBar::MessagePanel],
-                 (acquiring ? QStringList{"Operazione non permessa", ""} : QStringList{}));
-        QCOMPARE(fx.pause.pauses(), acquiring ? QList<int>{500} : QList<int>{});
-        QCOMPARE(fx.supervisor.AcquisitionRunning(), acquiring);
-    }
-
-    // While the automatic start is pending the button blinks every 350 ms, then every 700 ms.
-    void automaticStart()
-    {
-        SupervisorFixture fx;
-        Supervisor &supervisor = fx.supervisor;
-        fx.rt.services.master.setCommunicate(false);
-        supervisor.armAutoStart(true);
-        QVERIFY(supervisor.TimerAutoStart().isActive());
-        QCOMPARE(fx.rt.display.statusBar.panel(StatusBar::MessagePanel), QStringLiteral("Avvio in corso..."));
-        QCOMPARE(blinkImages(supervisor, 4), (QList<int>{3, 4, 3, 4}));
-        QVERIFY(supervisor.alarmIndication().Timer_Lampeggio().isActive());
-
-        supervisor.TimerAutoStartTick();
-        QVERIFY(!supervisor.acquisition().AutoStartPending());
-        QVERIFY(supervisor.AcquisitionRunning());
-        QVERIFY(!supervisor.alarmIndication().AlarmBlinkActive());
-        QCOMPARE(supervisor.acquisition().buttonImage(), AcquisitionState::AcquiringImage);
-        QCOMPARE(fx.rt.display.statusBar.panel(StatusBar::MessagePanel), QString());
-    }
-
-    // The sixth failure blinks the button and plays the sound on every other phase;
-    // acknowledging ends both.
-    void alarmBlinkAndSound_data()
+    // An operator's shift, with or without an alarm sound configured.
+    void acquisitionAndAlarms_data()
     {
         QTest::addColumn<QString>("sound");
         QTest::newRow("sound configured") << "allarme.wav";
         QTest::newRow("no sound") << "";
     }
-    void alarmBlinkAndSound()
+    void acquisitionAndAlarms()
     {
         QFETCH(QString, sound);
-        SupervisorFixture fx;
+        CycleFixture fx;
         Supervisor &supervisor = fx.supervisor;
+        AlarmIndication &indication = supervisor.alarmIndication();
+        StatusBar &bar = fx.rt.display.statusBar;
         fx.rt.services.master.setCommunicate(false);
+        // Every quantity read, as the unread alarm quantities would count as failures.
+        setRow(fx.rt.model.editor.tables.ZoneReadTable, 0, {1, 1, 3, 0x10, 3, 0, 3, 1, 3, 2, 3, 3, 3, 4});
         fx.rt.model.plant.synoptic.alarmSound = sound;
-        supervisor.TimerAutoStartTick(); // acquiring, as after the automatic start
-        QVERIFY(!supervisor.alarmIndication().Timer_Lampeggio().isActive());
+        fx.rt.display.EditorOpen = true;
+        QSignalSpy editor(&supervisor, &Supervisor::editorFrameEnabledRequested);
+        QStringList journal; // each entry's line in the month's file, without its time
+        QObject::connect(&fx.rt.services.journal, &OperatorJournal::recorded, [&](const JournalEntry &entry) {
+            journal.append(journalLine(entry).section(QLatin1Char(';'), 1));
+        });
+        const std::pair<const char *, std::function<bool()>> standbyOnly[] = {
+            {"exit", [&] { return supervisor.MenuFine(); }},
+            {"about", [&] { return supervisor.MenuAbout(); }},
+            {"season", [&] { return supervisor.MenuStagione(); }}};
 
-        for (int i = 0; i < 6; ++i)
+        // While the automatic start is pending the button blinks every 350 ms; the start
+        // empties the activity and message panels and ends the blink.
+        supervisor.armAutoStart(true);
+        QCOMPARE(bar.panel(StatusBar::MessagePanel), QStringLiteral("Avvio in corso..."));
+        QCOMPARE(fx.blinkImages(4), (QList<int>{3, 4, 3, 4}));
+        bar.setPanel(StatusBar::ActivityPanel, QStringLiteral("Remoto..."));
+        supervisor.TimerAutoStartTick();
+        QVERIFY(!supervisor.acquisition().AutoStartPending() && supervisor.AcquisitionRunning());
+        QCOMPARE(bar.panel(StatusBar::StatePanel), QStringLiteral("Acquisizione"));
+        QCOMPARE(bar.panel(StatusBar::MessagePanel), QString());
+        QCOMPARE(bar.panel(StatusBar::ActivityPanel), QString());
+        QCOMPARE(supervisor.acquisition().buttonImage(), AcquisitionState::AcquiringImage);
+        QVERIFY(supervisor.monitoring().Timer_Monitor().isActive());
+        QVERIFY(!indication.AlarmBlinkActive());
+        QCOMPARE(QList<QVariantList>(editor), QList<QVariantList>{{false}}); // the open editor is locked
+        editor.clear();
+
+        // Acquiring, what needs standby is refused with a message shown for half a second.
+        for (const auto &[name, command] : standbyOnly) {
+            fx.pause.clear();
+            fx.panelTexts[StatusBar::MessagePanel].clear();
+            QVERIFY2(!command(), name);
+            QCOMPARE(fx.panelTexts[StatusBar::MessagePanel], (QStringList{"Operazione non permessa", ""}));
+            QCOMPARE(fx.pause.pauses(), QList<int>{500});
+        }
+
+        // The sixth failure blinks the button and plays the sound on every other phase,
+        // every 700 ms now; acknowledging ends both. Only an acknowledgement of listed
+        // alarms is journalled, with how many there were.
+        fx.sound.clear();
+        for (int i = 0; i < 6; ++i) {
             fx.rt.services.alarms.ReportZoneFailure(0);
-        QVERIFY(supervisor.alarmIndication().AlarmBlinkActive());
-        QVERIFY(supervisor.alarmIndication().Timer_Lampeggio().isActive());
-        QCOMPARE(blinkImages(supervisor, 3), (QList<int>{3, 4, 3}));
+            fx.rt.services.alarms.ReportSwitchFailure(0);
+        }
+        QVERIFY(indication.AlarmBlinkActive() && indication.Timer_Lampeggio().isActive());
+        QCOMPARE(fx.blinkImages(3), (QList<int>{3, 4, 3}));
         const QString played = fx.dir.filePath(QStringLiteral("allarme.wav"));
         QCOMPARE(fx.sound.played(), (sound.isEmpty() ? QStringList{} : QStringList{played, played}));
-
+        supervisor.ResetAlarms();
         supervisor.ResetAlarms();
         QVERIFY(!supervisor.AlarmPending());
         QCOMPARE(supervisor.acquisition().buttonImage(), AcquisitionState::AcquiringImage);
-        supervisor.alarmIndication().Timer_LampeggioTick();
-        QVERIFY(!supervisor.alarmIndication().Timer_Lampeggio().isActive());
+        indication.Timer_LampeggioTick();
+        QVERIFY(!indication.Timer_Lampeggio().isActive());
         QCOMPARE(supervisor.acquisition().buttonImage(), AcquisitionState::AcquiringImage);
 
-        // Neither acquiring nor about to start: a blink stops at its next phase.
+        // A re-read is no stop and start. A Stop by a technician clears the displays and
+        // leaves the editor locked; a second one, in standby, does nothing.
+        fx.login(true, false);
+        supervisor.MenuRileggi();
+        indication.SetAlarmBlink(true);
+        fx.rt.services.items.switches[0] = SwitchState::On;
+        fx.rt.services.items.leds[1].lit = true;
+        bar.setPanel(StatusBar::ActivityPanel, QStringLiteral("Remoto..."));
+        bar.setPanel(StatusBar::MessagePanel, QStringLiteral("Accensione..."));
+        QSignalSpy zonesReset(&fx.rt.display.displayResets, &DisplayResets::ResetZoneDisplays);
         supervisor.MenuStop();
-        supervisor.alarmIndication().SetAlarmBlink(true);
-        supervisor.alarmIndication().Timer_LampeggioTick();
-        QVERIFY(!supervisor.alarmIndication().Timer_Lampeggio().isActive());
+        supervisor.MenuStop();
+        QVERIFY(!supervisor.AcquisitionRunning() && !supervisor.monitoring().Timer_Monitor().isActive());
+        QVERIFY(!indication.AlarmBlinkActive() && !indication.Timer_Lampeggio().isActive());
+        QCOMPARE(bar.panel(StatusBar::StatePanel), QStringLiteral("Standby"));
+        QVERIFY(bar.panel(StatusBar::ActivityPanel).isEmpty() && bar.panel(StatusBar::MessagePanel).isEmpty());
+        QCOMPARE(supervisor.acquisition().buttonImage(), AcquisitionState::StandbyImage);
+        QCOMPARE(zonesReset.size(), 2);
+        QCOMPARE(fx.rt.services.items.switches[0], SwitchState::Undetermined);
+        QVERIFY(!fx.rt.services.items.leds[1].lit);
+        QVERIFY(editor.isEmpty());
+
+        // Neither acquiring nor about to start: a blink stops at its next phase, and what
+        // needs standby runs.
+        indication.SetAlarmBlink(true);
+        indication.Timer_LampeggioTick();
+        QVERIFY(!indication.Timer_Lampeggio().isActive());
+        fx.pause.clear();
+        for (const auto &[name, command] : standbyOnly)
+            QVERIFY2(command(), name);
+        QVERIFY(fx.pause.pauses().isEmpty());
+
+        // A Start with an alarm pending blinks again; an administrator's Stop gives the
+        // editor back.
+        for (int i = 0; i < 6; ++i)
+            fx.rt.services.alarms.ReportLedFailure(2);
+        indication.SetAlarmBlink(false);
+        supervisor.MenuStart();
+        QVERIFY(indication.AlarmBlinkActive() && indication.Timer_Lampeggio().isActive());
+        QCOMPARE(QList<QVariantList>(editor), QList<QVariantList>{{false}});
+        fx.login(false, true);
+        supervisor.MenuStop();
+        QCOMPARE(editor.last(), QVariantList{true});
+
+        // A Start that cannot talk to the instruments does not start, and says why.
+        fx.rt.services.master.setCommunicate(true);
+        fx.rt.model.editor.comm.portAvailable = false;
+        supervisor.MenuStart();
+        QVERIFY(!supervisor.AcquisitionRunning());
+        QCOMPARE(journal, (QStringList{"Anonimo;Start;automatico;", "Anonimo;Riconoscimento allarmi;2 in elenco;",
+                                       "Tecnico;Rileggi;;", "Tecnico;Stop;;", "Tecnico;Start;;",
+                                       "Amministratore;Stop;;", "Amministratore;Start;;porta seriale non disponibile"}));
     }
 
+    // Start reads every item once, Reload only while acquiring; both need an open port
+    // only to talk to the instruments.
+    void startAndReload_data()
+    {
+        QTest::addColumn<StartCase>("c");
+        QTest::newRow("start, simulation without port") << StartCase{.communicate = false, .portOpen = false, .requests = 0};
+        QTest::newRow("start, communicating") << StartCase{.requests = 4};
+        QTest::newRow("start, communicating without port") << StartCase{.portOpen = false};
+        QTest::newRow("reload in standby") << StartCase{.reload = true};
+        QTest::newRow("reload while acquiring") << StartCase{.reload = true, .acquiring = true, .requests = 4};
+        QTest::newRow("reload, port gone") << StartCase{.reload = true, .acquiring = true, .portOpen = false};
+    }
+    void startAndReload()
+    {
+        QFETCH(StartCase, c);
+        CycleFixture fx;
+        if (c.acquiring)
+            fx.supervisor.MenuStart();
+        fx.takeRequests();
+        fx.rt.model.values.ZoneValues[0][0] = InvalidValue;
+        fx.rt.model.editor.comm.portAvailable = c.portOpen;
+        fx.supervisor.setCommunicateWithInstruments(c.communicate);
+        QSignalSpy changed(&fx.supervisor, &Supervisor::acquisitionStateChanged);
+
+        c.reload ? fx.supervisor.MenuRileggi() : fx.supervisor.MenuStart();
+        QCOMPARE(fx.takeRequests(), c.requests > 0 ? StartReads : QStringList{});
+        QCOMPARE(fx.rt.model.values.ZoneValues[0][0] != InvalidValue, c.requests >= 0);
+        QCOMPARE(fx.supervisor.AcquisitionRunning(), c.acquiring || c.requests >= 0);
+        QCOMPARE(fx.supervisor.monitoring().Timer_Monitor().isActive(), c.acquiring || c.requests >= 0);
+        QCOMPARE(changed.size(), c.requests < 0 ? 0 : c.reload ? 2 : 1);
+    }
+
+    void orderOfOneTick_data()
+    {
+        QTest::addColumn<bool>("remote");
+        QTest::addColumn<QStringList>("exchanges");
+        QTest::addColumn<QString>("activity");
+        QTest::newRow("remote mode") << true
+                                     << QStringList{"01 03 0010 0001", "02 01 0020 0001", "03 02 0030 0001",
+                                                    "04 01 0040 0001"}
+                                     << "Remoto...";
+        // The supervisor's state (acquiring: 1; a coil's 1 is 0xFF00) is written.
+        QTest::newRow("local mode") << false
+                                    << QStringList{"01 06 0011 0001", "02 05 0021 ff00", "03 06 0031 0001",
+                                                   "04 05 0041 ff00"}
+                                    << "Locale...";
+    }
+    void orderOfOneTick()
+    {
+        QFETCH(bool, remote);
+        QFETCH(QStringList, exchanges);
+        QFETCH(QString, activity);
+        CycleFixture fx(1, 1, 1);
+        fx.rt.model.editor.comm.remoteEnabled = remote;
+        fx.rt.model.editor.comm.lineActivity = true;
+        fx.supervisor.SetAcquisitionState(true);
+        fx.task.writes = true;
+
+        fx.supervisor.monitoring().MonitorCycle();
+        // The task, then the polls; the task kept the line busy, so no activity poll.
+        QCOMPARE(fx.takeRequests(), QStringList{"63 06 0090 0001"} + exchanges + StartReads + QStringList{LedLampRead});
+        QCOMPARE(fx.panelTexts[StatusBar::ActivityPanel], (QStringList{activity, "", "Lettura...", ""}));
+    }
+
+    void ticksOfEachPoll_data()
+    {
+        QTest::addColumn<PollTicks>("p");
+        QTest::newRow("defaults, first ticks") << PollTicks{3, 60, 3, 1, 10, {3, 6, 9}, {}, {3, 6, 9}, {1, 2, 4, 5, 7, 8, 10}};
+        // The counter restarts after 300, a multiple of every default period.
+        QTest::newRow("defaults, around the wrap")
+            << PollTicks{3, 60, 3, 298, 304, {300, 303}, {300}, {300, 303}, {298, 299, 301, 302, 304}};
+        // Periods that do not divide 300 run unevenly around the wrap; 0 never runs.
+        QTest::newRow("7, 300 and 0") << PollTicks{7, 300, 0, 285, 316, {287, 294, 307, 314}, {300}, {}, {}};
+        QTest::newRow("all 0: only the activity poll") << PollTicks{0, 0, 0, 1, 3, {}, {}, {}, {1, 2, 3}};
+    }
+    void ticksOfEachPoll()
+    {
+        QFETCH(PollTicks, p);
+        CycleFixture fx(p.remotePeriod, p.measurementPeriod, p.ledPeriod);
+        fx.rt.model.plant.switches.clear();
+        fx.rt.model.plant.apriporta.present = false;
+        // Rows without an activity poll have it switched off.
+        fx.rt.model.editor.comm.lineActivity = !p.activity.isEmpty();
+        fx.supervisor.SetAcquisitionState(true);
+
+        const QStringList polls{"01 03 0010 0001", MeasurementRead, LedLampRead, "05 03 0050 0001"};
+        QList<TickList> ran(polls.size());
+        for (int tick = 1; tick <= p.to; ++tick) {
+            fx.supervisor.monitoring().MonitorCycle();
+            const QStringList requests = fx.takeRequests();
+            for (int poll = 0; poll < polls.size(); ++poll)
+                if (tick >= p.from && requests.contains(polls[poll]))
+                    ran[poll].append(tick);
+        }
+        QCOMPARE(ran, (QList<TickList>{p.remote, p.measurement, p.led, p.activity}));
+    }
+
+    // Clicked while a poll waits: a Stop ends the tick after that exchange and leaves
+    // the timer off; a Start or Reload runs once the tick is over, a nested tick is
+    // skipped. The timer runs on through them and fires into their reply waits: no tick
+    // may start there, its exchanges would be refused as the line is taken and counted
+    // against the instruments.
+    void clicksDuringATick_data()
+    {
+        QTest::addColumn<QList<Act>>("clicks");
+        QTest::addColumn<int>("tickRequests");
+        QTest::addColumn<int>("counterAfter");
+        QTest::newRow("stop") << QList{Act::Stop} << 1 << 1;
+        QTest::newRow("stop, then start") << QList{Act::Stop, Act::Start} << 1 << 0;
+        QTest::newRow("start while acquiring") << QList{Act::Start} << FullTickRequests << 0;
+        QTest::newRow("reload") << QList{Act::Reload} << FullTickRequests << 1;
+        QTest::newRow("another tick") << QList{Act::Tick} << FullTickRequests << 1;
+    }
+    void clicksDuringATick()
+    {
+        QFETCH(QList<Act>, clicks);
+        QFETCH(int, tickRequests);
+        QFETCH(int, counterAfter);
+        CycleFixture fx;
+        fx.supervisor.SetAcquisitionState(true);
+        QSignalSpy ticks(&fx.supervisor.monitoring(), &MonitoringCycle::tickFinished);
+        bool clicked = false;
+        fx.line.setDuringYield([&] {
+            if (std::exchange(clicked, true)) {
+                if (fx.supervisor.AcquisitionRunning())
+                    fx.act(Act::Tick);
+                return;
+            }
+            const qsizetype sent = fx.line.requests().size();
+            for (Act click : clicks)
+                fx.act(click);
+            QCOMPARE(fx.line.requests().size(), sent);
+        });
+
+        fx.supervisor.monitoring().MonitorCycle();
+        QVERIFY(clicked);
+        const bool reads = clicks.last() == Act::Start || clicks.last() == Act::Reload;
+        QCOMPARE(fx.takeRequests().mid(tickRequests), reads ? StartReads : QStringList{});
+        const bool stopped = clicks == QList{Act::Stop};
+        QCOMPARE(fx.supervisor.AcquisitionRunning(), !stopped);
+        QCOMPARE(fx.supervisor.monitoring().Timer_Monitor().isActive(), !stopped);
+        QCOMPARE(fx.supervisor.monitoring().CycleCounter(), counterAfter);
+        QCOMPARE(fx.rt.services.alarms.FailCount(AlarmItemKind::Led, 0), 0);
+        if (stopped)
+            return;
+        QCOMPARE(ticks.size(), 1);
+        // A Start clicked outside a tick while acquiring: the same.
+        fx.act(Act::Start);
+        QCOMPARE(ticks.size(), 1);
+        QCOMPARE(fx.takeRequests(), StartReads);
+        QCOMPARE(fx.rt.services.alarms.FailCount(AlarmItemKind::Led, 0), 0);
+    }
+
+    // A Stop during a round on a silent line (three zones, two quantities each, three
+    // attempts): the try under way ends, nothing more goes on the wire, the port is
+    // closed, only that try counts toward its zone's alarm and the round writes no
+    // line in the day's file. A later Start talks to the instruments again.
+    void stopEndsARoundOnASilentLine_data()
+    {
+        QTest::addColumn<Act>("during");
+        QTest::newRow("tick") << Act::Tick;
+        QTest::newRow("start's read") << Act::Start;
+        QTest::newRow("reload") << Act::Reload;
+    }
+    void stopEndsARoundOnASilentLine()
+    {
+        QFETCH(Act, during);
+        CycleFixture fx(0, 1, 0);
+        fx.rt.services.master.setAttempts(3);
+        fx.rt.display.ChartLoggingOption = true;
+        fx.rt.model.plant.zones.resize(3);
+        fx.rt.model.plant.switches.clear();
+        for (int zone = 0; zone < 3; ++zone)
+            setRow(fx.rt.model.editor.tables.ZoneReadTable, zone, {9, 1, 3, 0x10, 3, 0, 3, 1});
+        fx.supervisor.SetAcquisitionState(during != Act::Start);
+        int stopsAsked = 0;
+        fx.line.setDuringYield([&] {
+            if (stopsAsked++ == 0)
+                fx.supervisor.MenuStop();
+        });
+
+        fx.act(during);
+        QCOMPARE(fx.takeRequests(), QStringList{fx.request(9, 3, 0, 1)});
+        QVERIFY(!fx.line.isOpen());
+        QVERIFY(!fx.supervisor.AcquisitionRunning());
+        QCOMPARE(fx.rt.services.alarms.FailCount(AlarmItemKind::Zone, 0), 1);
+        QCOMPARE(fx.rt.services.alarms.FailCount(AlarmItemKind::Zone, 1), 0);
+        QVERIFY(!QFile::exists(fx.dir.filePath(QStringLiteral("Dati/2026_11_14.csv"))));
+
+        fx.line.setDuringYield({});
+        fx.setValue(9, 3, 0, 200);
+        fx.supervisor.MenuStart();
+        QVERIFY(fx.supervisor.AcquisitionRunning());
+        QCOMPARE(fx.takeRequests().first(), fx.request(9, 3, 0, 1));
+        QVERIFY(QFile::exists(fx.dir.filePath(QStringLiteral("Dati/2026_11_14.csv"))));
+    }
+
+    void pollAnswersDriveTheCounts_data()
+    {
+        QTest::addColumn<bool>("remote");
+        QTest::addColumn<bool>("answers");
+        QTest::addColumn<QList<int>>("counts"); // zone, switch, LED; each 3 before the tick
+        QTest::addColumn<RemoteState>("zoneState");
+        // A LED's answer is not looked at: only its failure counts.
+        QTest::newRow("remote, answering") << true << true << QList<int>{0, 0, 3} << RemoteState::Remote;
+        QTest::newRow("local, silent") << false << false << QList<int>{4, 4, 4} << RemoteState::Unknown;
+    }
+
+    void pollAnswersDriveTheCounts()
+    {
+        QFETCH(bool, remote);
+        QFETCH(bool, answers);
+        QFETCH(QList<int>, counts);
+        QFETCH(RemoteState, zoneState);
+        CycleFixture fx(1, 0, 0);
+        fx.rt.model.editor.comm.remoteEnabled = remote;
+        if (!answers)
+            fx.slaves.clear();
+        for (int i = 0; i < 3; ++i) {
+            fx.rt.services.alarms.ReportZoneFailure(0);
+            fx.rt.services.alarms.ReportSwitchFailure(0);
+            fx.rt.services.alarms.ReportLedFailure(0);
+        }
+        fx.rt.services.items.zoneRemote[0] = RemoteState::Local;
+        fx.supervisor.SetAcquisitionState(true);
+
+        fx.supervisor.monitoring().MonitorCycle();
+        const AlarmBook &alarms = fx.rt.services.alarms;
+        QCOMPARE((QList<int>{alarms.FailCount(AlarmItemKind::Zone, 0), alarms.FailCount(AlarmItemKind::Switch, 0),
+                             alarms.FailCount(AlarmItemKind::Led, 0)}),
+                 counts);
+        QCOMPARE(fx.rt.services.items.zoneRemote[0], zoneState);
+    }
 };
 
 QTEST_GUILESS_MAIN(TestSupervisor)
