@@ -23,11 +23,7 @@ namespace telvane {
 class ScriptedLine final : public SerialLine
 {
 public:
-    struct Chunk
-    {
-        qint64 afterMs = 0;
-        QByteArray bytes;
-    };
+    struct Chunk { qint64 afterMs = 0; QByteArray bytes; };
 
     class Reply
     {
@@ -64,11 +60,7 @@ public:
 
     void script(const Reply &reply) { m_script.append(reply); }
     void setResponder(Responder responder) { m_responder = std::move(responder); }
-    void setOpenRefused(bool refused, const QString &error = QStringLiteral("Permission denied"))
-    {
-        m_openRefused = refused;
-        m_refusal = error;
-    }
+    void setOpenRefused(bool refused, const QString &error = QStringLiteral("Permission denied")) { m_refusal = refused ? error : QString(); }
     // Runs at the start of every yield: the event handlers a real event loop would run.
     void setDuringYield(std::function<void()> handler) { m_duringYield = std::move(handler); }
     // Runs at every open, before it succeeds or fails.
@@ -89,20 +81,15 @@ public:
     const QString &format() const { return m_format; }
 
     void setPort(const QString &port) override { m_port = port; }
-    bool setFormat(const QString &format) override
-    {
-        m_format = format;
-        return true;
-    }
+    bool setFormat(const QString &format) override { m_format = format; return true; }
     bool open() override
     {
         ++m_openCalls;
         if (m_onOpen)
             m_onOpen();
         deliverDue();
-        m_lastError = m_openRefused ? m_refusal : QString();
-        m_open = !m_openRefused;
-        return m_open;
+        m_lastError = m_refusal;
+        return m_open = m_refusal.isEmpty();
     }
     void close() override
     {
@@ -114,10 +101,8 @@ public:
     bool isOpen() const override { return m_open; }
     void write(const QByteArray &bytes) override
     {
-        if (!m_open) {
-            ++m_writesWhileClosed;
-            return;
-        }
+        if (!m_open)
+            return void(++m_writesWhileClosed);
         deliverDue();
         m_requests.append(bytes);
         const Reply reply = !m_script.isEmpty() ? m_script.takeFirst() : m_responder ? m_responder(bytes) : Reply();
@@ -128,11 +113,7 @@ public:
     }
     qint64 bytesAvailable() override { return deliverDue(), m_input.size(); }
     QByteArray readAll() override { return deliverDue(), std::exchange(m_input, {}); }
-    void clearInput() override
-    {
-        deliverDue();
-        m_input.clear();
-    }
+    void clearInput() override { deliverDue(), m_input.clear(); }
     void yield(int ms) override
     {
         if (m_duringYield)
@@ -166,16 +147,10 @@ private:
     QByteArray m_input;
 
     bool m_open = false;
-    bool m_openRefused = false;
-    QString m_refusal;
-    QString m_lastError;
-    QString m_port;
-    QString m_format = QStringLiteral("9600,N,8,1");
-
+    QString m_refusal; // the error of every open, empty when it opens
+    QString m_lastError, m_port, m_format = QStringLiteral("9600,N,8,1");
     QList<QByteArray> m_requests;
-    int m_openCalls = 0;
-    int m_closeCalls = 0;
-    int m_writesWhileClosed = 0;
+    int m_openCalls = 0, m_closeCalls = 0, m_writesWhileClosed = 0;
 };
 
 } // namespace telvane

@@ -22,17 +22,14 @@ namespace {
 
 // A cycle task that writes to slave 99 (0x63) when asked, so its place among the polls
 // shows on the wire.
-class WireTask final : public CycleTask
+struct WireTask final : CycleTask
 {
-public:
-    explicit WireTask(ModbusMaster &master) : m_master(master) {}
-    bool runTick() override { return writes && m_master.WriteRegister(6, 0x90, 1, 99) != ModbusMaster::InvalidValue; }
+    explicit WireTask(ModbusMaster &master) : master(master) {}
+    bool runTick() override { return writes && master.WriteRegister(6, 0x90, 1, 99) != ModbusMaster::InvalidValue; }
     void acquisitionStarted() override {}
 
+    ModbusMaster &master;
     bool writes = false;
-
-private:
-    ModbusMaster &m_master;
 };
 
 const QString MeasurementRead = QStringLiteral("01 03 0000 0001");
@@ -84,16 +81,11 @@ struct CycleFixture : RuntimeFixture
 
     void act(Act what)
     {
-        switch (what) {
-        case Act::Tick:
+        if (what == Act::Tick)
             return supervisor.monitoring().MonitorCycle();
-        case Act::Start:
-            return supervisor.MenuStart();
-        case Act::Reload:
-            return supervisor.MenuRileggi();
-        case Act::Stop:
-            return supervisor.MenuStop();
-        }
+        using Menu = void (Supervisor::*)();
+        const Menu menus[] = {nullptr, &Supervisor::MenuStart, &Supervisor::MenuRileggi, &Supervisor::MenuStop};
+        (supervisor.*menus[int(what)])();
     }
 
     // The acquisition button's image after each of `phases` blink phases.
@@ -111,19 +103,15 @@ struct CycleFixture : RuntimeFixture
 // Which ticks each poll ran on, from tick `from` to tick `to`.
 struct PollTicks
 {
-    int remotePeriod, measurementPeriod, ledPeriod;
-    int from, to;
+    int remotePeriod, measurementPeriod, ledPeriod, from, to;
     TickList remote, measurement, led, activity;
 };
 
-// Start or Reload and the state they find.
+// Start or Reload, the state they find and the requests they send (-1: the command does nothing).
 struct StartCase
 {
-    bool reload = false;
-    bool acquiring = false;
-    bool communicate = true;
-    bool portOpen = true;
-    int requests = -1; // -1: the command does nothing
+    bool reload = false, acquiring = false, communicate = true, portOpen = true;
+    int requests = -1;
 };
 
 } // namespace
@@ -514,41 +502,28 @@ private slots:
         QVERIFY(QFile::exists(fx.dir.filePath(QStringLiteral("Dati/2026_11_14.csv"))));
     }
 
-    void pollAnswersDriveTheCounts_data()
-    {
-        QTest::addColumn<bool>("remote");
-        QTest::addColumn<bool>("answers");
-        QTest::addColumn<QList<int>>("counts"); // zone, switch, LED; each 3 before the tick
-        QTest::addColumn<RemoteState>("zoneState");
-        // A LED's answer is not looked at: only its failure counts.
-        QTest::newRow("remote, answering") << true << true << QList<int>{0, 0, 3} << RemoteState::Remote;
-        QTest::newRow("local, silent") << false << false << QList<int>{4, 4, 4} << RemoteState::Unknown;
-    }
-
+    // One tick's remote/local exchanges and the counts (zone, switch, LED; each 3
+    // before): an answer clears them, but a LED's answer is not looked at; silence counts.
     void pollAnswersDriveTheCounts()
     {
-        QFETCH(bool, remote);
-        QFETCH(bool, answers);
-        QFETCH(QList<int>, counts);
-        QFETCH(RemoteState, zoneState);
-        CycleFixture fx(1, 0, 0);
-        fx.rt.model.editor.comm.remoteEnabled = remote;
-        if (!answers)
-            fx.slaves.clear();
-        for (int i = 0; i < 3; ++i) {
-            fx.rt.services.alarms.ReportZoneFailure(0);
-            fx.rt.services.alarms.ReportSwitchFailure(0);
-            fx.rt.services.alarms.ReportLedFailure(0);
-        }
-        fx.rt.services.items.zoneRemote[0] = RemoteState::Local;
-        fx.supervisor.SetAcquisitionState(true);
+        for (const bool remote : {true, false}) {
+            CycleFixture fx(1, 0, 0);
+            fx.rt.model.editor.comm.remoteEnabled = remote;
+            if (!remote)
+                fx.slaves.clear(); // local, on a silent line
+            for (const AlarmItemKind kind : {AlarmItemKind::Zone, AlarmItemKind::Switch, AlarmItemKind::Led})
+                for (int i = 0; i < 3; ++i)
+                    fx.rt.services.alarms.reportFailure(kind, 0);
+            fx.rt.services.items.zoneRemote[0] = RemoteState::Local;
+            fx.supervisor.SetAcquisitionState(true);
 
-        fx.supervisor.monitoring().MonitorCycle();
-        const AlarmBook &alarms = fx.rt.services.alarms;
-        QCOMPARE((QList<int>{alarms.FailCount(AlarmItemKind::Zone, 0), alarms.FailCount(AlarmItemKind::Switch, 0),
-                             alarms.FailCount(AlarmItemKind::Led, 0)}),
-                 counts);
-        QCOMPARE(fx.rt.services.items.zoneRemote[0], zoneState);
+            fx.supervisor.monitoring().MonitorCycle();
+            const AlarmBook &alarms = fx.rt.services.alarms;
+            QCOMPARE((QList<int>{alarms.FailCount(AlarmItemKind::Zone, 0), alarms.FailCount(AlarmItemKind::Switch, 0),
+                                 alarms.FailCount(AlarmItemKind::Led, 0)}),
+                     (remote ? QList<int>{0, 0, 3} : QList<int>{4, 4, 4}));
+            QCOMPARE(fx.rt.services.items.zoneRemote[0], remote ? RemoteState::Remote : RemoteState::Unknown);
+        }
     }
 };
 
