@@ -15,9 +15,8 @@ namespace telvane {
 // A serial line with a scripted slave behind it, on a ManualClock.
 //
 // Each request written gets a reply: the next one queued with `script()`, else the
-// responder's answer, else silence. A reply is a list of chunks, each arriving a given
-// number of milliseconds after the request; chunks of earlier requests that are still on
-// their way keep arriving, as on a real line. `yield(ms)` moves the clock to the next
+// responder's answer, else silence. Chunks of earlier replies still on their way keep
+// arriving, as on a real line. `yield(ms)` moves the clock to the next
 // arrival or by `ms`, whichever comes first, so a test runs through a time-out without
 // sleeping. Bytes that arrive while the port is closed are lost.
 class ScriptedLine final : public SerialLine
@@ -25,33 +24,15 @@ class ScriptedLine final : public SerialLine
 public:
     struct Chunk { qint64 afterMs = 0; QByteArray bytes; };
 
-    class Reply
+    // Silence, or bytes arriving given milliseconds after the request: a reply, pieces of
+    // one, noise. Implicit from bytes arriving at once, so a responder may return them.
+    struct Reply
     {
-    public:
-        Reply() = default; // silence
-        // The whole reply as soon as the request is out; implicit, so a responder may
-        // simply return the bytes.
+        Reply() = default;
         Reply(const QByteArray &bytes) { at(0, bytes); }
+        Reply &at(qint64 afterMs, const QByteArray &bytes) { return chunks.append({afterMs, bytes}), *this; }
 
-        // Adds bytes arriving `afterMs` after the request (noise, a piece of a reply).
-        Reply &at(qint64 afterMs, const QByteArray &bytes)
-        {
-            m_chunks.append({afterMs, bytes});
-            return *this;
-        }
-        // `bytes` cut into pieces of `pieceSize`, the first at `firstMs`, the next ones
-        // `stepMs` apart.
-        static Reply split(const QByteArray &bytes, int pieceSize, qint64 firstMs, qint64 stepMs)
-        {
-            Reply reply;
-            for (qsizetype from = 0; from < bytes.size(); from += pieceSize, firstMs += stepMs)
-                reply.at(firstMs, bytes.mid(from, pieceSize));
-            return reply;
-        }
-        const QList<Chunk> &chunks() const { return m_chunks; }
-
-    private:
-        QList<Chunk> m_chunks;
+        QList<Chunk> chunks;
     };
 
     using Responder = std::function<Reply(const QByteArray &request)>;
@@ -76,7 +57,6 @@ public:
     const QList<QByteArray> &requests() const { return m_requests; }
     int openCalls() const { return m_openCalls; }
     int closeCalls() const { return m_closeCalls; }
-    int writesWhileClosed() const { return m_writesWhileClosed; }
     const QString &port() const { return m_port; }
     const QString &format() const { return m_format; }
 
@@ -99,14 +79,15 @@ public:
         m_open = false;
     }
     bool isOpen() const override { return m_open; }
+    // Bytes written to a closed port are listed among the requests, and go nowhere.
     void write(const QByteArray &bytes) override
     {
-        if (!m_open)
-            return void(++m_writesWhileClosed);
-        deliverDue();
         m_requests.append(bytes);
+        if (!m_open)
+            return;
+        deliverDue();
         const Reply reply = !m_script.isEmpty() ? m_script.takeFirst() : m_responder ? m_responder(bytes) : Reply();
-        for (const Chunk &chunk : reply.chunks())
+        for (const Chunk &chunk : reply.chunks)
             m_inFlight.append({m_clock.monotonicMs() + chunk.afterMs, chunk.bytes});
         std::stable_sort(m_inFlight.begin(), m_inFlight.end(), [](const Chunk &a, const Chunk &b) { return a.afterMs < b.afterMs; });
         deliverDue();
@@ -150,7 +131,7 @@ private:
     QString m_refusal; // the error of every open, empty when it opens
     QString m_lastError, m_port, m_format = QStringLiteral("9600,N,8,1");
     QList<QByteArray> m_requests;
-    int m_openCalls = 0, m_closeCalls = 0, m_writesWhileClosed = 0;
+    int m_openCalls = 0, m_closeCalls = 0;
 };
 
 } // namespace telvane

@@ -12,7 +12,6 @@
 #include <QFile>
 #include <QLocale>
 #include <QLoggingCategory>
-#include <QSignalSpy>
 #include <QTest>
 
 using namespace telvane;
@@ -21,35 +20,26 @@ namespace {
 
 const QDateTime Evening(QDate(2026, 11, 30), QTime(23, 59, 58));
 
-// A journal in a folder of its own, on a clock at the end of November.
-struct JournalRig
+// A plant whose journal entries are collected as their lines, without the time.
+struct JournalFixture : RuntimeFixture
 {
-    QTemporaryDir dir;
-    ManualClock clock{Evening};
-    OperatorJournal journal{ProgramFolder(dir.path()), clock};
+    OperatorJournal &journal = rt.services.journal;
+    QStringList seen;
 
-    QString november() const { return dir.filePath(QStringLiteral("Dati/Giornale_2026_11.csv")); }
+    JournalFixture()
+    {
+        QObject::connect(&journal, &OperatorJournal::recorded, [this](const JournalEntry &entry) {
+            seen.append(journalLine(entry).section(QLatin1Char(';'), 1));
+        });
+    }
     bool record(const char *event) { return journal.record(QStringLiteral("Tecnico"), QLatin1String(event)); }
+    // The events read back from November's file.
     QStringList events() const
     {
         QStringList events;
         for (const JournalEntry &entry : journal.readJournal(QStringLiteral("Giornale_2026_11.csv")))
             events << entry.event;
         return events;
-    }
-};
-
-// A whole plant whose journal entries are collected as their lines, without the time.
-struct HooksFixture : RuntimeFixture
-{
-    Supervisor supervisor{rt};
-    QStringList seen;
-
-    HooksFixture()
-    {
-        QObject::connect(&rt.services.journal, &OperatorJournal::recorded, [this](const JournalEntry &entry) {
-            seen.append(journalLine(entry).section(QLatin1Char(';'), 1));
-        });
     }
 };
 
@@ -107,12 +97,12 @@ private slots:
     // it. A folder "Dati" removed while running is made again.
     void monthFilesLoseNothing()
     {
-        JournalRig rig;
-        QSignalSpy announced(&rig.journal, &OperatorJournal::recorded);
+        JournalFixture rig;
+        rig.clock.setNow(Evening);
         QVERIFY(rig.journal.record(QStringLiteral("Anonimo"), QStringLiteral("Start"), QStringLiteral("automatico")));
         rig.clock.advance(1000);
         QVERIFY(rig.record("Login"));
-        QFile file(rig.november());
+        QFile file(rig.dir.filePath(QStringLiteral("Dati/Giornale_2026_11.csv")));
         QVERIFY(file.open(QIODevice::ReadOnly));
         QCOMPARE(file.readAll(), "Data e ora;Livello utente;Evento;Dettaglio;Esito\r\n"
                                  "30/11/2026 23:59:58;Anonimo;Start;automatico;\r\n"
@@ -130,14 +120,14 @@ private slots:
             QVERIFY(!rig.record("Comando"));
         }
         QCOMPARE(QFileInfo(file).size(), size);
-        QCOMPARE(announced.size(), 4);
+        QCOMPARE(rig.seen.size(), 4);
 
         rig.clock.advance(1000);
         QVERIFY(rig.record("Rileggi"));
         QCOMPARE(rig.journal.journalFiles(), (QStringList{"Giornale_2026_12.csv", "Giornale_2026_11.csv"}));
         const QList<JournalEntry> december = rig.journal.readJournal(QStringLiteral("Giornale_2026_12.csv"));
         QCOMPARE(december, (QList<JournalEntry>{{QDateTime(QDate(2026, 12, 1), QTime(0, 0)), "Tecnico", "Rileggi", "", ""}}));
-        QCOMPARE(announced.last().at(0).value<JournalEntry>(), december.first());
+        QCOMPARE(rig.seen.last(), QStringLiteral("Tecnico;Rileggi;;"));
         QCOMPARE(rig.events(), (QStringList{"Start", "Login", "Stop"}));
 
         rig.clock.setNow(Evening);
@@ -151,8 +141,9 @@ private slots:
     void commands()
     {
         QLocale::setDefault(QLocale(QLocale::Italian, QLocale::Italy));
-        HooksFixture fx;
-        PlantCommands commands(fx.rt, fx.prompts, fx.supervisor.acquisition());
+        JournalFixture fx;
+        Supervisor supervisor(fx.rt);
+        PlantCommands commands(fx.rt, fx.prompts, supervisor.acquisition());
         fx.rt.cycleTasks.append(&commands);
         fx.rt.model.plant.SwitchControlMode = 1;
         fx.rt.model.plant.switches.resize(2);
@@ -168,10 +159,10 @@ private slots:
 
         commands.switchOffImageClicked(0); // standing by: at once
         commands.doorOpenerClicked();      // no door configured
-        fx.supervisor.SetAcquisitionState(true);
+        supervisor.SetAcquisitionState(true);
         commands.queueSwitch(1, false);    // unnamed and not configured
         commands.queueSetValue(0, QStringLiteral("21.5"));
-        fx.supervisor.monitoring().MonitorCycle();
+        supervisor.monitoring().MonitorCycle();
         QLocale::setDefault(QLocale::c());
 
         QCOMPARE(fx.seen, (QStringList{"Tecnico;Comando;Accensione Pompa;confermato",
