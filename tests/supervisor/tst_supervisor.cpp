@@ -681,6 +681,15 @@ private slots:
         QCOMPARE(fx.rt.services.alarms.FailCount(AlarmItemKind::Led, 2), 0);
         QVERIFY(items.leds[2].lit);
         fx.takeRequests();
+        // Lit below, at and above the threshold for each condition from 0 to 9: 1 ">=",
+        // 2 "<=", 3 "=", 4 ">", 5 "<", 6 "<>", any other ">=".
+        QStringList lit;
+        for (int condition = 0; condition <= 9; ++condition) {
+            lit.append(QString());
+            for (int reading : {249, 250, 251})
+                lit.last() += ledConditionHolds(condition, reading, 250) ? '1' : '0';
+        }
+        QCOMPARE(lit, (QStringList{"011", "011", "110", "010", "001", "100", "101", "011", "011", "011"}));
 
         // The line probe: a silent line is noted once, not on every idle tick.
         fx.rt.model.editor.lineProbe = {21, 1, 0x10};
@@ -700,19 +709,6 @@ private slots:
         QTest::ignoreMessage(QtWarningMsg, QRegularExpression("No LED with index 10"));
         QVERIFY(!ledRemoteRead(fx.rt, 10));
         QVERIFY(fx.takeRequests().isEmpty());
-    }
-
-    // Whether a lamp is lit below, at and above its threshold, for each condition from 0
-    // to 9: 1 ">=", 2 "<=", 3 "=", 4 ">", 5 "<", 6 "<>", any other ">=".
-    void ledCondition()
-    {
-        QStringList lit;
-        for (int condition = 0; condition <= 9; ++condition) {
-            lit.append(QString());
-            for (int reading : {249, 250, 251})
-                lit.last() += ledConditionHolds(condition, reading, 250) ? '1' : '0';
-        }
-        QCOMPARE(lit, (QStringList{"011", "011", "110", "010", "001", "100", "101", "011", "011", "011"}));
     }
 
     // Zone 2 beside a zone that always answers: its count after one and two rounds, and
