@@ -79,7 +79,7 @@ private slots:
         // Damaged lines (a quote never closed, no such date, a field too many, a line cut
         // by a crash) are skipped, and the next entry starts on a line of its own.
         QVERIFY(file.open(QIODevice::Append));
-        file.write("30/11/2026 23:59:58;Tecnico;Comando;\"Zona;x;confermato\r\n31/11/2026 10:00:00;Tecnico;Start;;\r\n"
+        file.write("30/11/2026 23:59:58;Tecnico;Comando;Zona;\"x;confermato\r\n31/11/2026 10:00:00;Tecnico;Start;;\r\n"
                    "30/11/2026 23:59:58;Tecnico;Start;;;\r\n30/11/2026 23:59:59;Tecn");
         file.close();
         QVERIFY(rig.record("Stop"));
