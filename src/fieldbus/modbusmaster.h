@@ -73,9 +73,6 @@ public:
     // seeded from the clock's wall time.
     void setRandomSource(std::function<double()> random);
 
-    // Every byte received by the last transaction, in arrival order.
-    const QByteArray &replyBuffer() const { return m_reply; }
-
     // True while an operation is under way (also seen by handlers run during its wait).
     bool busy() const { return m_busy || m_waiting; }
 
@@ -97,7 +94,7 @@ public:
     void DrainInput();
 
     // Sends `frame` and waits up to the reply time-out for `expectedLength` bytes.
-    // Value with a full reply in `replyBuffer()`; Exception when fewer bytes came (they
+    // Value with a full reply; Exception when fewer bytes came (they
     // are kept); TimeOut, Broadcast or NoPort when none did; LineBusy when called while
     // another transaction waits.
     BusResult Transact(int slave, int expectedLength, const QByteArray &frame);

@@ -1,8 +1,10 @@
-// The headless mode's run of a plant, tick by tick, over a scripted line: what it prints,
-// when it stops, and how the operator commands go through the queue.
+// The headless mode: its commands as typed, and its run of a plant tick by tick over a
+// scripted line: what it prints, when it stops, how the operator commands go through the
+// queue, and the start-up and reload it shares with the main window.
 
 #include "support/runtimefixture.h"
 
+#include "session/headlesscommand.h"
 #include "session/headlessprompts.h"
 #include "session/headlessrunner.h"
 #include "session/plantsession.h"
@@ -21,12 +23,15 @@ namespace {
 constexpr int SwitchSlave = 7;
 
 // Two zones on slaves 1 and 2 with all five quantities, a measurement round every
-// other tick and no other poll, one switch and the log on.
+// other tick and no other poll, one switch and the log on. Zone 1 follows the
+// chrono-thermostat, its set point written to register 2.
 const char PlantIni[] = R"([Generale]
 Zone=2
 Interruttori=1
 Grafico=1
 Zone Grafico=0
+Cronotermostato=1
+Zone Crono=1
 
 [COM]
 Porta=/dev/ttyTEST
@@ -48,6 +53,7 @@ AL1_r=3,3
 AL2_r=3,4
 AL3_r=3,5
 SP_w=6,2
+Cronotermostato=1
 
 [Zona 02]
 Nome=Cucina
@@ -78,13 +84,17 @@ HeadlessOptions withTicks(int ticks, bool communicate = true)
 }
 
 // Logged in as the technician with `password`, the commands queued one a tick.
-HeadlessOptions withCommands(const QString &password, const QStringList &commands)
+HeadlessOptions withCommands(const QString &password, const QStringList &commands, bool communicate = true)
 {
-    HeadlessOptions options = withTicks(int(commands.size()) + 1);
+    HeadlessOptions options = withTicks(int(commands.size()) + 1, communicate);
     options.login = HeadlessOptions::Credentials{QStringLiteral("Tecnico"), password};
     QString error;
-    for (const QString &text : commands)
-        options.commands.append(parseHeadlessCommand(text, error).value());
+    for (const QString &text : commands) {
+        const std::optional<HeadlessCommand> command = parseHeadlessCommand(text, error);
+        if (!command)
+            qFatal("\"%s\" refused: %s", qPrintable(text), qPrintable(error));
+        options.commands.append(*command);
+    }
     return options;
 }
 
@@ -162,6 +172,30 @@ class TestHeadlessRunner : public QObject
 private slots:
     void initTestCase() { QLoggingCategory::setFilterRules(QStringLiteral("telvane.*.debug=false")); }
 
+    // Refused before the start, with the reason naming what is wrong.
+    void commandRefused_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("named");
+        QTest::newRow("empty") << "" << "sconosciuto";
+        QTest::newRow("unknown verb") << "open 1" << "open 1";
+        QTest::newRow("door with an item") << "door 1" << "door 1";
+        QTest::newRow("switch zero") << "switch 0 on" << "da 1 a 10";
+        QTest::newRow("switch not a number") << "switch uno on" << "\"uno\"";
+        QTest::newRow("switch state") << "switch 1 acceso" << "\"acceso\"";
+        QTest::newRow("switch without state") << "switch 1" << "sconosciuto";
+        QTest::newRow("zone 31") << "set 31 20" << "da 1 a 30";
+        QTest::newRow("set, value in two words") << "set 1 21 5" << "sconosciuto";
+    }
+    void commandRefused()
+    {
+        QFETCH(QString, text);
+        QFETCH(QString, named);
+        QString error;
+        QCOMPARE(parseHeadlessCommand(text, error), std::nullopt);
+        QVERIFY2(error.contains(named), qPrintable(error));
+    }
+
     // Start-up, the start's round, the ticks, an absent slave reaching its sixth failure
     // in the second round, and the stop after the fourth tick.
     void printsWhatTheWindowWouldShow()
@@ -203,43 +237,71 @@ private slots:
     }
 
     // Each command waits for its own tick, in the order given, and its outcome is told.
+    // The commands run first in a tick: the chrono-thermostat's slot follows.
     void commandsRunOneATick()
     {
-        HeadlessRig rig(withCommands(QStringLiteral("Qx7"), {"switch 1 on", "set 1 21,5", "door", "set 2 19",
-                                                             "switch 1 off"}));
+        HeadlessRig rig(withCommands(QStringLiteral("Qx7"), {"  SWITCH   1  On ", "set 1 21,5", "door", "set 1 caldo",
+                                                             "set 2 19", "switch 1 off", "switch 10 off", "set 30 -3.25"}));
         rig.runner->start();
         QVERIFY(rig.takeLines().contains(QStringLiteral("Pannello 1: Utente: Tecnico")));
         QVERIFY(rig.takeWrites().isEmpty());
-        const QList<std::pair<QStringList, QString>> ticks{
-            {{"07 05 0001 ff00"}, "Comando \"switch 1 on\": confermato"},
-            {{"01 06 0002 00d7"}, "Comando \"set 1 21,5\": confermato"},
-            {{}, "Comando \"door\": non configurato"},
-            {{}, "Comando \"set 2 19\": non configurato"},
-            {{"07 05 0001 0000"}, "Comando \"switch 1 off\": confermato"}};
+        // Told with blanks tidied; the items count from 1, up to the last one a plant may
+        // have. The value is the command's to judge, and the operator is told why not.
+        const QList<std::pair<QStringList, QStringList>> ticks{
+            {{"07 05 0001 ff00", "01 06 0002 00c8"}, {"Comando \"SWITCH 1 On\": confermato"}},
+            {{"01 06 0002 00d7"}, {"Comando \"set 1 21,5\": confermato"}},
+            {{}, {"Comando \"door\": non configurato"}},
+            {{}, {"Avviso (Modifica parametro...): Valore non valido: \"caldo\". Nessun valore è stato inviato allo "
+                  "strumento.", "Comando \"set 1 caldo\": rifiutato"}},
+            {{}, {"Comando \"set 2 19\": non configurato"}},
+            {{"07 05 0001 0000"}, {"Comando \"switch 1 off\": confermato"}},
+            {{}, {"Comando \"switch 10 off\": non configurato"}},
+            {{}, {"Comando \"set 30 -3.25\": non configurato"}}};
         for (const auto &[writes, told] : ticks) {
             rig.tick();
             QCOMPARE(rig.takeWrites(), writes);
-            QVERIFY2(rig.takeLines().contains(told), qPrintable(told));
+            const QStringList lines = rig.takeLines();
+            for (const QString &line : told)
+                QVERIFY2(lines.contains(line), qPrintable(lines.join('\n')));
         }
         QCOMPARE(rig.journalled.filter(QStringLiteral(";Comando;")).size(), ticks.size());
         QVERIFY2(rig.journalled.contains(QStringLiteral("Tecnico;Login;Tecnico;")), qPrintable(rig.journalled.join('\n')));
     }
 
-    // Nobody answers a box: a wrong password is told on a line, and the command that
-    // follows is refused for want of rights.
-    void wrongPasswordLeavesCommandsRefused()
+    // The editor's rebuild starts every set point at 20.0; start-up and reload both read
+    // the schedule afterwards (start-up makes the missing files), and the instruments get
+    // the current slot once more, as after every start.
+    void scheduleSurvivesStartUpAndReload()
     {
-        HeadlessRig rig(withCommands(QStringLiteral("qx7"), {"switch 1 on"}));
+        HeadlessRig rig;
         rig.runner->start();
-        const QStringList start = rig.takeLines();
-        QVERIFY2(start.contains(QStringLiteral("Avviso (Accesso): Password errata.")), qPrintable(start.join('\n')));
-        QVERIFY(!start.contains(QStringLiteral("Pannello 1: Utente: Tecnico")));
-
+        for (const char *file : {"Crono/Cronotermostato.cts", "Crono/Festivita.cts"})
+            QVERIFY2(QFile::exists(rig.dir.filePath(QLatin1String(file))), file);
         rig.tick();
-        QVERIFY(rig.takeWrites().isEmpty());
-        const QStringList tick = rig.takeLines();
-        QVERIFY(tick.contains(QStringLiteral("Pannello 4: Privilegi insufficienti")));
-        QVERIFY(tick.contains(QStringLiteral("Comando \"switch 1 on\": rifiutato")));
+        QCOMPARE(rig.takeWrites(), QStringList{"01 06 0002 00c8"});
+        rig.tick();
+        QCOMPARE(rig.takeWrites(), QStringList{});
+        // A stop and a start inside the slot send it again.
+        rig.supervisor.SetAcquisitionState(false);
+        rig.supervisor.SetAcquisitionState(true);
+        rig.tick();
+        QCOMPARE(rig.takeWrites(), QStringList{"01 06 0002 00c8"});
+        rig.writeFile(QStringLiteral("Crono/Cronotermostato.cts"), "18.0\r\n");
+        rig.session.reload();
+        QCOMPARE(rig.rt.model.chrono(ChronoSchedule::Slots - 1, ChronoSchedule::Zones - 1, ChronoSchedule::Days - 1), 18.0f);
+        rig.tick();
+        QCOMPARE(rig.takeWrites(), QStringList{"01 06 0002 00b4"});
+    }
+
+    // The session's tasks run in the cycle for as long as it lives, and no longer.
+    void pluggedInForItsLifetime()
+    {
+        RuntimeFixture rig;
+        Supervisor supervisor(rig.rt);
+        std::optional<PlantSession> session(std::in_place, rig.rt, supervisor, rig.prompts);
+        QCOMPARE(rig.rt.cycleTasks.size(), 3);
+        session.reset();
+        QCOMPARE(rig.rt.cycleTasks, QList<CycleTask *>{});
     }
 
     // A stop (SIGTERM) that arrives while a tick waits for a reply: that exchange ends,
@@ -290,36 +352,40 @@ private slots:
         QCOMPARE(rig.takeLines(), QStringList());
     }
 
-    void noPortIsNessunaCom_data()
+    // Talking to the instruments needs the port: without it the run ends at once.
+    void noPortEndsACommunicatingRun()
     {
-        QTest::addColumn<bool>("communicate");
-        QTest::addColumn<int>("exitCode");
-        QTest::newRow("communicate") << true << 1;
-        QTest::newRow("simulate") << false << -1;
-    }
-
-    // Talking to the instruments needs the port; a simulation runs without.
-    void noPortIsNessunaCom()
-    {
-        QFETCH(bool, communicate);
-        QFETCH(int, exitCode);
-        HeadlessRig rig(withTicks(1, communicate));
+        HeadlessRig rig(withTicks(1));
         rig.line.setOpenRefused(true);
         QSignalSpy finished(rig.runner.get(), &HeadlessRunner::finished);
         rig.runner->start();
-
         const QStringList lines = rig.takeLines();
-        QVERIFY(lines.contains(QStringLiteral("Pannello 1: Nessuna COM")));
-        if (exitCode < 0) {
-            QCOMPARE(finished.count(), 0);
-            QVERIFY(rig.supervisor.AcquisitionRunning());
-        } else {
-            QCOMPARE(lines.last(), QStringLiteral("Nessuna COM"));
-            QCOMPARE(finished.count(), 1);
-            QCOMPARE(finished.first().first().toInt(), exitCode);
-            QVERIFY(!rig.supervisor.AcquisitionRunning());
-            QVERIFY(rig.line.requests().isEmpty());
-        }
+        QVERIFY2(lines.contains(QStringLiteral("Pannello 1: Nessuna COM")), qPrintable(lines.join('\n')));
+        QCOMPARE(lines.last(), QStringLiteral("Nessuna COM"));
+        QCOMPARE(finished.count(), 1);
+        QCOMPARE(finished.first().first().toInt(), 1);
+        QVERIFY(!rig.supervisor.AcquisitionRunning());
+        QVERIFY(rig.line.requests().isEmpty());
+    }
+
+    // A simulation runs without the port. Nobody answers a box: a wrong password is told
+    // on a line, and the command that follows is refused for want of rights.
+    void simulationWithoutPortAndWrongPassword()
+    {
+        HeadlessRig rig(withCommands(QStringLiteral("qx7"), {"switch 1 on"}, false));
+        rig.line.setOpenRefused(true);
+        rig.runner->start();
+        const QStringList start = rig.takeLines();
+        QVERIFY2(start.contains(QStringLiteral("Pannello 1: Nessuna COM")) &&
+                     start.contains(QStringLiteral("Avviso (Accesso): Password errata.")) &&
+                     !start.contains(QStringLiteral("Pannello 1: Utente: Tecnico")),
+                 qPrintable(start.join('\n')));
+        QVERIFY(rig.supervisor.AcquisitionRunning());
+        rig.tick();
+        const QStringList tick = rig.takeLines();
+        QVERIFY2(tick.contains(QStringLiteral("Pannello 4: Privilegi insufficienti")) &&
+                     tick.contains(QStringLiteral("Comando \"switch 1 on\": rifiutato")),
+                 qPrintable(tick.join('\n')));
     }
 
     // Nobody is there to answer: No and Cancel, so nothing is done on a guess.
