@@ -30,7 +30,13 @@ done
 work=$(mktemp -d)
 socat_pid= slave_pid= program_pid=
 stop_slave() { [[ -n $slave_pid ]] && kill "$slave_pid" 2>/dev/null && wait "$slave_pid" 2>/dev/null || true; slave_pid=; }
-stop_socat() { [[ -n $socat_pid ]] && kill -9 "$socat_pid" 2>/dev/null && wait "$socat_pid" 2>/dev/null || true; socat_pid=; }
+# A killed socat leaves its links behind, naming pty numbers that the next pty pair on the
+# machine may be given: remove them, as an unplugged adapter's device goes.
+stop_socat() {
+    [[ -n $socat_pid ]] && kill -9 "$socat_pid" 2>/dev/null && wait "$socat_pid" 2>/dev/null || true
+    socat_pid=
+    rm -f "$work/master" "$work/slave"
+}
 cleanup() {
     [[ -n $program_pid ]] && kill "$program_pid" 2>/dev/null || true
     stop_slave

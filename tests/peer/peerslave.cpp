@@ -4,6 +4,7 @@
 #include "fieldbus/modbusmaster.h"
 #include "platform/termiosline.h"
 
+#include <QFile>
 #include <QFileInfo>
 #include <QRegularExpression>
 
@@ -143,6 +144,10 @@ void PeerSlave::cutLine()
 {
     m_socat.kill();
     m_socat.waitForFinished(3000);
+    // As an unplugged adapter's device node goes: a killed socat leaves its links behind,
+    // and the pty numbers they name are soon given to another program's pty pair.
+    QFile::remove(port());
+    QFile::remove(m_dir.filePath(QStringLiteral("slave")));
 }
 
 QStringList PeerSlave::requests()

@@ -9,7 +9,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
-#include <QLoggingCategory>
 #include <QMdiSubWindow>
 #include <QProgressBar>
 #include <QPushButton>
@@ -26,25 +25,6 @@ using Prompt = RecordingPrompts::Prompt;
 
 const QString Title = QStringLiteral("Configurazione strumenti");
 const QStringList ListNames{"Lst_nDev", "Lst_Dev", "Lst_Sadd", "Lst_FC", "Lst_MB", "Lst_MBVal", "Lst_NomePar"};
-
-// The industrial plant: two zones on slaves 1 and 2, in summer. The winter recipe
-// writes 30 set points to zone 1 and one to zone 2, more rows than the lists show.
-void writePlant(WindowRig &rig)
-{
-    rig.plant.writeFile(QStringLiteral("Telvane2.ini"),
-                        "[Generale]\r\nZone=2\r\n[Zona 01]\r\nNome=Ufficio\r\nIndirizzo=1\r\n"
-                        "[Zona 02]\r\nNome=Magazzino\r\nIndirizzo=2\r\n"
-                        "[Stagione]\r\nAttuale=0\r\nInverno=Inverno.prg\r\nEstate=Estate.prg\r\n");
-    QByteArray zone1 = "[Zona 01]\r\nIntervallo=10\r\nLinee=30\r\n";
-    for (int line = 1; line <= 30; ++line)
-        zone1 += QStringLiteral("%1=6,%2,%3;Parametro %2\r\n").arg(line, 2, 10, QLatin1Char('0')).arg(line).arg(line * 10)
-                     .toLatin1();
-    rig.plant.writeFile(QStringLiteral("Ricetta/Inverno.prg"),
-                        "[File]\r\nID=Telvane\r\n" + zone1 + "[Zona 02]\r\nLinee=1\r\n01=5,1,1;Remoto\r\n");
-    rig.plant.writeFile(QStringLiteral("Ricetta/Estate.prg"), "[File]\r\nID=Telvane\r\n");
-    rig.plant.slaves = {1, 2};
-    rig.supervisor.setCommunicateWithInstruments(true);
-}
 
 } // namespace
 
@@ -63,14 +43,26 @@ private:
     }
 
 private slots:
-    void initTestCase() { QLoggingCategory::setFilterRules(QStringLiteral("telvane.*.debug=false")); }
-
     // Button "5" opens the window on the next change's recipe; the operator confirms
     // and the rows go out with the progress shown, the season becomes winter.
     void sendFromTheWindow()
     {
         WindowRig rig;
-        writePlant(rig);
+        // The industrial plant: two zones on slaves 1 and 2, in summer. The winter recipe
+        // writes 30 set points to zone 1 and one to zone 2, more rows than the lists show.
+        rig.plant.writeFile(QStringLiteral("Telvane2.ini"),
+                            "[Generale]\r\nZone=2\r\n[Zona 01]\r\nNome=Ufficio\r\nIndirizzo=1\r\n"
+                            "[Zona 02]\r\nNome=Magazzino\r\nIndirizzo=2\r\n"
+                            "[Stagione]\r\nAttuale=0\r\nInverno=Inverno.prg\r\nEstate=Estate.prg\r\n");
+        QByteArray zone1 = "[Zona 01]\r\nIntervallo=10\r\nLinee=30\r\n";
+        for (int line = 1; line <= 30; ++line)
+            zone1 += QStringLiteral("%1=6,%2,%3;Parametro %2\r\n").arg(line, 2, 10, QLatin1Char('0')).arg(line).arg(line * 10)
+                         .toLatin1();
+        rig.plant.writeFile(QStringLiteral("Ricetta/Inverno.prg"),
+                            "[File]\r\nID=Telvane\r\n" + zone1 + "[Zona 02]\r\nLinee=1\r\n01=5,1,1;Remoto\r\n");
+        rig.plant.writeFile(QStringLiteral("Ricetta/Estate.prg"), "[File]\r\nID=Telvane\r\n");
+        rig.plant.slaves = {1, 2};
+        rig.supervisor.setCommunicateWithInstruments(true);
         rig.startUp();
         rig.clickButton(QStringLiteral("5"));
         Stagione *window = rig.window->seasonWindow();
@@ -81,6 +73,30 @@ private slots:
         // Opening tells in the window, not in a box, that the recipe loaded.
         QVERIFY(rig.prompts.asked().isEmpty());
         QCOMPARE(child<QLabel>(rig, "Lab_Esito")->text(), QStringLiteral("Il file Inverno.prg è stato caricato correttamente."));
+
+        // A recipe chosen outside "Ricetta" is refused; one inside it is named for its
+        // change and, being the next, loaded; then the first one again.
+        rig.plant.writeFile(QStringLiteral("Ricetta/Inverno2.prg"),
+                            "[File]\r\nID=Telvane\r\n[Zona 02]\r\nLinee=1\r\n01=6,4,7;Uno\r\n");
+        QString offered;
+        QString answer = rig.plant.dir.filePath(QStringLiteral("Inverno2.prg"));
+        window->setFileChooser([&](const QString &folder) {
+            offered = folder;
+            return answer;
+        });
+        QTest::mouseClick(child<QPushButton>(rig, "Cmd_Inverno"), Qt::LeftButton);
+        QCOMPARE(offered, rig.plant.dir.filePath(QStringLiteral("Ricetta")));
+        QCOMPARE(rig.prompts.asked().last().kind, Kind::Warning);
+        QCOMPARE(child<QLineEdit>(rig, "Txt_Inverno")->text(), QStringLiteral("Inverno.prg"));
+        answer = rig.plant.dir.filePath(QStringLiteral("Ricetta/Inverno2.prg"));
+        QTest::mouseClick(child<QPushButton>(rig, "Cmd_Inverno"), Qt::LeftButton);
+        QCOMPARE(child<QLineEdit>(rig, "Txt_Inverno")->text(), QStringLiteral("Inverno2.prg"));
+        QCOMPARE(rig.prompts.asked().last(), (Prompt{Kind::Information, Title, "Il file Inverno2.prg è stato caricato correttamente."}));
+        QCOMPARE(rig.plant.rt.model.ini.ReadIniKey("Stagione", "Inverno", "?"), QStringLiteral("Inverno2.prg"));
+        QCOMPARE(child<QListWidget>(rig, "Lst_NomePar")->count(), 1);
+        QCOMPARE(child<QListWidget>(rig, "Lst_Sadd")->item(0)->text(), QStringLiteral("2"));
+        answer = rig.plant.dir.filePath(QStringLiteral("Ricetta/Inverno.prg"));
+        QTest::mouseClick(child<QPushButton>(rig, "Cmd_Inverno"), Qt::LeftButton);
 
         // Seven lists of 31 rows, side by side, scrolled as one.
         QStringList lastRow;
@@ -155,36 +171,6 @@ private slots:
         QVERIFY(window->isVisible());
         QVERIFY(rig.prompts.asked().isEmpty());
         QCOMPARE(child<QLabel>(rig, "Lab_Esito")->text(), QStringLiteral("Il file Estate.prg è stato caricato correttamente."));
-    }
-
-    // A recipe chosen outside "Ricetta" is refused; one inside it is named for its
-    // change and, being the next, loaded.
-    void chooseRecipe()
-    {
-        WindowRig rig;
-        writePlant(rig);
-        rig.plant.writeFile(QStringLiteral("Ricetta/Inverno2.prg"),
-                            "[File]\r\nID=Telvane\r\n[Zona 02]\r\nLinee=1\r\n01=6,4,7;Uno\r\n");
-        rig.startUp();
-        rig.clickButton(QStringLiteral("5"));
-        QString offered;
-        QString answer = rig.plant.dir.filePath(QStringLiteral("Inverno2.prg"));
-        rig.window->seasonWindow()->setFileChooser([&](const QString &folder) {
-            offered = folder;
-            return answer;
-        });
-        QTest::mouseClick(child<QPushButton>(rig, "Cmd_Inverno"), Qt::LeftButton);
-        QCOMPARE(offered, rig.plant.dir.filePath(QStringLiteral("Ricetta")));
-        QCOMPARE(rig.prompts.asked().last().kind, Kind::Warning);
-        QCOMPARE(child<QLineEdit>(rig, "Txt_Inverno")->text(), QStringLiteral("Inverno.prg"));
-
-        answer = rig.plant.dir.filePath(QStringLiteral("Ricetta/Inverno2.prg"));
-        QTest::mouseClick(child<QPushButton>(rig, "Cmd_Inverno"), Qt::LeftButton);
-        QCOMPARE(child<QLineEdit>(rig, "Txt_Inverno")->text(), QStringLiteral("Inverno2.prg"));
-        QCOMPARE(rig.prompts.asked().last(), (Prompt{Kind::Information, Title, "Il file Inverno2.prg è stato caricato correttamente."}));
-        QCOMPARE(rig.plant.rt.model.ini.ReadIniKey("Stagione", "Inverno", "?"), QStringLiteral("Inverno2.prg"));
-        QCOMPARE(child<QListWidget>(rig, "Lst_NomePar")->count(), 1);
-        QCOMPARE(child<QListWidget>(rig, "Lst_Sadd")->item(0)->text(), QStringLiteral("2"));
     }
 };
 

@@ -16,13 +16,23 @@ namespace {
 QtMessageHandler forwardedHandler = nullptr;
 
 // The offscreen platform says for every popup that it cannot raise windows or grab the
-// keyboard; that is noise here, everything else goes on to the test's log.
+// keyboard, and the program's debug lines tell every exchange; that is noise here,
+// everything else goes on to the test's log.
 void dropOffscreenNotices(QtMsgType type, const QMessageLogContext &context, const QString &message)
 {
-    if (message.startsWith(QLatin1String("This plugin does not support")))
+    if (message.startsWith(QLatin1String("This plugin does not support"))
+        || (type == QtDebugMsg && context.category && qstrncmp(context.category, "telvane.", 8) == 0))
         return;
     if (forwardedHandler)
         forwardedHandler(type, context, message);
+}
+
+// Clicks `entry` inside the open popup `menu`.
+void clickMenuEntry(QMenu *menu, QAction *entry)
+{
+    const QRect where = menu->actionGeometry(entry);
+    QVERIFY(where.isValid());
+    QTest::mouseClick(menu, Qt::LeftButton, {}, where.center());
 }
 
 } // namespace
@@ -92,13 +102,6 @@ void WindowRig::chooseMenuEntry(const QString &menuName, const QString &entryNam
     QTest::mouseClick(bar, Qt::LeftButton, {}, bar->actionGeometry(menu->menuAction()).center());
     QVERIFY2(menu->isVisible(), qPrintable(menuName));
     clickMenuEntry(menu, chosen);
-}
-
-void clickMenuEntry(QMenu *menu, QAction *entry)
-{
-    const QRect where = menu->actionGeometry(entry);
-    QVERIFY(where.isValid());
-    QTest::mouseClick(menu, Qt::LeftButton, {}, where.center());
 }
 
 } // namespace telvane

@@ -12,7 +12,6 @@
 #include <memory>
 
 class QAction;
-class QMenu;
 class QToolButton;
 
 namespace telvane {
@@ -49,8 +48,5 @@ public:
     Supervisor supervisor;
     std::unique_ptr<MainForm> window;
 };
-
-// Clicks `entry` inside the open popup `menu`.
-void clickMenuEntry(QMenu *menu, QAction *entry);
 
 } // namespace telvane

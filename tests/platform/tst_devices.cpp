@@ -1,8 +1,15 @@
+// The machine's devices as the program meets them: the serial line (exchanging, busy,
+// missing, unplugged) and the sound card (missing, or an unplayable file).
+
+#include "platform/qtsoundplayer.h"
 #include "platform/termiosline.h"
+#include "support/settingsfixture.h"
+
+#include <QAudioDevice>
+#include <QMediaDevices>
 
 #include <QElapsedTimer>
 #include <QRegularExpression>
-#include <QTest>
 
 #include <utility>
 
@@ -67,7 +74,7 @@ private:
 
 } // namespace
 
-class TestTermiosLine : public QObject
+class TestDevices : public QObject
 {
     Q_OBJECT
 
@@ -75,6 +82,17 @@ private slots:
     void exchangeWithTheFarEnd()
     {
         PtyLine p;
+        // Two programs on one line would mix their requests: while one holds the port, a
+        // second cannot open it; as soon as it is closed, it can.
+        TermiosLine second;
+        second.setPort(p.device);
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression("in uso"));
+        QVERIFY(!second.open());
+        p.line.close();
+        QVERIFY2(second.open(), qPrintable(second.lastError()));
+        second.close();
+        QVERIFY2(p.line.open(), qPrintable(p.line.lastError()));
+
         // write() hands the bytes to the driver itself: no event-loop pass is needed.
         const QByteArray request = QByteArray::fromHex("010300000001840a");
         p.line.write(request);
@@ -98,37 +116,8 @@ private slots:
         QVERIFY(!p.line.isOpen());
         QTest::ignoreMessage(QtWarningMsg, QRegularExpression("non aperta"));
         QVERIFY(!p.line.open());
-    }
 
-    // A pseudo-terminal keeps speed and stop bits but always reports eight data bits and
-    // no parity. A bad format afterwards keeps the settings in force.
-    void formatReachesTheDevice_data()
-    {
-        QTest::addColumn<QString>("format");
-        QTest::addColumn<bool>("beforeOpen");
-        QTest::addColumn<int>("speed");
-        QTest::newRow("two stop bits, set before opening") << "1200,N,8,2" << true << int(B1200);
-        QTest::newRow("changed while open") << "115200,N,8,1" << false << int(B115200);
-    }
-    void formatReachesTheDevice()
-    {
-        QFETCH(QString, format);
-        QFETCH(bool, beforeOpen);
-        QFETCH(int, speed);
-        PtyLine p(false);
-        QVERIFY(beforeOpen ? p.line.setFormat(format) && p.line.open() : p.line.open() && p.line.setFormat(format));
-        QTest::ignoreMessage(QtWarningMsg, QRegularExpression("1200,X,8,1.*parità"));
-        QVERIFY(!p.line.setFormat("1200,X,8,1"));
-        termios settings{};
-        const int fd = ::open(p.device.toLocal8Bit().constData(), O_RDWR | O_NOCTTY | O_NONBLOCK);
-        ::tcgetattr(fd, &settings);
-        ::close(fd);
-        QCOMPARE(int(::cfgetospeed(&settings)), speed);
-        QCOMPARE(bool(settings.c_cflag & CSTOPB), format.endsWith("2"));
-    }
-
-    void portThatCannotBeOpened()
-    {
+        // A port that is not there names the device it tried.
         const QString named = QStringLiteral("/dev/ttyS254");
         TermiosLine line;
         line.setPort(QStringLiteral("255"));
@@ -140,19 +129,56 @@ private slots:
         QVERIFY(!line.open());
     }
 
-    // Two programs on one line would mix their requests: while one holds the port, a
-    // second cannot open it; as soon as it is closed, it can.
-    void onlyOneHolderAtATime()
+    // A pseudo-terminal keeps speed and stop bits but always reports eight data bits and
+    // no parity. A bad format afterwards keeps the settings in force.
+    void formatReachesTheDevice()
     {
-        PtyLine p;
-        TermiosLine second;
-        second.setPort(p.device);
-        QTest::ignoreMessage(QtWarningMsg, QRegularExpression("in uso"));
-        QVERIFY(!second.open());
-        p.line.close();
-        QVERIFY2(second.open(), qPrintable(second.lastError()));
+        const auto deviceSettings = [](const QString &device) {
+            termios settings{};
+            const int fd = ::open(device.toLocal8Bit().constData(), O_RDWR | O_NOCTTY | O_NONBLOCK);
+            ::tcgetattr(fd, &settings);
+            ::close(fd);
+            return settings;
+        };
+        PtyLine before(false);
+        QVERIFY(before.line.setFormat("1200,N,8,2") && before.line.open());
+        termios settings = deviceSettings(before.device);
+        QCOMPARE(int(::cfgetospeed(&settings)), int(B1200));
+        QVERIFY2(settings.c_cflag & CSTOPB, "two stop bits set before opening were lost");
+        PtyLine during;
+        QVERIFY(during.line.setFormat("115200,N,8,1"));
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression("1200,X,8,1.*parità"));
+        QVERIFY(!during.line.setFormat("1200,X,8,1"));
+        settings = deviceSettings(during.device);
+        QCOMPARE(int(::cfgetospeed(&settings)), int(B115200));
+        QVERIFY2(!(settings.c_cflag & CSTOPB), "one stop bit set while open was not applied");
+    }
+
+    // The alarm sound plays on every second blink: whatever the file and the machine (no
+    // sound card included), a problem is told once, not on every blink.
+    void soundProblemToldOnce_data()
+    {
+        QTest::addColumn<QByteArray>("contents"); // null: no file
+        QTest::newRow("not a sound") << QByteArray("[Generale]\r\nModo=1\r\n");
+        QTest::newRow("missing file") << QByteArray();
+    }
+    void soundProblemToldOnce()
+    {
+        QFETCH(QByteArray, contents);
+        SettingsFolder dir;
+        QtSoundPlayer player;
+        QTest::failOnWarning(QRegularExpression("allarme|audio output"));
+        if (contents.isNull()) {
+            QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("allarme\\.wav.*does not exist")));
+        } else {
+            dir.write(QStringLiteral("allarme.wav"), contents);
+            if (QMediaDevices::defaultAudioOutput().isNull())
+                QTest::ignoreMessage(QtWarningMsg, "No audio output: sounds stay silent");
+        }
+        for (int blink = 0; blink < 5; ++blink)
+            player.play(dir.path(QStringLiteral("allarme.wav")));
     }
 };
 
-QTEST_GUILESS_MAIN(TestTermiosLine)
-#include "tst_termiosline.moc"
+QTEST_GUILESS_MAIN(TestDevices)
+#include "tst_devices.moc"
