@@ -86,6 +86,17 @@ private slots:
         QTest::newRow("stray argument") << "--headless --simulate impianto" << 2 << "impianto";
         QTest::newRow("folder that cannot be made") << "--headless --simulate --dir /proc/telvane/impianto" << 2
                                                     << "impossibile creare";
+        // An operator's command that cannot be run is refused with the rest, naming what is wrong.
+        const auto command = [](const char *text) { return QStringLiteral("--headless --simulate --command \"%1\"").arg(text); };
+        QTest::newRow("empty command") << "--headless --simulate --command=" << 2 << "sconosciuto";
+        QTest::newRow("unknown verb") << command("open 1") << 2 << "open 1";
+        QTest::newRow("door with an item") << command("door 1") << 2 << "door 1";
+        QTest::newRow("switch zero") << command("switch 0 on") << 2 << "da 1 a 10";
+        QTest::newRow("switch not a number") << command("switch uno on") << 2 << "\"uno\"";
+        QTest::newRow("switch state") << command("switch 1 acceso") << 2 << "\"acceso\"";
+        QTest::newRow("switch without state") << command("switch 1") << 2 << "sconosciuto";
+        QTest::newRow("zone 31") << command("set 31 20") << 2 << "da 1 a 30";
+        QTest::newRow("set, value in two words") << command("set 1 21 5") << 2 << "sconosciuto";
     }
     void commandLine()
     {

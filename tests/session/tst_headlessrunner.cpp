@@ -172,30 +172,6 @@ class TestHeadlessRunner : public QObject
 private slots:
     void initTestCase() { QLoggingCategory::setFilterRules(QStringLiteral("telvane.*.debug=false")); }
 
-    // Refused before the start, with the reason naming what is wrong.
-    void commandRefused_data()
-    {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QString>("named");
-        QTest::newRow("empty") << "" << "sconosciuto";
-        QTest::newRow("unknown verb") << "open 1" << "open 1";
-        QTest::newRow("door with an item") << "door 1" << "door 1";
-        QTest::newRow("switch zero") << "switch 0 on" << "da 1 a 10";
-        QTest::newRow("switch not a number") << "switch uno on" << "\"uno\"";
-        QTest::newRow("switch state") << "switch 1 acceso" << "\"acceso\"";
-        QTest::newRow("switch without state") << "switch 1" << "sconosciuto";
-        QTest::newRow("zone 31") << "set 31 20" << "da 1 a 30";
-        QTest::newRow("set, value in two words") << "set 1 21 5" << "sconosciuto";
-    }
-    void commandRefused()
-    {
-        QFETCH(QString, text);
-        QFETCH(QString, named);
-        QString error;
-        QCOMPARE(parseHeadlessCommand(text, error), std::nullopt);
-        QVERIFY2(error.contains(named), qPrintable(error));
-    }
-
     // Start-up, the start's round, the ticks, an absent slave reaching its sixth failure
     // in the second round, and the stop after the fourth tick.
     void printsWhatTheWindowWouldShow()
