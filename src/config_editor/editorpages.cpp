@@ -39,7 +39,7 @@ FieldSpec choice(const QString &section, const QString &key, const QString &defa
 }
 
 FieldSpec flag(const QString &section, const QString &key, const QString &label, const QString &control,
-               FlagReading reading = FlagReading::NonZeroNumber)
+               FlagReading reading = FlagReading::NotZeroText)
 {
     FieldSpec definition = field(section, key, QStringLiteral("0"), FieldKind::Flag, label, control);
     definition.flagReading = reading;
@@ -114,9 +114,9 @@ PageModel rs232Page()
     page.addField(rs232Choice(QStringLiteral("Base LED"), QStringLiteral("3"), QStringLiteral("Ciclo LED (s)"),
                               QStringLiteral("Cmb_CicloLED"), numbers(1, 30)));
     page.addField(flag(QStringLiteral("COM"), QStringLiteral("Remoto"), QStringLiteral("Comandi remoti"),
-                       QStringLiteral("Chk_Remoto"), FlagReading::NotZeroText));
+                       QStringLiteral("Chk_Remoto")));
     page.addField(flag(QStringLiteral("COM"), QStringLiteral("Attivita"), QStringLiteral("Controllo attività linea"),
-                       QStringLiteral("Chk_Attivita_Linea"), FlagReading::NotZeroText));
+                       QStringLiteral("Chk_Attivita_Linea")));
     page.addField(field(QStringLiteral("Sinottico"), QStringLiteral("SuonoAllarme"), {}, FieldKind::Text,
                         QStringLiteral("Suono allarme"), QStringLiteral("Txt_SuonoAllarme")));
     return page;
@@ -163,7 +163,7 @@ PageModel zonesPage()
                                QStringLiteral("PV_w"), QStringLiteral("SP_w"), QStringLiteral("AL1_w"),
                                QStringLiteral("AL2_w"), QStringLiteral("AL3_w"), QStringLiteral("REM_w")});
     // The first zone's instrument is always the master of its line.
-    page.addItemField(group, flag({}, QStringLiteral("Slave"), QStringLiteral("Slave"), {}, FlagReading::NotZeroText),
+    page.addItemField(group, flag({}, QStringLiteral("Slave"), QStringLiteral("Slave"), {}),
                       [](int item) { return item == 0; });
     page.addItemField(group, flag({}, QStringLiteral("Cronotermostato"), QStringLiteral("Cronotermostato"), {}));
     page.addItemField(group, field({}, QStringLiteral("Colore"), {}, FieldKind::Colour, QStringLiteral("Colore")));
@@ -208,7 +208,7 @@ PageModel doorAndWebcamPage()
     PageModel page(QStringLiteral("Apriporta"), QStringLiteral("Apriporta e webcam"));
     const QString door = QStringLiteral("Apriporta");
     page.addField(flag(General, QStringLiteral("Apriporta"), QStringLiteral("Apriporta presente"),
-                       QStringLiteral("Chk_Apriporta")));
+                       QStringLiteral("Chk_Apriporta"), FlagReading::PositiveNumber));
     page.addField(field(door, QStringLiteral("Nome"), QStringLiteral("Apriporta"), FieldKind::Text, QStringLiteral("Nome")));
     page.addField(field(door, QStringLiteral("Indirizzo"), {}, FieldKind::Address, QStringLiteral("Indirizzo")));
     FieldSpec decimals = field(door, QStringLiteral("Decimali"), QStringLiteral("0"), FieldKind::Count,
@@ -230,7 +230,8 @@ PageModel doorAndWebcamPage()
     page.addField(pulse);
     page.addField(field(QStringLiteral("Sinottico"), QStringLiteral("SuonoPorta"), {}, FieldKind::Text,
                         QStringLiteral("Suono all'apertura"), QStringLiteral("Txt_SuonoPorta")));
-    page.addField(flag(General, QStringLiteral("Webcam"), QStringLiteral("Webcam presente"), QStringLiteral("Chk_Webcam")));
+    page.addField(flag(General, QStringLiteral("Webcam"), QStringLiteral("Webcam presente"), QStringLiteral("Chk_Webcam"),
+                       FlagReading::PositiveNumber));
     page.addField(field(QStringLiteral("Webcam"), QStringLiteral("Nome"), QStringLiteral("Webcam"), FieldKind::Text,
                         QStringLiteral("Nome della webcam"), QStringLiteral("Txt_Webcam")));
     return page;

@@ -104,9 +104,9 @@ QString fieldProblem(const FieldSpec &definition, const QString &text, int decim
 
 bool flagTicked(const FieldSpec &definition, const QString &text)
 {
-    if (definition.flagReading == FlagReading::NotZeroText)
-        return text.trimmed() != QLatin1String("0");
-    return leadingInteger(text, 0) != 0;
+    if (definition.flagReading == FlagReading::PositiveNumber)
+        return leadingInteger(text, 0) > 0;
+    return text.trimmed() != QLatin1String("0");
 }
 
 QString choiceShown(const FieldSpec &definition, const QString &stored)

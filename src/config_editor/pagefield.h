@@ -22,8 +22,8 @@ enum class FieldKind {
 
 // How a flag's stored text reads as ticked.
 enum class FlagReading {
-    NonZeroNumber, // a number other than 0 ("AutoAvvio", "Cronotermostato", ...)
-    NotZeroText,   // anything but the text "0" ("Slave", "Remoto", "Attivita")
+    NotZeroText,    // anything but the text "0", as the program reads its options ("AutoAvvio", "Remoto", ...)
+    PositiveNumber, // a number above 0, as the plant's items are counted present ("Apriporta", "Webcam")
 };
 
 struct FieldSpec
@@ -39,7 +39,7 @@ struct FieldSpec
     bool editableChoice = false; // Choice: other texts may be typed (and are checked by range)
     int minimum = 0;
     int maximum = 0;
-    FlagReading flagReading = FlagReading::NonZeroNumber;
+    FlagReading flagReading = FlagReading::NotZeroText;
 };
 
 // Why `text` cannot be saved in a field of this kind, as one line for the technician,

@@ -8,6 +8,7 @@
 #include "config_editor/recipetemplate.h"
 #include "storage/chronofiles.h"
 #include "storage/holidaylist.h"
+#include "storage/numberkeys.h"
 #include "support/runtimefixture.h"
 #include "support/settingsfixture.h"
 
@@ -174,8 +175,15 @@ private slots:
         QVERIFY(flagTicked(slave, ""));
         QVERIFY(!flagTicked(slave, " 0 "));
         const PageModel options = generalOptionsPage();
-        QVERIFY(!flagTicked(options.field(0).definition, "abc"));
-        QVERIFY(flagTicked(options.field(0).definition, "2"));
+        const FieldSpec &autoStart = options.field(0).definition;
+        for (const QString text : {"si", "2", " 0 "}) {
+            QVERIFY(ini.WriteIniKey("Generale", "AutoAvvio", text));
+            QVERIFY2(flagTicked(autoStart, text) == readFlagKey(ini, "Generale", "AutoAvvio"), qPrintable(text));
+        }
+        const PageModel doorPage = doorAndWebcamPage();
+        const FieldSpec &door = doorPage.field(0).definition;
+        QVERIFY(!flagTicked(door, "-1"));
+        QVERIFY(flagTicked(door, "1"));
     }
 
     // A value goes into the register it is written to: with the item's decimals, or
