@@ -54,7 +54,7 @@ int main(int argc, char *argv[])
     line.setFormat(command.format);
     master.setReplyTimeout(float(command.timeoutMs) / 1000.0f);
     master.setAttempts(command.retries);
-    if (!master.TestPort(command.port)) {
+    if (!master.testPort(command.port)) {
         err << "telvane-probe: " << line.lastError() << '\n';
         return 1;
     }

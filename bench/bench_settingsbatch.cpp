@@ -58,10 +58,10 @@ void BM_ZonePageChangedValues(benchmark::State &state)
 {
     QTemporaryDir dir;
     IniStore store{ProgramFolder(dir.path())};
-    store.WriteIniKeys(zonePageKeys(0));
+    store.writeIniKeys(zonePageKeys(0));
     int round = 1;
     for (auto _ : state) {
-        if (!store.WriteIniKeys(zonePageKeys(round++ % 2))) // every value differs from the file's
+        if (!store.writeIniKeys(zonePageKeys(round++ % 2))) // every value differs from the file's
             state.SkipWithError("write failed");
     }
     state.counters["keys"] = double(zonePageKeys(0).size());
@@ -77,7 +77,7 @@ void BM_ZonePageNewFile(benchmark::State &state)
         state.PauseTiming();
         QFile::remove(store.folder().filePath(store.currentIniName()));
         state.ResumeTiming();
-        if (!store.WriteIniKeys(keys))
+        if (!store.writeIniKeys(keys))
             state.SkipWithError("write failed");
     }
 }
@@ -89,7 +89,7 @@ void BM_ZonePageConfirm(benchmark::State &state)
 {
     QTemporaryDir dir;
     IniStore store{ProgramFolder(dir.path())};
-    store.WriteIniKeys(zonePageKeys(0));
+    store.writeIniKeys(zonePageKeys(0));
     ManualClock clock;
     ScriptedLine line{clock};
     ModbusMaster master{line, clock};
@@ -120,7 +120,7 @@ void BM_TwentyKeysOneByOne(benchmark::State &state)
 {
     QTemporaryDir dir;
     IniStore store{ProgramFolder(dir.path())};
-    store.WriteIniKeys(zonePageKeys(0));
+    store.writeIniKeys(zonePageKeys(0));
     int round = 1;
     for (auto _ : state) {
         const QList<IniKeyValue> keys = zonePageKeys(round++ % 2).mid(15, 20);

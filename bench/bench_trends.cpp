@@ -36,7 +36,7 @@ void writeDays(const ProgramFolder &folder, int days)
     std::vector<LoggedValue> values(Zones);
     for (int d = 0; d < days; ++d) {
         const QDate date = FirstDay.addDays(d);
-        QFile file(folder.filePath(QStringLiteral("Dati/") + DailyLogFileName(date)));
+        QFile file(folder.filePath(QStringLiteral("Dati/") + dailyLogFileName(date)));
         if (!file.open(QIODevice::WriteOnly))
             qFatal("cannot write the day files");
         QByteArray bytes;

@@ -37,7 +37,7 @@ QString userPanelText(const UserLevel &user)
     return QStringLiteral("Utente: ") + user.levelName();
 }
 
-UserLevel Login(const QString &name, const QString &password, UserLevel &user, StatusBar &statusBar,
+UserLevel logInUser(const QString &name, const QString &password, UserLevel &user, StatusBar &statusBar,
                 Prompts &prompts, OperatorJournal &journal)
 {
     if (user.hasCommandRights())

@@ -20,7 +20,7 @@ class StatusBar;
 // shows who is logged in. The journal gets the logout of a user with rights, and the
 // login or the refusal with the name given (never the password). Returns the new
 // rights, also stored in `user`.
-UserLevel Login(const QString &name, const QString &password, UserLevel &user, StatusBar &statusBar,
+UserLevel logInUser(const QString &name, const QString &password, UserLevel &user, StatusBar &statusBar,
                 Prompts &prompts, OperatorJournal &journal);
 
 // "Utente: Anonimo", "Utente: Tecnico" or "Utente: Amministratore".

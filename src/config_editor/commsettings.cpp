@@ -56,7 +56,7 @@ void LoadCommSettings(const IniStore &store, ModbusMaster &master, SerialLine &l
     }
     // Fails, with the reason in the log, for a missing or busy port, and while a
     // transaction is waiting for its reply (a settings page confirmed during a poll).
-    if (!master.TestPort(settings.port))
+    if (!master.testPort(settings.port))
         return;
 
     line.close();

@@ -10,7 +10,7 @@
 
 namespace telvane {
 
-QStringList TryInstrument(ModbusMaster &master, const PageModel &page, const QString &section)
+QStringList runInstrumentTrial(ModbusMaster &master, const PageModel &page, const QString &section)
 {
     const int addressField = page.indexOf(section, QStringLiteral("Indirizzo"));
     const std::optional<int> address = addressField >= 0 ? wholeNumberIn(page.text(addressField), 1, 255) : std::nullopt;
@@ -43,7 +43,7 @@ QStringList TryInstrument(ModbusMaster &master, const PageModel &page, const QSt
             continue;
         }
         const int shown = key->functionCode <= 2 ? 0 : decimals;
-        lines.append(label + QStringLiteral(": ") + FormatDecimal(float(registerToValue(outcome.value, shown)), shown).trimmed());
+        lines.append(label + QStringLiteral(": ") + formatDecimal(float(registerToValue(outcome.value, shown)), shown).trimmed());
     }
     if (lines.isEmpty())
         lines.append(QStringLiteral("%1: nessun registro da leggere").arg(section));

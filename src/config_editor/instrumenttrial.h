@@ -11,6 +11,6 @@ class PageModel;
 // now (saved or not), through the master or its simulation: commissioning an instrument
 // without starting acquisition. One line per register, with the value as the item's
 // decimals show it or why there is none; one line only when the address is unusable.
-QStringList TryInstrument(ModbusMaster &master, const PageModel &page, const QString &section);
+QStringList runInstrumentTrial(ModbusMaster &master, const PageModel &page, const QString &section);
 
 } // namespace telvane

@@ -166,7 +166,7 @@ bool PageModel::save(IniStore &ini) const
 {
     if (!canConfirm())
         return false;
-    return ini.WriteIniKeys(keysToSave());
+    return ini.writeIniKeys(keysToSave());
 }
 
 } // namespace telvane

@@ -150,9 +150,9 @@ BusOutcome ModbusMaster::withAttempts(int slave, const std::function<BusOutcome(
     return outcome;
 }
 
-bool ModbusMaster::TestPort(const QString &port)
+bool ModbusMaster::testPort(const QString &port)
 {
-    if (refuseWhileBusy("TestPort"))
+    if (refuseWhileBusy("testPort"))
         return false;
     const Raise busy(m_busy);
     m_line.setPort(port);

@@ -52,7 +52,7 @@ public:
 
     // Points the line at `port` (a number or a device path) and tries to open and close
     // it. The port stays selected whatever the answer.
-    bool TestPort(const QString &port);
+    bool testPort(const QString &port);
 
     // --- Settings ---------------------------------------------------------------
 
@@ -134,7 +134,7 @@ private:
 
     QByteArray m_reply;
 
-    bool m_busy = false;    // inside ReadRegister, WriteRegister or TestPort
+    bool m_busy = false;    // inside ReadRegister, WriteRegister or testPort
     bool m_waiting = false; // inside Transact's wait for the reply
     bool m_lastOpenFailed = false;
     bool m_stopped = false;

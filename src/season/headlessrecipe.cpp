@@ -24,7 +24,7 @@ std::optional<Season> seasonNamed(const QString &name)
 std::optional<Season> seasonOfFile(const IniStore &ini, const QString &fileName)
 {
     for (Season season : {Season::Estate, Season::Inverno}) {
-        if (fileName.compare(ReadSeasonRecipe(ini, season), Qt::CaseInsensitive) == 0)
+        if (fileName.compare(readSeasonRecipe(ini, season), Qt::CaseInsensitive) == 0)
             return season;
     }
     return std::nullopt;

@@ -27,14 +27,14 @@ SeasonChange::SeasonChange(Runtime &rt, Prompts &prompts, QObject *parent)
 
 Season SeasonChange::currentSeason() const
 {
-    return ReadCurrentSeason(m_rt.model.ini);
+    return readCurrentSeason(m_rt.model.ini);
 }
 
 bool SeasonChange::loadSeasonRecipe(Season target, LoadNotice notice)
 {
     if (m_sending)
         return false;
-    const QString fileName = ReadSeasonRecipe(m_rt.model.ini, target);
+    const QString fileName = readSeasonRecipe(m_rt.model.ini, target);
     if (fileName.isEmpty()) {
         clearRecipe();
         m_loadMessage = noRecipeMessage(target);
@@ -119,7 +119,7 @@ SeasonChange::SendOutcome SeasonChange::send(bool confirm)
         return SendOutcome::Failed;
     }
     if (m_target) {
-        WriteCurrentSeason(m_rt.model.ini, *m_target);
+        writeCurrentSeason(m_rt.model.ini, *m_target);
         qCInfo(lcSeason).noquote() << "Season changed from" << seasonName(before) << "to" << seasonName(*m_target)
                                    << "with" << recipe.fileName;
         emit seasonStored(*m_target);

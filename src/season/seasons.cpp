@@ -20,23 +20,23 @@ Season otherSeason(Season season)
     return season == Season::Estate ? Season::Inverno : Season::Estate;
 }
 
-Season ReadCurrentSeason(const IniStore &ini)
+Season readCurrentSeason(const IniStore &ini)
 {
     const QString text = ini.ReadIniKey(Section, QStringLiteral("Attuale"), QStringLiteral("0")).trimmed();
     return text == QLatin1String("1") ? Season::Inverno : Season::Estate;
 }
 
-void WriteCurrentSeason(IniStore &ini, Season season)
+void writeCurrentSeason(IniStore &ini, Season season)
 {
     ini.WriteIniKey(Section, QStringLiteral("Attuale"), QString::number(int(season)));
 }
 
-QString ReadSeasonRecipe(const IniStore &ini, Season season)
+QString readSeasonRecipe(const IniStore &ini, Season season)
 {
     return ini.ReadIniKey(Section, seasonName(season), QString()).trimmed();
 }
 
-void WriteSeasonRecipe(IniStore &ini, Season season, const QString &fileName)
+void writeSeasonRecipe(IniStore &ini, Season season, const QString &fileName)
 {
     ini.WriteIniKey(Section, seasonName(season), fileName);
 }

@@ -16,12 +16,12 @@ Season otherSeason(Season season);
 
 // "Attuale" of "Stagione" in the current settings file; any text but "1" is summer, as
 // the original read it with a default of "0".
-Season ReadCurrentSeason(const IniStore &ini);
-void WriteCurrentSeason(IniStore &ini, Season season);
+Season readCurrentSeason(const IniStore &ini);
+void writeCurrentSeason(IniStore &ini, Season season);
 
 // The recipe file named for the change to `season`, trimmed; empty when none is.
-QString ReadSeasonRecipe(const IniStore &ini, Season season);
-void WriteSeasonRecipe(IniStore &ini, Season season, const QString &fileName);
+QString readSeasonRecipe(const IniStore &ini, Season season);
+void writeSeasonRecipe(IniStore &ini, Season season, const QString &fileName);
 
 // The box for a change to `season` that has no recipe named.
 QString noRecipeMessage(Season season);

@@ -52,7 +52,7 @@ void HeadlessRunner::start()
         return;
     }
     if (m_options.login)
-        Login(m_options.login->name, m_options.login->password, m_rt.services.user, m_rt.display.statusBar, m_prompts,
+        logInUser(m_options.login->name, m_options.login->password, m_rt.services.user, m_rt.display.statusBar, m_prompts,
               m_rt.services.journal);
     if (!m_options.recipe.isEmpty()) {
         m_supervisor.cancelAutoStart();

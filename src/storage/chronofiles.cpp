@@ -170,7 +170,7 @@ bool SaveChronoSchedule(IniStore &ini, const ChronoSchedule &schedule, const Chr
         flags.append({section, QStringLiteral("Cronotermostato"), zoneEnabled[zone] ? QStringLiteral("1")
                                                                                      : QStringLiteral("0")});
     }
-    return ini.WriteIniKeys(flags) && ok;
+    return ini.writeIniKeys(flags) && ok;
 }
 
 } // namespace telvane

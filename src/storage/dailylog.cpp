@@ -141,19 +141,19 @@ bool readLine(QStringView line, DailyLogSink &sink, LocalOffsets &offsets)
 
 } // namespace
 
-QString DailyLogFileName(const QDate &date)
+QString dailyLogFileName(const QDate &date)
 {
     return date.toString(QStringLiteral("yyyy_MM_dd")) + QStringLiteral(".csv");
 }
 
-// The values in the user's locale ("21,5" on an Italian machine, FormatDecimal), so that
+// The values in the user's locale ("21,5" on an Italian machine, formatDecimal), so that
 // a spreadsheet in that language opens the ";"-separated file as numbers; the reader
 // takes either separator.
 QString dailyLogLine(const QDateTime &time, std::span<const LoggedValue> values)
 {
     QString line = time.toString(QLatin1String(DateTimeTextFormat)).trimmed() + QLatin1Char(';');
     for (const LoggedValue &logged : values)
-        line += FormatDecimal(logged.value, logged.decimals) + QLatin1Char(';');
+        line += formatDecimal(logged.value, logged.decimals) + QLatin1Char(';');
     return line;
 }
 
@@ -165,7 +165,7 @@ DailyLog::DailyLog(ProgramFolder folder, const Clock &clock)
 
 bool DailyLog::AppendDailyLogLine(const QString &text)
 {
-    const QString path = dailyLogPath(m_folder, DailyLogFileName(m_clock.now().date()));
+    const QString path = dailyLogPath(m_folder, dailyLogFileName(m_clock.now().date()));
     return AppendTextLine(path, text.toUtf8());
 }
 

@@ -33,7 +33,7 @@ struct LoggedValue
 inline constexpr char DailyLogFolderName[] = "Dati";
 
 // "2026_11_14.csv": the file of that day in the folder "Dati".
-QString DailyLogFileName(const QDate &date);
+QString dailyLogFileName(const QDate &date);
 
 // A finished line: "14/11/2026 22:20:09;21.5;19.0;20.3;". Every field, the last one too,
 // ends with ";", which the reader relies on.

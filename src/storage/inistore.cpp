@@ -74,7 +74,7 @@ bool IniStore::WriteIniKey(const QString &section, const QString &key, const QSt
     return writeKeys(m_currentIniName, {{section, key, value}});
 }
 
-bool IniStore::WriteIniKeys(const QList<IniKeyValue> &keys)
+bool IniStore::writeIniKeys(const QList<IniKeyValue> &keys)
 {
     return writeKeys(m_currentIniName, keys);
 }

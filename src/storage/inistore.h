@@ -41,7 +41,7 @@ public:
     // a replace per key would cost a disk flush each. All or nothing: when one key cannot
     // be written (see IniFile::setValue) or the file cannot be replaced, the file stays
     // as it was.
-    bool WriteIniKeys(const QList<IniKeyValue> &keys);
+    bool writeIniKeys(const QList<IniKeyValue> &keys);
 
     // Makes sure the sub-folder `name` of the program folder exists.
     bool EnsureFolder(const QString &name);

@@ -21,7 +21,7 @@ ModeSettings LoadSettings(IniStore &store)
     return settings;
 }
 
-ModeSettings ChangeSettingsFile(IniStore &store, bool currentlyCivil)
+ModeSettings changeSettingsFile(IniStore &store, bool currentlyCivil)
 {
     store.WriteModeKey(QStringLiteral("Generale"), QStringLiteral("Modo"),
                        currentlyCivil ? QStringLiteral("0") : QStringLiteral("1"));

@@ -22,6 +22,6 @@ ModeSettings LoadSettings(IniStore &store);
 
 // Switches to the other plant setup: stores the opposite mode and loads it. A mode that
 // cannot be written leaves the current setup in force.
-ModeSettings ChangeSettingsFile(IniStore &store, bool currentlyCivil);
+ModeSettings changeSettingsFile(IniStore &store, bool currentlyCivil);
 
 } // namespace telvane

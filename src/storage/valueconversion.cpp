@@ -81,7 +81,7 @@ float TextToValue(const QString &text, int decimals)
     return static_cast<float>(value);
 }
 
-QString FormatDecimal(float value, int decimals)
+QString formatDecimal(float value, int decimals)
 {
     const int index = std::clamp(decimals, 0, static_cast<int>(DecimalFormats.size()) - 1);
     const Pattern pattern = parsePattern(DecimalFormats[index]);
@@ -92,7 +92,7 @@ QString FormatZoneValue(float value, int decimals, const QString &unit)
 {
     if (value == InvalidValue)
         return StateTexts[InvalidStateText];
-    return FormatDecimal(value, decimals) + QLatin1Char(' ') + unit;
+    return formatDecimal(value, decimals) + QLatin1Char(' ') + unit;
 }
 
 } // namespace telvane

@@ -27,7 +27,7 @@ float TextToValue(const QString &text, int decimals);
 // `value` with the display pattern of DecimalFormats for `decimals` and the user's
 // locale's decimal separator ("21,5" on an Italian machine).
 // Decimals below 0 show as 0, above 3 as 3.
-QString FormatDecimal(float value, int decimals);
+QString formatDecimal(float value, int decimals);
 
 // A zone quantity as the synoptic shows it: "21.5 °C" ("21,5 °C" in Italy), or "--.-" for
 // the invalid marker.

@@ -43,7 +43,7 @@ QPoint clampToPlan(QPoint wanted, QSize size, QRect plan)
 bool storeItemPosition(IniStore &ini, PlanItemKind kind, int index, QPoint topLeft)
 {
     const PositionKeys keys = positionKeys(kind, index);
-    return ini.WriteIniKeys({{keys.section, keys.xKey, QString::number(topLeft.x()).trimmed()},
+    return ini.writeIniKeys({{keys.section, keys.xKey, QString::number(topLeft.x()).trimmed()},
                              {keys.section, keys.yKey, QString::number(topLeft.y()).trimmed()}});
 }
 

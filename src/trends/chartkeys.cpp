@@ -33,7 +33,7 @@ bool writeTraceColor(IniStore &store, int zoneIndex, quint32 color)
 
 bool writeValueLimits(IniStore &store, double min, double max)
 {
-    return store.WriteIniKeys({{ChartSection, QStringLiteral("T_Min"), numberText(min)},
+    return store.writeIniKeys({{ChartSection, QStringLiteral("T_Min"), numberText(min)},
                                {ChartSection, QStringLiteral("T_Max"), numberText(max)}});
 }
 
@@ -45,7 +45,7 @@ InfoPosition readInfoPosition(const IniStore &store)
 
 bool writeInfoPosition(IniStore &store, const InfoPosition &position)
 {
-    return store.WriteIniKeys({{ChartSection, QStringLiteral("Info_X"), QString::number(position.x)},
+    return store.writeIniKeys({{ChartSection, QStringLiteral("Info_X"), QString::number(position.x)},
                                {ChartSection, QStringLiteral("Info_Y"), QString::number(position.y)}});
 }
 

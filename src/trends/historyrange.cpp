@@ -79,7 +79,7 @@ QList<DayResult> readDays(const DailyLog &log, const QDate &from, const QDate &t
         DayOutcome outcome = DayOutcome::Missing;
         if (present.contains(date)) {
             DaySink sink(into, progress, i, dayCount);
-            outcome = log.ReadDailyLog(DailyLogFileName(date), sink) ? DayOutcome::Read : DayOutcome::Damaged;
+            outcome = log.ReadDailyLog(dailyLogFileName(date), sink) ? DayOutcome::Read : DayOutcome::Damaged;
         }
         results.append({date, outcome});
         if (progress)

@@ -89,7 +89,7 @@ void frmLogin::cmdOKClick()
 {
     const QString name = m_userName->text();
     const QString password = m_password->text();
-    const UserLevel level = Login(name, password, m_user, m_statusBar, m_prompts, m_journal);
+    const UserLevel level = logInUser(name, password, m_user, m_statusBar, m_prompts, m_journal);
     emit userChanged();
     m_password->clear();
 

@@ -216,8 +216,8 @@ void Stagione::refresh()
     if (m_change->sending())
         return;
     setWindowTitle(m_rt.model.mode.seasonCaption.isEmpty() ? QStringLiteral("Stagione") : m_rt.model.mode.seasonCaption);
-    m_summerFile->setText(ReadSeasonRecipe(m_rt.model.ini, Season::Estate));
-    m_winterFile->setText(ReadSeasonRecipe(m_rt.model.ini, Season::Inverno));
+    m_summerFile->setText(readSeasonRecipe(m_rt.model.ini, Season::Estate));
+    m_winterFile->setText(readSeasonRecipe(m_rt.model.ini, Season::Inverno));
     showSeason();
     m_progressPanel->hide();
     m_change->loadSeasonRecipe(otherSeason(m_change->currentSeason()), SeasonChange::LoadNotice::Quiet);
@@ -246,7 +246,7 @@ void Stagione::chooseRecipe(Season season)
                                               .arg(QDir::toNativeSeparators(folder)));
         return;
     }
-    WriteSeasonRecipe(m_rt.model.ini, season, file.fileName());
+    writeSeasonRecipe(m_rt.model.ini, season, file.fileName());
     (season == Season::Estate ? m_summerFile : m_winterFile)->setText(file.fileName());
     if (season == otherSeason(m_change->currentSeason())) {
         m_change->loadSeasonRecipe(season);

@@ -125,7 +125,7 @@ private slots:
             fx.panelTexts[StatusBar::PortPanel].clear();
             fx.prompts.clear();
             journalled.clear();
-            const UserLevel result = Login(name, password, user, fx.rt.display.statusBar, fx.prompts, fx.rt.services.journal);
+            const UserLevel result = logInUser(name, password, user, fx.rt.display.statusBar, fx.prompts, fx.rt.services.journal);
             QCOMPARE(fx.panelTexts[StatusBar::PortPanel], panel);
             QCOMPARE(userPanelText(user), fx.rt.display.statusBar.panel(StatusBar::PortPanel));
             QCOMPARE(userPanelText(result), userPanelText(user));

@@ -179,7 +179,7 @@ private slots:
 
         // A rebuild with fewer objects forgets the others.
         const QStringList kept = editor.lists().filter(QRegularExpression("^. [12]00>"));
-        editor.ini.WriteIniKeys({{"Generale", "Zone", "1"}, {"Generale", "LED", "0"}, {"Generale", "Apriporta", "0"},
+        editor.ini.writeIniKeys({{"Generale", "Zone", "1"}, {"Generale", "LED", "0"}, {"Generale", "Apriporta", "0"},
                                  {"Generale", "Interruttori", "1"}});
         editor.reload();
         QCOMPARE(editor.lists(), kept);
@@ -187,7 +187,7 @@ private slots:
         QCOMPARE(tableRow(t.DoorWriteTable, 0), QList<int>(DoorTable::slotCount(), -1));
         QCOMPARE(slaveZones(), QList<int>());
         // Only zone 2 left: a list without lines is not polled.
-        editor.ini.WriteIniKeys({{"Zona 01", "Indirizzo", "0"}, {"Generale", "Zone", "2"}, {"Generale", "Interruttori", "0"}});
+        editor.ini.writeIniKeys({{"Zona 01", "Indirizzo", "0"}, {"Generale", "Zone", "2"}, {"Generale", "Interruttori", "0"}});
         editor.reload();
         QCOMPARE(editor.enabled(), (QList<bool>{true, true, false, false}));
     }
@@ -359,7 +359,7 @@ private slots:
 
         // One zone left, nothing read from it, the chrono-thermostat off: the check of
         // the line has nothing to read and switches itself off.
-        editor.ini.WriteIniKeys({{"Generale", "Zone", "1"}, {"Generale", "LED", "0"}, {"Generale", "Interruttori", "0"},
+        editor.ini.writeIniKeys({{"Generale", "Zone", "1"}, {"Generale", "LED", "0"}, {"Generale", "Interruttori", "0"},
                                  {"Generale", "Cronotermostato", "0"}, {"Zona 01", "PV_r", ""}});
         editor.reload();
         QCOMPARE(editor.lists(), QStringList{"R 400>14:1,5 [0]"});
@@ -433,17 +433,17 @@ private slots:
         QCOMPARE(editor.line.openCalls(), 1);
         QVERIFY(s.portAvailable && !editor.line.isOpen());
         // Periods are kept within their limits.
-        editor.ini.WriteIniKeys({{"COM", "Base Misura", "300"}, {"COM", "Base Remoto", "30"}, {"COM", "Base LED", "0"}});
+        editor.ini.writeIniKeys({{"COM", "Base Misura", "300"}, {"COM", "Base Remoto", "30"}, {"COM", "Base LED", "0"}});
         editor.loadComm();
         QCOMPARE(periods(), (QList<int>{300, 30, 0}));
-        editor.ini.WriteIniKeys({{"COM", "Base Misura", "301"}, {"COM", "Base Remoto", "31"}, {"COM", "Base LED", "-5"}});
+        editor.ini.writeIniKeys({{"COM", "Base Misura", "301"}, {"COM", "Base Remoto", "31"}, {"COM", "Base LED", "-5"}});
         editor.loadComm();
         QCOMPARE(periods(), (QList<int>{300, 30, 30}));
 
         // A format that cannot be used: no port, and the line is neither touched nor re-pointed.
         const int opened = editor.line.openCalls();
         for (const auto &[format, reason] : {std::pair{"9600,X,8,1", "parità"}, {"veloce,N,8,1", "velocità"}, {"", "virgole"}}) {
-            editor.ini.WriteIniKeys({{"COM", "Porta", "2"}, {"COM", "Formato", format}});
+            editor.ini.writeIniKeys({{"COM", "Porta", "2"}, {"COM", "Formato", format}});
             QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("\\[COM\\] Formato = .*%1.*no serial port").arg(reason)));
             editor.loadComm();
             QVERIFY2(!s.portAvailable && s.statusText == "Nessuna COM", format);

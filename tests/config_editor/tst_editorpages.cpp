@@ -268,14 +268,14 @@ private slots:
         set("Indirizzo", "5");
         set("AL1_r", "3");
         set("PV_w", "6,100");
-        QCOMPARE(TryInstrument(fx.rt.services.master, page, "Zona 02"),
+        QCOMPARE(runInstrumentTrial(fx.rt.services.master, page, "Zona 02"),
                  QStringList({"PV lettura (3,100): 21.5", "SP lettura (3,101): nessuna risposta valida (Time out)",
                               "AL1 lettura (3): registro non valido, non letto", "REM lettura (1,7): 1"}));
         QCOMPARE(fx.takeRequests(), QStringList({RuntimeFixture::request(5, 3, 100, 1), RuntimeFixture::request(5, 3, 101, 1),
                                                  RuntimeFixture::request(5, 1, 7, 1)}));
 
         set("Indirizzo", "0");
-        QCOMPARE(TryInstrument(fx.rt.services.master, page, "Zona 02").size(), 1);
+        QCOMPARE(runInstrumentTrial(fx.rt.services.master, page, "Zona 02").size(), 1);
         QVERIFY(fx.takeRequests().isEmpty());
     }
     void recipeTemplate()

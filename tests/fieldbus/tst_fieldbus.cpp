@@ -252,7 +252,7 @@ private slots:
                 return;
             QVERIFY(bench.master.busy());
             nested << bench.master.read(3, 1, 2) << bench.master.write(6, 1, 5, 2) << bench.master.ReadItem(3, 0, 1, 2);
-            testPortAnswer = bench.master.TestPort("/dev/ttyS1");
+            testPortAnswer = bench.master.testPort("/dev/ttyS1");
             bench.master.ClosePort();
         });
         QTest::failOnWarning(QRegularExpression("refused"));

@@ -149,9 +149,9 @@ private slots:
         QVERIFY(log.AppendDailyLogLine(dailyLogLine(clock.now(), QList<LoggedValue>{{21.5f, 1}, {InvalidValue, 1}, {7.125f, 3}})));
         clock.advance(60000);
         QVERIFY(log.AppendDailyLogLine(dailyLogLine(clock.now(), QList<LoggedValue>{{22.0f, 0}})));
-        QCOMPARE(dataFile(DailyLogFileName(clock.now().date())), day);
+        QCOMPARE(dataFile(dailyLogFileName(clock.now().date())), day);
         RecordingSink sink;
-        QVERIFY(log.ReadDailyLog(DailyLogFileName(clock.now().date()), sink));
+        QVERIFY(log.ReadDailyLog(dailyLogFileName(clock.now().date()), sink));
         QCOMPARE(sink.text(), QStringLiteral("22:20:09 1=21.5, 22:20:09 2=-99999, 22:20:09 3=7.125, 22:21:09 1=22"));
 
         // Set points in "00.0", in the file's order of zone, slot and day.

@@ -108,10 +108,10 @@ private slots:
         QCOMPARE(dir.read("Telvane2.ini"), QByteArray("[Generale]\r\nZone=7\r\n"));
 
         // The menu's switch stores the other mode and loads it, both ways.
-        QVERIFY(!ChangeSettingsFile(store, true).CivilMode);
+        QVERIFY(!changeSettingsFile(store, true).CivilMode);
         QCOMPARE(dir.read("Telvane0.ini"), QByteArray("[Generale]\r\nModo=0\r\n"));
         QCOMPARE(store.currentIniName(), QStringLiteral("Telvane2.ini"));
-        QVERIFY(ChangeSettingsFile(store, false).CivilMode);
+        QVERIFY(changeSettingsFile(store, false).CivilMode);
         QCOMPARE(dir.read("Telvane0.ini"), QByteArray("[Generale]\r\nModo=1\r\n"));
         QCOMPARE(store.currentIniName(), QStringLiteral("Telvane1.ini"));
     }
@@ -126,7 +126,7 @@ private slots:
         // Existing keys change in place, new keys join their section after its last key, a
         // new section goes at the end, a key given twice keeps its last value; everything
         // else of the file stays as the user left it, written as UTF-8 with CR LF.
-        QVERIFY(store.WriteIniKeys({{"com", "porta", "3"},
+        QVERIFY(store.writeIniKeys({{"com", "porta", "3"},
                                     {"Zona 01", "Indirizzo", "5"},
                                     {"Zona 02", "Nome", "Cucina"},
                                     {"COM", "TimeOut", "400"},
@@ -156,7 +156,7 @@ private slots:
         const QStringList before = entries(dir);
         for (int refused = 0; refused < 3; ++refused)
             QTest::ignoreMessage(QtWarningMsg, QRegularExpression("Cannot write key"));
-        QVERIFY(!store.WriteIniKeys({{"COM", "Porta", "2"}, {"B", "x=y", "3"}}));
+        QVERIFY(!store.writeIniKeys({{"COM", "Porta", "2"}, {"B", "x=y", "3"}}));
         QVERIFY(!store.WriteIniKey("Zona]", "k", "1"));
         QVERIFY(!store.WriteIniKey("COM", "x", "1\r\n[B]"));
         // A full disk keeps the old file whole, and nothing is left beside it.

@@ -248,7 +248,7 @@ private slots:
             QByteArray text;
             for (const QString &time : times)
                 text += day.toString("dd/MM/yyyy ").toLatin1() + time.toLatin1() + ";1;\r\n";
-            dir.write("Dati/" + DailyLogFileName(day), text);
+            dir.write("Dati/" + dailyLogFileName(day), text);
             ManualClock clock(QDateTime(day, QTime(12, 0)));
             TrendSet set;
             readDays(DailyLog(dir.folder(), clock), day, day, set);

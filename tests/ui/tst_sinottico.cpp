@@ -137,7 +137,7 @@ private slots:
 
         // A zone's information panel where it was left, and the webcam panel without a
         // camera: it says so, and the rest of the plan goes on working.
-        QVERIFY(rt().model.ini.WriteIniKeys({{"Zona 01", "Info_X", "2400"}, {"Zona 01", "Info_Y", "1200"}}));
+        QVERIFY(rt().model.ini.writeIniKeys({{"Zona 01", "Info_X", "2400"}, {"Zona 01", "Info_Y", "1200"}}));
         click(markerOf(0));
         PanelItem *info = synoptic->infoPanel();
         QVERIFY(info->isVisible());

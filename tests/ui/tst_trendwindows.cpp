@@ -79,7 +79,7 @@ class TestTrendWindows : public QObject
     }
     void writeDay(const QDate &date, const QByteArray &lines)
     {
-        writeTestFile(plantFile(QStringLiteral("Dati/") + DailyLogFileName(date)), lines);
+        writeTestFile(plantFile(QStringLiteral("Dati/") + dailyLogFileName(date)), lines);
     }
     // Shows the days as the operator would and waits for the reading to end.
     void showDays(Storico &history, const QDate &from, const QDate &to)

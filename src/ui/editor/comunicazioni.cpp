@@ -320,7 +320,7 @@ void Comunicazioni::MenuRileggiIni()
 
 void Comunicazioni::MenuCambiaIni()
 {
-    m_rt.model.mode = ChangeSettingsFile(m_rt.model.ini, m_rt.model.mode.CivilMode);
+    m_rt.model.mode = changeSettingsFile(m_rt.model.ini, m_rt.model.mode.CivilMode);
     applyMode();
     emit modeChanged();
     MenuRileggiIni();
@@ -350,7 +350,7 @@ void Comunicazioni::toggleOption(const QString &key, QAction *entry)
         return;
     }
     const bool on = entry->isChecked();
-    if (!m_rt.model.ini.WriteIniKeys({{QStringLiteral("Generale"), key, on ? QStringLiteral("1") : QStringLiteral("0")}})) {
+    if (!m_rt.model.ini.writeIniKeys({{QStringLiteral("Generale"), key, on ? QStringLiteral("1") : QStringLiteral("0")}})) {
         entry->setChecked(!on);
         return;
     }
@@ -362,7 +362,7 @@ void Comunicazioni::tryInstrument(FieldPage *page, const QString &section)
     // The line belongs to the cycle while acquiring.
     if (m_supervisor.AcquisitionRunning())
         return;
-    const QStringList lines = TryInstrument(m_rt.services.master, page->model(), section);
+    const QStringList lines = runInstrumentTrial(m_rt.services.master, page->model(), section);
     m_prompts.information(QStringLiteral("Prova strumento"), lines.join(QLatin1Char('\n')));
 }
 
