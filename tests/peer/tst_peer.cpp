@@ -53,15 +53,17 @@ QByteArray plantIni(const QString &port, bool fiveQuantities, bool chrono = fals
     return ini.toUtf8();
 }
 
-// Three zones on slaves 1, 2 and 7; the industrial plant, in summer.
-QByteArray recipePlantIni(const QString &port)
+// Three zones on slaves 1, 2 and 7; the industrial plant, in summer, and its winter recipe.
+void writeRecipePlant(const SettingsFolder &plant, const QString &port, const QByteArray &recipe)
 {
     QString ini = QStringLiteral("[Generale]\nZone=3\n[COM]\nPorta=%1\nFormato=9600,N,8,1\nRetry=1\nTimeOut=200\n"
                                  "[Stagione]\nAttuale=0\nInverno=Inverno.prg\n")
                       .arg(port);
     for (int zone = 1; zone <= 3; ++zone)
         ini += QStringLiteral("[Zona 0%1]\nNome=Zona %1\nIndirizzo=%2\nPV_r=3,1\n").arg(zone).arg(zone == 3 ? 7 : zone);
-    return ini.toUtf8();
+    plant.write(QStringLiteral("Telvane0.ini"), "[Generale]\r\nModo=0\r\n");
+    plant.write(QStringLiteral("Telvane2.ini"), ini.toUtf8());
+    plant.write(QStringLiteral("Ricetta/Inverno.prg"), recipe);
 }
 
 const QByteArray Header = "[File]\r\nID = Telvane\r\n"
@@ -250,9 +252,7 @@ private slots:
     // the season stored, exit 0, and the slave holds every value.
     void headlessSendReachesEveryRegister()
     {
-        m_plant->write(QStringLiteral("Telvane0.ini"), "[Generale]\r\nModo=0\r\n"); // industrial
-        m_plant->write(QStringLiteral("Telvane2.ini"), recipePlantIni(m_peer->port()));
-        m_plant->write(QStringLiteral("Ricetta/Inverno.prg"), Unattended);
+        writeRecipePlant(*m_plant, m_peer->port(), Unattended);
         QProcess process;
         process.start(QStringLiteral(TELVANE_PROGRAM), {"--headless", "--communicate", "--dir",
                                                         m_plant->folder().root(), "--ricetta", "inverno"});
@@ -278,9 +278,7 @@ private slots:
     // the operator is told, and the season stays summer.
     void slaveStoppedHalfway()
     {
-        m_plant->write(QStringLiteral("Telvane0.ini"), "[Generale]\r\nModo=0\r\n"); // industrial
-        m_plant->write(QStringLiteral("Telvane2.ini"), recipePlantIni(m_peer->port()));
-        m_plant->write(QStringLiteral("Ricetta/Inverno.prg"), WithMessage);
+        writeRecipePlant(*m_plant, m_peer->port(), WithMessage);
         SystemClock clock;
         TermiosLine line;
         EventLoopPause pause;
