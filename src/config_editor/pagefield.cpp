@@ -2,6 +2,7 @@
 
 #include "fieldbus/serialformat.h"
 #include "storage/colortext.h"
+#include "storage/numberkeys.h"
 #include "storage/numbertext.h"
 #include "storage/registerkey.h"
 #include "storage/valueconversion.h"
@@ -106,7 +107,7 @@ bool flagTicked(const FieldSpec &definition, const QString &text)
 {
     if (definition.flagReading == FlagReading::PositiveNumber)
         return leadingInteger(text, 0) > 0;
-    return text.trimmed() != QLatin1String("0");
+    return flagTextOn(text);
 }
 
 QString choiceShown(const FieldSpec &definition, const QString &stored)

@@ -24,9 +24,14 @@ float readSingleKey(const IniStore &store, const QString &section, const QString
     return defaultValue;
 }
 
+bool flagTextOn(const QString &text)
+{
+    return text.trimmed() != QLatin1String("0");
+}
+
 bool readFlagKey(const IniStore &store, const QString &section, const QString &key)
 {
-    return store.ReadIniKey(section, key, QStringLiteral("0")) != QLatin1String("0");
+    return flagTextOn(store.ReadIniKey(section, key, QStringLiteral("0")));
 }
 
 void logBadSetting(const QString &section, const QString &key, const QString &text, const QString &problem)

@@ -17,7 +17,8 @@ int readIntegerKey(const IniStore &store, const QString &section, const QString 
 float readSingleKey(const IniStore &store, const QString &section, const QString &key, float defaultValue);
 
 // A check-box setting: on unless its text is "0", so "1", "-1" and "si" are all on; an
-// absent key reads "0".
+// absent key reads "0". The editor's pages tick their boxes by the same rule.
+bool flagTextOn(const QString &text);
 bool readFlagKey(const IniStore &store, const QString &section, const QString &key);
 
 // One warning for a value that could not be used as it stands:
